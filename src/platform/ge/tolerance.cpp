@@ -1,0 +1,3 @@
+#include "platform/ge/tolerance.hpp"
+
+AcGeTol AcGeContext::gTol;
