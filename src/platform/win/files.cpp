@@ -1,0 +1,94 @@
+#include "platform/win/files.hpp"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+
+#include "platform/win/codepage.hpp"
+#include "platform/win/paths.hpp"
+
+namespace fs = std::filesystem;
+
+BOOL DeleteFileW(LPCWSTR path) {
+    if (!path) return FALSE;
+    fs::path file = ResolvePath(path);
+    std::error_code error;
+    if (!fs::is_regular_file(file, error)) return FALSE;
+    return fs::remove(file, error) ? TRUE : FALSE;
+}
+
+BOOL CopyFileW(LPCWSTR from, LPCWSTR to, BOOL failIfExists) {
+    if (!from || !to) return FALSE;
+    fs::path source = ResolvePath(from);
+    fs::path target = ResolvePath(to);
+    std::error_code error;
+    if (!fs::is_regular_file(source, error)) return FALSE;
+    auto options = failIfExists ? fs::copy_options::none : fs::copy_options::overwrite_existing;
+    return fs::copy_file(source, target, options, error) && !error ? TRUE : FALSE;
+}
+
+BOOL CreateDirectoryW(LPCWSTR path, void*) {
+    if (!path) return FALSE;
+    fs::path folder = ResolvePath(path);
+    std::error_code error;
+    if (fs::exists(folder, error) || !fs::is_directory(folder.parent_path(), error)) return FALSE;
+    return fs::create_directory(folder, error) ? TRUE : FALSE;
+}
+
+BOOL PathIsDirectoryW(LPCWSTR path) {
+    std::error_code error;
+    return path && fs::is_directory(ResolvePath(path), error) ? TRUE : FALSE;
+}
+
+BOOL PathFileExistsW(LPCWSTR path) {
+    std::error_code error;
+    return path && fs::exists(ResolvePath(path), error) ? TRUE : FALSE;
+}
+
+DWORD GetFileAttributesW(LPCWSTR path) {
+    if (!path) return INVALID_FILE_ATTRIBUTES;
+    fs::path file = ResolvePath(path);
+    std::error_code error;
+    fs::file_status status = fs::status(file, error);
+    if (!fs::exists(status)) return INVALID_FILE_ATTRIBUTES;
+    DWORD attributes = fs::is_directory(status) ? FILE_ATTRIBUTE_DIRECTORY : 0;
+    if (::access(file.c_str(), W_OK) != 0) attributes |= FILE_ATTRIBUTE_READONLY;
+    return attributes ? attributes : FILE_ATTRIBUTE_NORMAL;
+}
+
+int _wmkdir(const wchar_t* path) {
+    if (!path) {
+        errno = EINVAL;
+        return -1;
+    }
+    fs::path folder = ResolvePath(path);
+    std::error_code error;
+    if (fs::exists(folder, error)) {
+        errno = EEXIST;
+        return -1;
+    }
+    if (!fs::create_directory(folder, error)) {
+        errno = error ? error.value() : ENOENT;
+        return -1;
+    }
+    return 0;
+}
+
+int _waccess(const wchar_t* path, int mode) {
+    if (!path) {
+        errno = EINVAL;
+        return -1;
+    }
+    int posixMode = F_OK | ((mode & 2) ? W_OK : 0) | ((mode & 4) ? R_OK : 0);
+    return ::access(ResolvePath(path).c_str(), posixMode) == 0 ? 0 : -1;
+}
+
+int _access(const char* path, int mode) {
+    if (!path) {
+        errno = EINVAL;
+        return -1;
+    }
+    return _waccess(WideFromAnsi(path).c_str(), mode);
+}
