@@ -42,21 +42,17 @@ public:
         return *this;
     }
     AcArray& reverse() { std::reverse(m_items.begin(), m_items.end()); return *this; }
-    bool contains(const T& item, int start = 0) const { return find(item, start) >= 0; }
-    // Index of the first element equal to item at or after start, or -1.
-    int find(const T& item, int start = 0) const {
-        for (int i = start; i < length(); ++i)
-            if (m_items[static_cast<std::size_t>(i)] == item) return i;
-        return -1;
-    }
+    bool contains(const T& item, int start = 0) const { return indexFrom(item, start) >= 0; }
+    // Index of the first element equal to item, or -1.
+    int find(const T& item) const { return indexFrom(item, 0); }
     bool find(const T& item, int& foundAt, int start = 0) const {
-        int index = find(item, start);
+        int index = indexFrom(item, start);
         if (index < 0) return false;
         foundAt = index;
         return true;
     }
     bool remove(const T& item, int start = 0) {
-        int index = find(item, start);
+        int index = indexFrom(item, start);
         if (index < 0) return false;
         removeAt(index);
         return true;
@@ -83,6 +79,11 @@ public:
     bool operator==(const AcArray& other) const { return m_items == other.m_items; }
 
 private:
+    int indexFrom(const T& item, int start) const {
+        for (int i = start; i < length(); ++i)
+            if (m_items[static_cast<std::size_t>(i)] == item) return i;
+        return -1;
+    }
     std::vector<T> m_items;
     int m_growLength = 8;
 };

@@ -1,0 +1,81 @@
+#include "platform/db/arc.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+#include "platform/db/ocs.hpp"
+
+ACRX_DEFINE_MEMBERS(AcDbArc, AcDbCurve, L"ARC")
+
+namespace {
+constexpr double kTwoPi = 2.0 * M_PI;
+
+double normalizedAngle(double a) {
+    a = std::fmod(a, kTwoPi);
+    return a < 0 ? a + kTwoPi : a;
+}
+
+// Whether the counter-clockwise sweep from start to end passes the angle.
+bool sweepContains(double start, double end, double angle) {
+    double sweep = normalizedAngle(end - start);
+    if (sweep == 0.0) sweep = kTwoPi;
+    return normalizedAngle(angle - start) <= sweep;
+}
+}  // namespace
+
+Acad::ErrorStatus AcDbArc::setRadius(double r) {
+    if (r <= 0.0) return Acad::eInvalidInput;
+    m_radius = r;
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbArc::setNormal(const AcGeVector3d& n) {
+    if (n.isZeroLength()) return Acad::eInvalidInput;
+    m_normal = n.normal();
+    return Acad::eOk;
+}
+
+double AcDbArc::totalAngle() const {
+    double sweep = normalizedAngle(m_endAngle - m_startAngle);
+    return sweep == 0.0 ? kTwoPi : sweep;
+}
+
+Acad::ErrorStatus AcDbArc::getGeomExtents(AcDbExtents& extents) const {
+    // The ends, plus each axis extreme of the full circle that the sweep passes.
+    extents = AcDbExtents();
+    auto pointAt = [&](double angle) {
+        return m_center + tavrik::ocs::directionInPlane(angle, m_normal) * m_radius;
+    };
+    extents.addPoint(pointAt(m_startAngle));
+    extents.addPoint(pointAt(m_endAngle));
+    AcGeVector3d u = tavrik::ocs::directionInPlane(0.0, m_normal);
+    AcGeVector3d v = tavrik::ocs::directionInPlane(M_PI / 2, m_normal);
+    for (int i = 0; i < 3; ++i) {
+        if (u[i] == 0.0 && v[i] == 0.0) continue;
+        double extreme = std::atan2(v[i], u[i]);
+        for (double angle : {extreme, extreme + M_PI})
+            if (sweepContains(m_startAngle, m_endAngle, angle)) extents.addPoint(pointAt(angle));
+    }
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbArc::transformBy(const AcGeMatrix3d& xform) {
+    double scale = 1.0;
+    if (!tavrik::ocs::uniformScale(xform, scale)) return Acad::eCannotScaleNonUniformly;
+    AcGeVector3d startDir = xform.apply(tavrik::ocs::directionInPlane(m_startAngle, m_normal));
+    AcGeVector3d endDir = xform.apply(tavrik::ocs::directionInPlane(m_endAngle, m_normal));
+    m_center.transformBy(xform);
+    m_normal = xform.apply(m_normal).normal();
+    m_radius *= scale;
+    // A reflection turns the sweep clockwise about the new normal: the ends change places.
+    if (xform.det() < 0) std::swap(startDir, endDir);
+    m_startAngle = tavrik::ocs::angleInPlane(startDir, m_normal);
+    m_endAngle = tavrik::ocs::angleInPlane(endDir, m_normal);
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbArc::getStretchPoints(AcGePoint3dArray& points) const {
+    points.append(m_center + tavrik::ocs::directionInPlane(m_startAngle, m_normal) * m_radius);
+    points.append(m_center + tavrik::ocs::directionInPlane(m_endAngle, m_normal) * m_radius);
+    return Acad::eOk;
+}

@@ -1,0 +1,193 @@
+#include "platform/db/database.hpp"
+
+#include "platform/db/block_table_record.hpp"
+#include "platform/db/dictionary.hpp"
+#include "platform/db/entity.hpp"
+
+AcDbHostApplicationServices* acdbHostApplicationServices() {
+    static AcDbHostApplicationServices services;
+    return &services;
+}
+
+AcDbDatabase::AcDbDatabase(bool buildDefault, bool) {
+    if (buildDefault) buildDefaultDrawing();
+}
+
+AcDbDatabase::~AcDbDatabase() {
+    if (acdbHostApplicationServices()->workingDatabase() == this)
+        acdbHostApplicationServices()->setWorkingDatabase(nullptr);
+}
+
+// ---- Objects ----
+
+AcDbStub& AcDbDatabase::newStub(AcDbHandle handle) {
+    AcDbStub& stub = m_stubs.emplace_back();
+    stub.database = this;
+    stub.handle = handle;
+    m_byHandle[handle.value()] = &stub;
+    if (handle.value() >= m_handseed.value()) m_handseed = AcDbHandle(handle.value() + 1);
+    return stub;
+}
+
+Acad::ErrorStatus AcDbDatabase::addAcDbObject(AcDbObjectId& id, AcDbObject* object) {
+    return addAcDbObjectWithHandle(id, object, m_handseed);
+}
+
+Acad::ErrorStatus AcDbDatabase::addAcDbObjectWithHandle(AcDbObjectId& id, AcDbObject* object,
+                                                        AcDbHandle handle) {
+    if (object == nullptr) return Acad::eNullObjectPointer;
+    if (!object->isNewObject()) return Acad::eAlreadyInDb;
+    if (handle.isNull()) return Acad::eNullHandle;
+    auto found = m_byHandle.find(handle.value());
+    AcDbStub* stub = nullptr;
+    if (found != m_byHandle.end()) {
+        if (found->second->object != nullptr) return Acad::eHandleInUse;
+        stub = found->second;  // a forward reference made the slot before the object came
+    } else {
+        stub = &newStub(handle);
+    }
+    stub->object.reset(object);
+    object->attachToStub(stub);
+    object->openFor(AcDb::kForWrite);
+    id = AcDbObjectId(stub);
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbDatabase::getAcDbObjectId(AcDbObjectId& id, bool createIfNotFound,
+                                                const AcDbHandle& handle) {
+    if (handle.isNull()) return Acad::eNullHandle;
+    auto found = m_byHandle.find(handle.value());
+    if (found != m_byHandle.end()) {
+        id = AcDbObjectId(found->second);
+        return Acad::eOk;
+    }
+    if (!createIfNotFound) return Acad::eUnknownHandle;
+    id = AcDbObjectId(&newStub(handle));
+    return Acad::eOk;
+}
+
+void AcDbDatabase::setHandseed(AcDbHandle seed) {
+    // Never below a handle in use: new objects must not collide with read ones.
+    for (const auto& [value, stub] : m_byHandle)
+        if (value >= seed.value()) seed = AcDbHandle(value + 1);
+    m_handseed = seed;
+}
+
+// ---- Tables ----
+
+namespace {
+template <typename Table>
+Acad::ErrorStatus openTable(AcDbObjectId id, Table*& table, AcDb::OpenMode mode) {
+    table = nullptr;
+    if (id.isNull()) return Acad::eNullObjectId;
+    return acdbOpenObject(table, id, mode);
+}
+}  // namespace
+
+#define TAVRIK_DEFINE_GET_TABLE(TABLE, KIND)                                                  \
+    Acad::ErrorStatus AcDbDatabase::getSymbolTable(TABLE*& table, AcDb::OpenMode mode) const { \
+        return openTable(m_tables[KIND], table, mode);                                         \
+    }
+
+TAVRIK_DEFINE_GET_TABLE(AcDbBlockTable, kBlockTable)
+TAVRIK_DEFINE_GET_TABLE(AcDbLayerTable, kLayerTable)
+TAVRIK_DEFINE_GET_TABLE(AcDbTextStyleTable, kTextStyleTable)
+TAVRIK_DEFINE_GET_TABLE(AcDbLinetypeTable, kLinetypeTable)
+TAVRIK_DEFINE_GET_TABLE(AcDbDimStyleTable, kDimStyleTable)
+TAVRIK_DEFINE_GET_TABLE(AcDbViewTable, kViewTable)
+TAVRIK_DEFINE_GET_TABLE(AcDbViewportTable, kViewportTable)
+TAVRIK_DEFINE_GET_TABLE(AcDbRegAppTable, kRegAppTable)
+TAVRIK_DEFINE_GET_TABLE(AcDbUCSTable, kUCSTable)
+
+AcDbObjectId AcDbDatabase::blockId(const std::wstring& name) const {
+    AcDbObjectId tableId = m_tables[kBlockTable];
+    if (!tableId.isValid()) return AcDbObjectId::kNull;
+    AcDbObjectId id;
+    static_cast<AcDbSymbolTable*>(tableId.stub()->object.get())->getAt(name, id);
+    return id;
+}
+
+// ---- The default drawing ----
+
+namespace {
+template <typename Table>
+AcDbObjectId addTable(AcDbDatabase& db, AcDbDatabase::TableKind kind) {
+    AcDbObjectId id;
+    auto* table = new Table();
+    db.addAcDbObject(id, table);
+    table->close();
+    db.setTableId(kind, id);
+    return id;
+}
+
+template <typename Record>
+AcDbObjectId addRecord(AcDbObjectId tableId, Record* record, const std::wstring& name) {
+    record->setName(name);
+    AcDbSymbolTable* table = nullptr;
+    AcDbObjectId id;
+    if (acdbOpenObject(table, tableId, AcDb::kForWrite) != Acad::eOk) {
+        delete record;
+        return id;
+    }
+    if (table->add(id, record) == Acad::eOk)
+        record->close();
+    else
+        delete record;
+    table->close();
+    return id;
+}
+}  // namespace
+
+void AcDbDatabase::buildDefaultDrawing() {
+    AcDbObjectId blocks = addTable<AcDbBlockTable>(*this, kBlockTable);
+    AcDbObjectId layers = addTable<AcDbLayerTable>(*this, kLayerTable);
+    AcDbObjectId styles = addTable<AcDbTextStyleTable>(*this, kTextStyleTable);
+    AcDbObjectId linetypes = addTable<AcDbLinetypeTable>(*this, kLinetypeTable);
+    AcDbObjectId dimstyles = addTable<AcDbDimStyleTable>(*this, kDimStyleTable);
+    addTable<AcDbViewTable>(*this, kViewTable);
+    AcDbObjectId viewports = addTable<AcDbViewportTable>(*this, kViewportTable);
+    AcDbObjectId regapps = addTable<AcDbRegAppTable>(*this, kRegAppTable);
+    addTable<AcDbUCSTable>(*this, kUCSTable);
+
+    addRecord(linetypes, new AcDbLinetypeTableRecord(), L"ByBlock");
+    m_celtype = addRecord(linetypes, new AcDbLinetypeTableRecord(), L"ByLayer");
+    auto* continuous = new AcDbLinetypeTableRecord();
+    continuous->setComments(L"Solid line");
+    AcDbObjectId continuousId = addRecord(linetypes, continuous, L"Continuous");
+
+    auto* zero = new AcDbLayerTableRecord();
+    zero->setLinetypeObjectId(continuousId);
+    m_clayer = addRecord(layers, zero, L"0");
+    m_textstyle = addRecord(styles, new AcDbTextStyleTableRecord(), L"Standard");
+    m_dimstyle = addRecord(dimstyles, new AcDbDimStyleTableRecord(), L"Standard");
+    addRecord(regapps, new AcDbRegAppTableRecord(), L"ACAD");
+    addRecord(viewports, new AcDbViewportTableRecord(), L"*Active");
+    addRecord(blocks, new AcDbBlockTableRecord(), ACDB_MODEL_SPACE);
+    addRecord(blocks, new AcDbBlockTableRecord(), ACDB_PAPER_SPACE);
+
+    auto* named = new AcDbDictionary();
+    addAcDbObject(m_namedObjects, named);
+    AcDbObjectId groups;
+    named->setAt(L"ACAD_GROUP", new AcDbDictionary(), groups);
+    named->close();
+    if (AcDbObject* group = groups.stub()->object.get()) group->close();
+}
+
+// ---- Extents ----
+
+Acad::ErrorStatus AcDbDatabase::updateExt(bool) {
+    AcDbExtents box;
+    AcDbObjectId model = modelSpaceId();
+    if (model.isValid())
+        box.addBlockExt(static_cast<AcDbBlockTableRecord*>(model.stub()->object.get()));
+    m_extmin = box.minPoint();
+    m_extmax = box.maxPoint();
+    return Acad::eOk;
+}
+
+// ---- Files ----
+
+Acad::ErrorStatus AcDbDatabase::getFilename(const ACHAR*& fileName) const {
+    fileName = m_filename.c_str();
+    return m_filename.empty() ? Acad::eNoFileName : Acad::eOk;
+}

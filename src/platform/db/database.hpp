@@ -1,0 +1,190 @@
+#pragma once
+#include <deque>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "platform/db/object.hpp"
+#include "platform/db/symbol_tables.hpp"
+#include "platform/ge/matrix3d.hpp"
+
+class AcDbBlockTableRecord;
+
+// A drawing: its objects by handle, the symbol tables, the header settings.
+class AcDbDatabase {
+public:
+    // buildDefaultDrawing: start with what every drawing has (layer "0", linetypes ByBlock,
+    // ByLayer and Continuous, text style and dimension style Standard, the model and paper
+    // space blocks, the named-object dictionary). Without it the database is empty, as a
+    // reader of a drawing file wants it. noDocument is kept for the call shape.
+    explicit AcDbDatabase(bool buildDefaultDrawing = true, bool noDocument = false);
+    ~AcDbDatabase();
+    AcDbDatabase(const AcDbDatabase&) = delete;
+    AcDbDatabase& operator=(const AcDbDatabase&) = delete;
+
+    // ---- Objects ----
+    // Adds a new object (ownership passes to the database) under the next handle.
+    Acad::ErrorStatus addAcDbObject(AcDbObjectId& id, AcDbObject* object);
+    // Adds a new object under a given handle (readers of drawing files). A handle already
+    // holding an object gives eHandleInUse.
+    Acad::ErrorStatus addAcDbObjectWithHandle(AcDbObjectId& id, AcDbObject* object,
+                                              AcDbHandle handle);
+    // The id of a handle; with createIfNotFound an empty slot is made, to be filled later.
+    Acad::ErrorStatus getAcDbObjectId(AcDbObjectId& id, bool createIfNotFound,
+                                      const AcDbHandle& handle);
+    // The next free handle, as the header's $HANDSEED keeps it.
+    AcDbHandle handseed() const { return m_handseed; }
+    void setHandseed(AcDbHandle seed);
+    // Every stub in the order of creation (for writers and audits).
+    const std::deque<AcDbStub>& stubs() const { return m_stubs; }
+
+    // ---- Tables ----
+    Acad::ErrorStatus getSymbolTable(AcDbBlockTable*& table, AcDb::OpenMode mode) const;
+    Acad::ErrorStatus getSymbolTable(AcDbLayerTable*& table, AcDb::OpenMode mode) const;
+    Acad::ErrorStatus getSymbolTable(AcDbTextStyleTable*& table, AcDb::OpenMode mode) const;
+    Acad::ErrorStatus getSymbolTable(AcDbLinetypeTable*& table, AcDb::OpenMode mode) const;
+    Acad::ErrorStatus getSymbolTable(AcDbDimStyleTable*& table, AcDb::OpenMode mode) const;
+    Acad::ErrorStatus getSymbolTable(AcDbViewTable*& table, AcDb::OpenMode mode) const;
+    Acad::ErrorStatus getSymbolTable(AcDbViewportTable*& table, AcDb::OpenMode mode) const;
+    Acad::ErrorStatus getSymbolTable(AcDbRegAppTable*& table, AcDb::OpenMode mode) const;
+    Acad::ErrorStatus getSymbolTable(AcDbUCSTable*& table, AcDb::OpenMode mode) const;
+    Acad::ErrorStatus getBlockTable(AcDbBlockTable*& t, AcDb::OpenMode m) const {
+        return getSymbolTable(t, m);
+    }
+    Acad::ErrorStatus getLayerTable(AcDbLayerTable*& t, AcDb::OpenMode m) const {
+        return getSymbolTable(t, m);
+    }
+    AcDbObjectId blockTableId() const { return m_tables[kBlockTable]; }
+    AcDbObjectId layerTableId() const { return m_tables[kLayerTable]; }
+    AcDbObjectId textStyleTableId() const { return m_tables[kTextStyleTable]; }
+    AcDbObjectId linetypeTableId() const { return m_tables[kLinetypeTable]; }
+    AcDbObjectId dimStyleTableId() const { return m_tables[kDimStyleTable]; }
+    AcDbObjectId viewTableId() const { return m_tables[kViewTable]; }
+    AcDbObjectId viewportTableId() const { return m_tables[kViewportTable]; }
+    AcDbObjectId regAppTableId() const { return m_tables[kRegAppTable]; }
+    AcDbObjectId UCSTableId() const { return m_tables[kUCSTable]; }
+    // Readers of drawing files install the tables they read.
+    enum TableKind {
+        kBlockTable, kLayerTable, kTextStyleTable, kLinetypeTable, kDimStyleTable,
+        kViewTable, kViewportTable, kRegAppTable, kUCSTable, kTableCount
+    };
+    void setTableId(TableKind kind, AcDbObjectId id) { m_tables[kind] = id; }
+    AcDbObjectId tableId(TableKind kind) const { return m_tables[kind]; }
+    AcDbObjectId namedObjectsDictionaryId() const { return m_namedObjects; }
+    void setNamedObjectsDictionaryId(AcDbObjectId id) { m_namedObjects = id; }
+    // The id of a block record by name, null when missing.
+    AcDbObjectId blockId(const std::wstring& name) const;
+    AcDbObjectId modelSpaceId() const { return blockId(ACDB_MODEL_SPACE); }
+    AcDbObjectId paperSpaceId() const { return blockId(ACDB_PAPER_SPACE); }
+
+    // ---- Current settings used for new entities ----
+    AcDbObjectId clayer() const { return m_clayer; }
+    Acad::ErrorStatus setClayer(AcDbObjectId layer) { m_clayer = layer; return Acad::eOk; }
+    AcDbObjectId celtype() const { return m_celtype; }
+    Acad::ErrorStatus setCeltype(AcDbObjectId linetype) { m_celtype = linetype; return Acad::eOk; }
+    AcDbObjectId textstyle() const { return m_textstyle; }
+    Acad::ErrorStatus setTextstyle(AcDbObjectId style) { m_textstyle = style; return Acad::eOk; }
+    AcDbObjectId dimstyle() const { return m_dimstyle; }
+    Acad::ErrorStatus setDimstyle(AcDbObjectId style) { m_dimstyle = style; return Acad::eOk; }
+    AcCmColor cecolor() const { return m_cecolor; }
+    Acad::ErrorStatus setCecolor(const AcCmColor& c) { m_cecolor = c; return Acad::eOk; }
+    double celtscale() const { return m_celtscale; }
+    Acad::ErrorStatus setCeltscale(double s) { m_celtscale = s; return Acad::eOk; }
+    AcDb::LineWeight celweight() const { return m_celweight; }
+    Acad::ErrorStatus setCelweight(AcDb::LineWeight w) { m_celweight = w; return Acad::eOk; }
+    double ltscale() const { return m_ltscale; }
+    Acad::ErrorStatus setLtscale(double s) { m_ltscale = s; return Acad::eOk; }
+    double textsize() const { return m_textsize; }
+    Acad::ErrorStatus setTextsize(double s) { m_textsize = s; return Acad::eOk; }
+
+    // ---- Extents ----
+    AcGePoint3d extmin() const { return m_extmin; }
+    AcGePoint3d extmax() const { return m_extmax; }
+    void setExtmin(const AcGePoint3d& p) { m_extmin = p; }
+    void setExtmax(const AcGePoint3d& p) { m_extmax = p; }
+    // Recomputes EXTMIN/EXTMAX from the model space (an empty one gives the inverted box
+    // 1e20/-1e20, as the host keeps it).
+    Acad::ErrorStatus updateExt(bool doBestFit = false);
+
+    // ---- Header variables the database does not model, by name ("$ACADVER") in file order ----
+    std::vector<std::pair<std::string, AcDbRawTags>>& headerVars() { return m_headerVars; }
+    const std::vector<std::pair<std::string, AcDbRawTags>>& headerVars() const {
+        return m_headerVars;
+    }
+    // The CLASSES section, kept as read.
+    AcDbRawTags& classesSection() { return m_classes; }
+    const AcDbRawTags& classesSection() const { return m_classes; }
+    // The THUMBNAILIMAGE section, kept as read.
+    AcDbRawTags& thumbnailSection() { return m_thumbnail; }
+    const AcDbRawTags& thumbnailSection() const { return m_thumbnail; }
+    // Version of the file read (AC1009 ... AC1032); the writer may keep it.
+    AcDb::AcDbDwgVersion originalFileVersion() const { return m_fileVersion; }
+    void setOriginalFileVersion(AcDb::AcDbDwgVersion v) { m_fileVersion = v; }
+
+    // ---- Files (implemented by the drawing-file codec) ----
+    // Reads a drawing file into this (empty) database. The kind of file is told by content.
+    Acad::ErrorStatus readDwgFile(const ACHAR* fileName, int shareMode = 0,
+                                  bool allowCPConversion = false,
+                                  const wchar_t* password = nullptr);
+    Acad::ErrorStatus saveAs(const ACHAR* fileName);
+    // The file this database was read from or last saved to.
+    Acad::ErrorStatus getFilename(const ACHAR*& fileName) const;
+    const std::wstring& filename() const { return m_filename; }
+    void setFilename(const std::wstring& name) { m_filename = name; }
+    // The reason of the last failed read or save: file, line and what was wrong.
+    const std::wstring& lastError() const { return m_lastError; }
+    void setLastError(const std::wstring& message) { m_lastError = message; }
+
+    // ---- Whole-drawing operations ----
+    // Copies the model space of another database into this one's model space under a
+    // transformation; layers, linetypes, styles and blocks that the copies use come along,
+    // merged by name (a name already here keeps this database's record).
+    Acad::ErrorStatus insert(const AcGeMatrix3d& xform, AcDbDatabase* source,
+                             bool preserveSourceDatabase = true);
+    // Copies the model space of another database into a new block of this one.
+    Acad::ErrorStatus insert(AcDbObjectId& blockId, const ACHAR* blockName, AcDbDatabase* source,
+                             bool preserveSourceDatabase = true);
+    // Reduces ids to those that nothing in the database refers to.
+    Acad::ErrorStatus purge(AcDbObjectIdArray& ids) const;
+
+private:
+    AcDbStub& newStub(AcDbHandle handle);
+    void buildDefaultDrawing();
+
+    std::deque<AcDbStub> m_stubs;
+    std::unordered_map<std::uint64_t, AcDbStub*> m_byHandle;
+    AcDbHandle m_handseed{1};
+    AcDbObjectId m_tables[kTableCount];
+    AcDbObjectId m_namedObjects;
+    AcDbObjectId m_clayer, m_celtype, m_textstyle, m_dimstyle;
+    AcCmColor m_cecolor;
+    double m_celtscale = 1.0;
+    AcDb::LineWeight m_celweight = AcDb::kLnWtByLayer;
+    double m_ltscale = 1.0;
+    double m_textsize = 2.5;
+    AcGePoint3d m_extmin{1e20, 1e20, 1e20};
+    AcGePoint3d m_extmax{-1e20, -1e20, -1e20};
+    std::vector<std::pair<std::string, AcDbRawTags>> m_headerVars;
+    AcDbRawTags m_classes;
+    AcDbRawTags m_thumbnail;
+    AcDb::AcDbDwgVersion m_fileVersion = AcDb::kDHL_1018;
+    std::wstring m_filename;
+    std::wstring m_lastError;
+};
+
+// Saves a database in the 2004 format (AC1018) to a file; implemented by the codec.
+Acad::ErrorStatus acdbSaveAs2004(AcDbDatabase* db, const ACHAR* fileName);
+
+// The host's services that know the working database.
+class AcDbHostApplicationServices {
+public:
+    AcDbDatabase* workingDatabase() const { return m_working; }
+    void setWorkingDatabase(AcDbDatabase* db) { m_working = db; }
+
+private:
+    AcDbDatabase* m_working = nullptr;
+};
+
+AcDbHostApplicationServices* acdbHostApplicationServices();

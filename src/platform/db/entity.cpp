@@ -1,0 +1,166 @@
+#include "platform/db/entity.hpp"
+
+#include "platform/db/database.hpp"
+
+ACRX_DEFINE_MEMBERS(AcDbEntity, AcDbObject, L"")
+
+namespace {
+// The database that resolves names for an entity: its own, or the working one while it is new.
+AcDbDatabase* resolvingDatabase(const AcDbEntity* entity) {
+    if (entity->database() != nullptr) return entity->database();
+    return acdbHostApplicationServices()->workingDatabase();
+}
+
+AcDbObjectId recordIdByName(AcDbDatabase* db, AcDbDatabase::TableKind kind,
+                            const std::wstring& name) {
+    if (db == nullptr) return AcDbObjectId::kNull;
+    AcDbObject* object = nullptr;
+    if (acdbOpenAcDbObject(object, db->tableId(kind), AcDb::kForRead) != Acad::eOk)
+        return AcDbObjectId::kNull;
+    AcDbObjectId id;
+    static_cast<AcDbSymbolTable*>(object)->getAt(name, id);
+    object->close();
+    return id;
+}
+
+// The name of a record, or empty when the id does not open.
+std::wstring recordName(AcDbObjectId id) {
+    AcDbObject* object = nullptr;
+    if (acdbOpenAcDbObject(object, id, AcDb::kForRead) != Acad::eOk) return {};
+    auto* record = AcDbSymbolTableRecord::cast(object);
+    std::wstring name = record ? record->name() : std::wstring{};
+    object->close();
+    return name;
+}
+}  // namespace
+
+AcDbObjectId AcDbEntity::layerId() const {
+    return recordIdByName(resolvingDatabase(this), AcDbDatabase::kLayerTable, m_layer);
+}
+
+Acad::ErrorStatus AcDbEntity::setLayer(const std::wstring& name, bool) {
+    AcDbDatabase* db = resolvingDatabase(this);
+    if (db != nullptr && recordIdByName(db, AcDbDatabase::kLayerTable, name).isNull())
+        return Acad::eKeyNotFound;
+    m_layer = name;
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbEntity::setLayer(AcDbObjectId layerId, bool) {
+    std::wstring name = recordName(layerId);
+    if (name.empty()) return Acad::eKeyNotFound;
+    m_layer = name;
+    return Acad::eOk;
+}
+
+AcDbObjectId AcDbEntity::linetypeId() const {
+    return recordIdByName(resolvingDatabase(this), AcDbDatabase::kLinetypeTable, m_linetype);
+}
+
+Acad::ErrorStatus AcDbEntity::setLinetype(const std::wstring& name, bool) {
+    AcDbDatabase* db = resolvingDatabase(this);
+    if (db != nullptr && recordIdByName(db, AcDbDatabase::kLinetypeTable, name).isNull())
+        return Acad::eKeyNotFound;
+    m_linetype = name;
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbEntity::setLinetype(AcDbObjectId linetypeId, bool) {
+    std::wstring name = recordName(linetypeId);
+    if (name.empty()) return Acad::eKeyNotFound;
+    m_linetype = name;
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbEntity::setLinetypeScale(double scale, bool) {
+    if (scale <= 0.0) return Acad::eBadLinetypeScale;
+    m_linetypeScale = scale;
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbEntity::setColor(const AcCmColor& color, bool) {
+    m_color = color;
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbEntity::setColorIndex(std::uint16_t index, bool) {
+    if (index > 256) return Acad::eBadColorIndex;
+    m_color.setColorIndex(index);
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbEntity::setLineWeight(AcDb::LineWeight weight, bool) {
+    m_lineWeight = weight;
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbEntity::setVisibility(AcDb::Visibility v, bool) {
+    m_visibility = v;
+    return Acad::eOk;
+}
+
+void AcDbEntity::setDatabaseDefaults(AcDbDatabase* db) {
+    if (db == nullptr) db = acdbHostApplicationServices()->workingDatabase();
+    if (db == nullptr) return;
+    std::wstring layer = recordName(db->clayer());
+    m_layer = layer.empty() ? L"0" : layer;
+    std::wstring linetype = recordName(db->celtype());
+    m_linetype = linetype.empty() ? L"BYLAYER" : linetype;
+    m_color = db->cecolor();
+    m_linetypeScale = db->celtscale();
+    m_lineWeight = db->celweight();
+}
+
+void AcDbEntity::setPropertiesFrom(const AcDbEntity* other, bool) {
+    m_layer = other->m_layer;
+    m_linetype = other->m_linetype;
+    m_color = other->m_color;
+    m_linetypeScale = other->m_linetypeScale;
+    m_lineWeight = other->m_lineWeight;
+    m_visibility = other->m_visibility;
+    m_plotStyleName = other->m_plotStyleName;
+}
+
+Acad::ErrorStatus AcDbEntity::getGeomExtents(AcDbExtents&) const { return Acad::eInvalidExtents; }
+
+Acad::ErrorStatus AcDbEntity::transformBy(const AcGeMatrix3d&) { return Acad::eNotApplicable; }
+
+Acad::ErrorStatus AcDbEntity::getTransformedCopy(const AcGeMatrix3d& xform,
+                                                 AcDbEntity*& copy) const {
+    auto* made = static_cast<AcDbEntity*>(clone());
+    Acad::ErrorStatus es = made->transformBy(xform);
+    if (es != Acad::eOk) {
+        delete made;
+        return es;
+    }
+    copy = made;
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbEntity::explode(AcDbVoidPtrArray&) const { return Acad::eNotApplicable; }
+
+Acad::ErrorStatus AcDbEntity::getStretchPoints(AcGePoint3dArray&) const {
+    return Acad::eNotApplicable;
+}
+
+void AcDbEntity::collectReferences(AcDbObjectIdArray& refs) const {
+    AcDbObject::collectReferences(refs);
+    AcDbObjectId layer = layerId();
+    if (!layer.isNull()) refs.append(layer);
+    AcDbObjectId linetype = linetypeId();
+    if (!linetype.isNull()) refs.append(linetype);
+}
+
+Acad::ErrorStatus acdbOpenAcDbEntity(AcDbEntity*& entity, AcDbObjectId id, AcDb::OpenMode mode,
+                                     bool openErased) {
+    entity = nullptr;
+    AcDbObject* object = nullptr;
+    Acad::ErrorStatus es = acdbOpenAcDbObject(object, id, mode, openErased);
+    if (es != Acad::eOk) return es;
+    entity = AcDbEntity::cast(object);
+    if (entity == nullptr) {
+        object->close();
+        return Acad::eNotAnEntity;
+    }
+    return Acad::eOk;
+}

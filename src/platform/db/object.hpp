@@ -1,0 +1,119 @@
+#pragma once
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/db/acdb_types.hpp"
+#include "platform/db/object_id.hpp"
+#include "platform/db/raw_tags.hpp"
+#include "platform/db/rx_class.hpp"
+#include "platform/db/status.hpp"
+
+class AcDbDatabase;
+
+// The slot of one object in its database: the handle it is known by and the object itself.
+// Ids point at stubs, so an id stays comparable after its object is erased.
+struct AcDbStub {
+    AcDbDatabase* database = nullptr;
+    AcDbHandle handle;
+    std::unique_ptr<AcDbObject> object;
+};
+
+// Base of every database object. An object is either owned by its maker (not yet added to a
+// database) or resident in a database, where it is reached by id and opened, used and closed.
+// Open protocol: any number of readers, or one writer; an erased object opens only on request.
+class AcDbObject : public AcRxObject {
+public:
+    ACRX_DECLARE_ABSTRACT_MEMBERS(AcDbObject)
+    ~AcDbObject() override;
+
+    AcDbObjectId objectId() const { return AcDbObjectId(m_stub); }
+    AcDbHandle getHandle() const;
+    AcDbDatabase* database() const { return m_stub ? m_stub->database : nullptr; }
+    AcDbObjectId ownerId() const { return m_owner; }
+    Acad::ErrorStatus setOwnerId(AcDbObjectId owner);
+
+    // Marks the object erased (true) or brings it back (false). Needs the object open for write.
+    Acad::ErrorStatus erase(bool erasing = true);
+    bool isErased() const { return m_erased; }
+    // Ends one open: the writer's, or one reader's.
+    Acad::ErrorStatus close();
+
+    bool isReadEnabled() const { return m_writer || m_readers > 0; }
+    bool isWriteEnabled() const { return m_writer; }
+    bool isNewObject() const { return m_stub == nullptr; }
+    int numReaders() const { return m_readers; }
+    Acad::ErrorStatus upgradeOpen();
+    Acad::ErrorStatus downgradeOpen();
+
+    // Extension dictionary and persistent reactors, as ids in the same database.
+    AcDbObjectId extensionDictionary() const { return m_extensionDictionary; }
+    void setExtensionDictionary(AcDbObjectId id) { m_extensionDictionary = id; }
+    const AcDbObjectIdArray& persistentReactors() const { return m_reactors; }
+    AcDbObjectIdArray& persistentReactors() { return m_reactors; }
+
+    // Extended entity data (group codes 1000 and up), per registered application in file order.
+    struct XDataGroup {
+        std::wstring appName;
+        AcDbRawTags tags;  // the tags after the 1001 application name
+    };
+    const std::vector<XDataGroup>& xData() const { return m_xdata; }
+    std::vector<XDataGroup>& xData() { return m_xdata; }
+
+    // The object's record as last read from a drawing file. The writer walks it and gives back,
+    // in place, every tag the database does not model. Empty for objects made in memory.
+    const AcDbRawTags& fileTags() const { return m_fileTags; }
+    AcDbRawTags& fileTags() { return m_fileTags; }
+
+    // The reference ids this object holds to others (owner excepted); purge counts them.
+    virtual void collectReferences(AcDbObjectIdArray& refs) const;
+
+    // Wiring used by the database when an object is added, opened or closed.
+    void attachToStub(AcDbStub* stub) { m_stub = stub; }
+    Acad::ErrorStatus openFor(AcDb::OpenMode mode);
+    void forceClosed() { m_readers = 0; m_writer = false; }
+
+protected:
+    AcDbObject() = default;
+    // A copy carries the data but belongs to no database and is not open.
+    AcDbObject(const AcDbObject& other);
+    AcDbObject& operator=(const AcDbObject&) = delete;
+
+    // Checks for subclasses' setters and getters, as the host asserts them.
+    bool writeEnabledOrNew() const { return m_stub == nullptr || m_writer; }
+
+private:
+    AcDbStub* m_stub = nullptr;
+    AcDbObjectId m_owner;
+    AcDbObjectId m_extensionDictionary;
+    AcDbObjectIdArray m_reactors;
+    std::vector<XDataGroup> m_xdata;
+    AcDbRawTags m_fileTags;
+    int m_readers = 0;
+    bool m_writer = false;
+    bool m_erased = false;
+};
+
+using AcDbVoidPtrArray = AcArray<void*>;
+
+// Opens the object behind an id. Fails with eNullObjectId, eUnknownHandle (no object behind the
+// handle), eWasErased (unless openErased), eWasOpenForWrite, eWasOpenForRead (write requested
+// while readers hold it) or eNotThatKindOfClass; on failure obj is set to null.
+Acad::ErrorStatus acdbOpenAcDbObject(AcDbObject*& obj, AcDbObjectId id, AcDb::OpenMode mode,
+                                     bool openErased = false);
+
+template <typename T>
+Acad::ErrorStatus acdbOpenObject(T*& obj, AcDbObjectId id, AcDb::OpenMode mode,
+                                 bool openErased = false) {
+    AcDbObject* base = nullptr;
+    obj = nullptr;
+    Acad::ErrorStatus es = acdbOpenAcDbObject(base, id, mode, openErased);
+    if (es != Acad::eOk) return es;
+    obj = T::cast(base);
+    if (obj == nullptr) {
+        base->close();
+        return Acad::eNotThatKindOfClass;
+    }
+    return Acad::eOk;
+}

@@ -1,0 +1,67 @@
+#pragma once
+#include <vector>
+
+#include "platform/db/curve.hpp"
+#include "platform/ge/point2d.hpp"
+
+// The lightweight polyline: 2D vertices in the plane of its normal at an elevation, each with a
+// bulge (tan of a quarter of the arc's sweep; positive counter-clockwise) and start and end
+// widths for the segment that follows it. Its parameter runs over vertex indices.
+class AcDbPolyline : public AcDbCurve {
+public:
+    ACRX_DECLARE_MEMBERS(AcDbPolyline)
+    AcDbPolyline() = default;
+    explicit AcDbPolyline(unsigned int numVerts) { m_vertices.reserve(numVerts); }
+
+    struct Vertex {
+        AcGePoint2d point;
+        double bulge = 0.0;
+        double startWidth = 0.0;
+        double endWidth = 0.0;
+        bool operator==(const Vertex&) const = default;
+    };
+
+    unsigned int numVerts() const { return static_cast<unsigned int>(m_vertices.size()); }
+    // Inserts a vertex before index (index == numVerts appends).
+    Acad::ErrorStatus addVertexAt(unsigned int index, const AcGePoint2d& point, double bulge = 0.0,
+                                  double startWidth = -1.0, double endWidth = -1.0);
+    Acad::ErrorStatus removeVertexAt(unsigned int index);
+    Acad::ErrorStatus getPointAt(unsigned int index, AcGePoint2d& point) const;
+    // The vertex in world coordinates (elevation and normal applied).
+    Acad::ErrorStatus getPointAt(unsigned int index, AcGePoint3d& point) const;
+    Acad::ErrorStatus setPointAt(unsigned int index, const AcGePoint2d& point);
+    Acad::ErrorStatus getBulgeAt(unsigned int index, double& bulge) const;
+    Acad::ErrorStatus setBulgeAt(unsigned int index, double bulge);
+    Acad::ErrorStatus getWidthsAt(unsigned int index, double& startWidth, double& endWidth) const;
+    Acad::ErrorStatus setWidthsAt(unsigned int index, double startWidth, double endWidth);
+    Acad::ErrorStatus getConstantWidth(double& width) const;
+    Acad::ErrorStatus setConstantWidth(double width);
+    bool isClosed() const override { return m_closed; }
+    void setClosed(bool closed) { m_closed = closed; }
+    double elevation() const { return m_elevation; }
+    void setElevation(double z) { m_elevation = z; }
+    AcGeVector3d normal() const { return m_normal; }
+    void setNormal(const AcGeVector3d& n) { m_normal = n.normal(); }
+    double thickness() const { return m_thickness; }
+    void setThickness(double t) { m_thickness = t; }
+    // Linetype generation across vertices (flag 128).
+    bool hasPlinegen() const { return m_plinegen; }
+    void setPlinegen(bool on) { m_plinegen = on; }
+    // A polyline with any non-zero bulge has arc segments.
+    bool hasBulges() const;
+    bool hasWidth() const;
+    const std::vector<Vertex>& vertices() const { return m_vertices; }
+    std::vector<Vertex>& vertices() { return m_vertices; }
+    // The constant width of group code 43, when the file gave one.
+    bool hasConstantWidthTag() const { return m_constantWidthTag; }
+    void setConstantWidthTag(bool on) { m_constantWidthTag = on; }
+
+private:
+    std::vector<Vertex> m_vertices;
+    bool m_closed = false;
+    bool m_plinegen = false;
+    bool m_constantWidthTag = false;
+    double m_elevation = 0.0;
+    double m_thickness = 0.0;
+    AcGeVector3d m_normal = AcGeVector3d::kZAxis;
+};

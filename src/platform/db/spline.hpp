@@ -1,0 +1,81 @@
+#pragma once
+#include <vector>
+
+#include "platform/db/curve.hpp"
+
+// A NURBS curve: degree, knots, control points, optional weights (rational), optional fit
+// points with their tolerance and end tangents. Its parameter runs over the knot range
+// [knot[degree], knot[numControlPoints]].
+class AcDbSpline : public AcDbCurve {
+public:
+    ACRX_DECLARE_MEMBERS(AcDbSpline)
+    AcDbSpline() = default;
+
+    int degree() const { return m_degree; }
+    void setDegree(int d) { m_degree = d; }
+    bool isRational() const { return !m_weights.empty(); }
+    bool isPeriodic() const override { return m_periodic; }
+    void setPeriodic(bool on) { m_periodic = on; }
+    bool isClosed() const override { return m_closed; }
+    void setClosed(bool on) { m_closed = on; }
+    bool isPlanar() const { return m_planar; }
+    void setPlanar(bool on) { m_planar = on; }
+    int numControlPoints() const { return static_cast<int>(m_controlPoints.size()); }
+    int numKnots() const { return static_cast<int>(m_knots.size()); }
+    int numFitPoints() const { return static_cast<int>(m_fitPoints.size()); }
+    bool hasFitData() const { return !m_fitPoints.empty(); }
+    Acad::ErrorStatus getControlPointAt(int index, AcGePoint3d& point) const;
+    Acad::ErrorStatus setControlPointAt(int index, const AcGePoint3d& point);
+    Acad::ErrorStatus getFitPointAt(int index, AcGePoint3d& point) const;
+    double weightAt(int index) const;
+    Acad::ErrorStatus setWeightAt(int index, double weight);
+
+    // NURBS data as stored.
+    const std::vector<double>& knots() const { return m_knots; }
+    std::vector<double>& knots() { return m_knots; }
+    const std::vector<AcGePoint3d>& controlPoints() const { return m_controlPoints; }
+    std::vector<AcGePoint3d>& controlPoints() { return m_controlPoints; }
+    // Empty for a non-rational spline.
+    const std::vector<double>& weights() const { return m_weights; }
+    std::vector<double>& weights() { return m_weights; }
+    const std::vector<AcGePoint3d>& fitPoints() const { return m_fitPoints; }
+    std::vector<AcGePoint3d>& fitPoints() { return m_fitPoints; }
+    double fitTolerance() const { return m_fitTolerance; }
+    void setFitTolerance(double t) { m_fitTolerance = t; }
+    double knotTolerance() const { return m_knotTolerance; }
+    void setKnotTolerance(double t) { m_knotTolerance = t; }
+    double controlPointTolerance() const { return m_cpTolerance; }
+    void setControlPointTolerance(double t) { m_cpTolerance = t; }
+    AcGeVector3d startFitTangent() const { return m_startTangent; }
+    void setStartFitTangent(const AcGeVector3d& v) { m_startTangent = v; }
+    AcGeVector3d endFitTangent() const { return m_endTangent; }
+    void setEndFitTangent(const AcGeVector3d& v) { m_endTangent = v; }
+    AcGeVector3d normal() const { return m_normal; }
+    void setNormal(const AcGeVector3d& n) { m_normal = n; }
+    // Group code 70 as read.
+    int splineFlags() const { return m_flags; }
+    void setSplineFlags(int flags) { m_flags = flags; }
+
+    // Replaces the whole NURBS definition.
+    Acad::ErrorStatus setNurbsData(int degree, bool rational, bool closed, bool periodic,
+                                   const std::vector<AcGePoint3d>& controlPoints,
+                                   const std::vector<double>& knots,
+                                   const std::vector<double>& weights);
+
+private:
+    int m_degree = 3;
+    bool m_periodic = false;
+    bool m_closed = false;
+    bool m_planar = true;
+    int m_flags = 8;
+    std::vector<double> m_knots;
+    std::vector<AcGePoint3d> m_controlPoints;
+    std::vector<double> m_weights;
+    std::vector<AcGePoint3d> m_fitPoints;
+    double m_fitTolerance = 0.0;
+    double m_knotTolerance = 1e-10;
+    double m_cpTolerance = 1e-10;
+    AcGeVector3d m_startTangent;
+    AcGeVector3d m_endTangent;
+    AcGeVector3d m_normal = AcGeVector3d::kZAxis;
+};

@@ -1,0 +1,171 @@
+#include "platform/db/symbol_tables.hpp"
+
+#include "platform/db/block_table_record.hpp"
+#include "platform/db/database.hpp"
+#include "platform/db/names.hpp"
+
+ACRX_DEFINE_MEMBERS(AcDbSymbolTableRecord, AcDbObject, L"")
+ACRX_DEFINE_MEMBERS(AcDbLayerTableRecord, AcDbSymbolTableRecord, L"LAYER")
+ACRX_DEFINE_MEMBERS(AcDbTextStyleTableRecord, AcDbSymbolTableRecord, L"STYLE")
+ACRX_DEFINE_MEMBERS(AcDbLinetypeTableRecord, AcDbSymbolTableRecord, L"LTYPE")
+ACRX_DEFINE_MEMBERS(AcDbDimStyleTableRecord, AcDbSymbolTableRecord, L"DIMSTYLE")
+ACRX_DEFINE_MEMBERS(AcDbAbstractViewTableRecord, AcDbSymbolTableRecord, L"")
+ACRX_DEFINE_MEMBERS(AcDbViewTableRecord, AcDbAbstractViewTableRecord, L"VIEW")
+ACRX_DEFINE_MEMBERS(AcDbViewportTableRecord, AcDbAbstractViewTableRecord, L"VPORT")
+ACRX_DEFINE_MEMBERS(AcDbRegAppTableRecord, AcDbSymbolTableRecord, L"APPID")
+ACRX_DEFINE_MEMBERS(AcDbUCSTableRecord, AcDbSymbolTableRecord, L"UCS")
+ACRX_DEFINE_MEMBERS(AcDbSymbolTable, AcDbObject, L"")
+ACRX_DEFINE_MEMBERS(AcDbBlockTable, AcDbSymbolTable, L"TABLE")
+ACRX_DEFINE_MEMBERS(AcDbLayerTable, AcDbSymbolTable, L"TABLE")
+ACRX_DEFINE_MEMBERS(AcDbTextStyleTable, AcDbSymbolTable, L"TABLE")
+ACRX_DEFINE_MEMBERS(AcDbLinetypeTable, AcDbSymbolTable, L"TABLE")
+ACRX_DEFINE_MEMBERS(AcDbDimStyleTable, AcDbSymbolTable, L"TABLE")
+ACRX_DEFINE_MEMBERS(AcDbViewTable, AcDbSymbolTable, L"TABLE")
+ACRX_DEFINE_MEMBERS(AcDbViewportTable, AcDbSymbolTable, L"TABLE")
+ACRX_DEFINE_MEMBERS(AcDbRegAppTable, AcDbSymbolTable, L"TABLE")
+ACRX_DEFINE_MEMBERS(AcDbUCSTable, AcDbSymbolTable, L"TABLE")
+
+// ---- Records ----
+
+Acad::ErrorStatus AcDbSymbolTableRecord::getName(std::wstring& name) const {
+    name = m_name;
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbSymbolTableRecord::setName(const std::wstring& name) {
+    if (name.empty()) return Acad::eInvalidSymbolTableName;
+    m_name = name;
+    return Acad::eOk;
+}
+
+void AcDbLayerTableRecord::collectReferences(AcDbObjectIdArray& refs) const {
+    AcDbSymbolTableRecord::collectReferences(refs);
+    if (!m_linetype.isNull()) refs.append(m_linetype);
+}
+
+AcDbDimStyleTableRecord::AcDbDimStyleTableRecord() = default;
+
+void AcDbDimStyleTableRecord::collectReferences(AcDbObjectIdArray& refs) const {
+    AcDbSymbolTableRecord::collectReferences(refs);
+    for (const auto& [code, value] : m_vars)
+        if (value.kind == AcDbDimVarValue::kHandle && !value.id.isNull()) refs.append(value.id);
+}
+
+// ---- Tables ----
+
+Acad::ErrorStatus AcDbSymbolTable::getAt(const std::wstring& name, AcDbObjectId& id,
+                                         bool getErasedRecord) const {
+    for (const AcDbObjectId& recordId : m_records) {
+        AcDbObject* object = recordId.stub() ? recordId.stub()->object.get() : nullptr;
+        if (object == nullptr || (object->isErased() && !getErasedRecord)) continue;
+        if (acdbNamesEqual(static_cast<AcDbSymbolTableRecord*>(object)->name(), name)) {
+            id = recordId;
+            return Acad::eOk;
+        }
+    }
+    return Acad::eKeyNotFound;
+}
+
+Acad::ErrorStatus AcDbSymbolTable::getAt(const std::wstring& name,
+                                         AcDbSymbolTableRecord*& record, AcDb::OpenMode mode,
+                                         bool openErasedRecord) const {
+    record = nullptr;
+    AcDbObjectId id;
+    Acad::ErrorStatus es = getAt(name, id, openErasedRecord);
+    if (es != Acad::eOk) return es;
+    return acdbOpenObject(record, id, mode, openErasedRecord);
+}
+
+bool AcDbSymbolTable::has(const std::wstring& name) const {
+    AcDbObjectId id;
+    return getAt(name, id) == Acad::eOk;
+}
+
+bool AcDbSymbolTable::has(AcDbObjectId id) const {
+    return m_records.contains(id) && !id.isErased();
+}
+
+Acad::ErrorStatus AcDbSymbolTable::add(AcDbSymbolTableRecord* record) {
+    AcDbObjectId id;
+    return add(id, record);
+}
+
+Acad::ErrorStatus AcDbSymbolTable::add(AcDbObjectId& id, AcDbSymbolTableRecord* record) {
+    if (record == nullptr) return Acad::eNullObjectPointer;
+    if (database() == nullptr) return Acad::eNoDatabase;
+    if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
+    if (!record->isKindOf(recordClass())) return Acad::eWrongObjectType;
+    if (record->name().empty()) return Acad::eInvalidSymbolTableName;
+    if (has(record->name())) return Acad::eDuplicateRecordName;
+    Acad::ErrorStatus es = database()->addAcDbObject(id, record);
+    if (es != Acad::eOk) return es;
+    record->setOwnerId(objectId());
+    m_records.append(id);
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbSymbolTable::newIterator(AcDbSymbolTableIterator*& iterator,
+                                               bool atBeginning, bool skipDeleted) const {
+    iterator = new AcDbSymbolTableIterator(this, atBeginning, skipDeleted);
+    return Acad::eOk;
+}
+
+#define TAVRIK_DEFINE_TYPED_GETAT(TABLE, RECORD)                                              \
+    Acad::ErrorStatus TABLE::getAt(const std::wstring& name, RECORD*& record,                 \
+                                   AcDb::OpenMode mode, bool openErasedRecord) const {        \
+        record = nullptr;                                                                     \
+        AcDbObjectId id;                                                                      \
+        Acad::ErrorStatus es = AcDbSymbolTable::getAt(name, id, openErasedRecord);            \
+        if (es != Acad::eOk) return es;                                                       \
+        return acdbOpenObject(record, id, mode, openErasedRecord);                            \
+    }                                                                                         \
+    AcRxClass* TABLE::recordClass() const { return RECORD::desc(); }
+
+TAVRIK_DEFINE_TYPED_GETAT(AcDbBlockTable, AcDbBlockTableRecord)
+TAVRIK_DEFINE_TYPED_GETAT(AcDbLayerTable, AcDbLayerTableRecord)
+TAVRIK_DEFINE_TYPED_GETAT(AcDbTextStyleTable, AcDbTextStyleTableRecord)
+TAVRIK_DEFINE_TYPED_GETAT(AcDbLinetypeTable, AcDbLinetypeTableRecord)
+TAVRIK_DEFINE_TYPED_GETAT(AcDbDimStyleTable, AcDbDimStyleTableRecord)
+TAVRIK_DEFINE_TYPED_GETAT(AcDbViewTable, AcDbViewTableRecord)
+TAVRIK_DEFINE_TYPED_GETAT(AcDbViewportTable, AcDbViewportTableRecord)
+TAVRIK_DEFINE_TYPED_GETAT(AcDbRegAppTable, AcDbRegAppTableRecord)
+TAVRIK_DEFINE_TYPED_GETAT(AcDbUCSTable, AcDbUCSTableRecord)
+
+// ---- Iterator ----
+
+AcDbSymbolTableIterator::AcDbSymbolTableIterator(const AcDbSymbolTable* table, bool atBeginning,
+                                                 bool skipDeleted)
+    : m_ids(table->recordIds()) {
+    start(atBeginning, skipDeleted);
+}
+
+void AcDbSymbolTableIterator::start(bool atBeginning, bool skipDeleted) {
+    m_index = atBeginning ? 0 : m_ids.length() - 1;
+    if (skipDeleted) skipErased(atBeginning);
+}
+
+bool AcDbSymbolTableIterator::done() const { return m_index < 0 || m_index >= m_ids.length(); }
+
+void AcDbSymbolTableIterator::step(bool forward, bool skipDeleted) {
+    m_index += forward ? 1 : -1;
+    if (skipDeleted) skipErased(forward);
+}
+
+void AcDbSymbolTableIterator::skipErased(bool forward) {
+    while (!done() && (m_ids[m_index].isErased() || !m_ids[m_index].isValid()))
+        m_index += forward ? 1 : -1;
+}
+
+Acad::ErrorStatus AcDbSymbolTableIterator::getRecordId(AcDbObjectId& id) const {
+    if (done()) return Acad::eIteratorDone;
+    id = m_ids[m_index];
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbSymbolTableIterator::getRecord(AcDbSymbolTableRecord*& record,
+                                                     AcDb::OpenMode mode,
+                                                     bool openErasedRecord) const {
+    record = nullptr;
+    if (done()) return Acad::eIteratorDone;
+    return acdbOpenObject(record, m_ids[m_index], mode, openErasedRecord);
+}
