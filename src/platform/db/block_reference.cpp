@@ -161,3 +161,9 @@ void AcDbBlockReference::collectReferences(AcDbObjectIdArray& refs) const {
     if (!m_block.isNull()) refs.append(m_block);
     for (const AcDbObjectId& id : m_attributes) refs.append(id);
 }
+
+void AcDbBlockReference::remapReferences(const AcDbIdMapper& map) {
+    AcDbEntity::remapReferences(map);
+    if (!m_block.isNull()) m_block = map(m_block);
+    for (AcDbObjectId& id : m_attributes) id = map(id);
+}

@@ -64,6 +64,7 @@ public:
     Acad::ErrorStatus explode(AcDbVoidPtrArray& entitySet) const override;
     Acad::ErrorStatus getStretchPoints(AcGePoint3dArray& points) const override;
     void collectReferences(AcDbObjectIdArray& refs) const override;
+    void remapReferences(const AcDbIdMapper& map) override;
 
 protected:
     AcDbBlockReference(const AcDbBlockReference&);

@@ -127,6 +127,12 @@ void AcDbDimension::collectReferences(AcDbObjectIdArray& refs) const {
     if (!m_block.isNull()) refs.append(m_block);
 }
 
+void AcDbDimension::remapReferences(const AcDbIdMapper& map) {
+    AcDbEntity::remapReferences(map);
+    if (!m_style.isNull()) m_style = map(m_style);
+    if (!m_block.isNull()) m_block = map(m_block);
+}
+
 // ---- Constructors ----
 
 AcDbRotatedDimension::AcDbRotatedDimension(double rotation, const AcGePoint3d& xLine1Point,

@@ -114,6 +114,7 @@ public:
 
     void setDatabaseDefaults(AcDbDatabase* db = nullptr);
     void collectReferences(AcDbObjectIdArray& refs) const override;
+    void remapReferences(const AcDbIdMapper& map) override;
 
 protected:
     AcDbDimension() = default;

@@ -135,3 +135,8 @@ void AcDbMText::collectReferences(AcDbObjectIdArray& refs) const {
     AcDbEntity::collectReferences(refs);
     if (!m_style.isNull()) refs.append(m_style);
 }
+
+void AcDbMText::remapReferences(const AcDbIdMapper& map) {
+    AcDbEntity::remapReferences(map);
+    if (!m_style.isNull()) m_style = map(m_style);
+}

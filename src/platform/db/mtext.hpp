@@ -47,6 +47,7 @@ public:
     Acad::ErrorStatus explode(AcDbVoidPtrArray& entitySet) const override;
     Acad::ErrorStatus getStretchPoints(AcGePoint3dArray& points) const override;
     void collectReferences(AcDbObjectIdArray& refs) const override;
+    void remapReferences(const AcDbIdMapper& map) override;
 
 private:
     AcGePoint3d m_location;

@@ -105,6 +105,10 @@ void AcDbObject::collectReferences(AcDbObjectIdArray& refs) const {
     if (!m_extensionDictionary.isNull()) refs.append(m_extensionDictionary);
 }
 
+void AcDbObject::remapReferences(const AcDbIdMapper& map) {
+    if (!m_extensionDictionary.isNull()) m_extensionDictionary = map(m_extensionDictionary);
+}
+
 Acad::ErrorStatus acdbOpenAcDbObject(AcDbObject*& obj, AcDbObjectId id, AcDb::OpenMode mode,
                                      bool openErased) {
     obj = nullptr;

@@ -1,4 +1,5 @@
 #pragma once
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -11,6 +12,9 @@
 #include "platform/db/status.hpp"
 
 class AcDbDatabase;
+
+// Maps an id of one database to the corresponding id of another (null when there is none).
+using AcDbIdMapper = std::function<AcDbObjectId(AcDbObjectId)>;
 
 // The slot of one object in its database: the handle it is known by and the object itself.
 // Ids point at stubs, so an id stays comparable after its object is erased.
@@ -68,6 +72,8 @@ public:
 
     // The reference ids this object holds to others (owner excepted); purge counts them.
     virtual void collectReferences(AcDbObjectIdArray& refs) const;
+    // Replaces each reference id by its image, when a copy moves to another database.
+    virtual void remapReferences(const AcDbIdMapper& map);
 
     // Wiring used by the database when an object is added, opened or closed.
     void attachToStub(AcDbStub* stub) { m_stub = stub; }

@@ -43,6 +43,11 @@ void AcDbLayerTableRecord::collectReferences(AcDbObjectIdArray& refs) const {
     if (!m_linetype.isNull()) refs.append(m_linetype);
 }
 
+void AcDbLayerTableRecord::remapReferences(const AcDbIdMapper& map) {
+    AcDbSymbolTableRecord::remapReferences(map);
+    if (!m_linetype.isNull()) m_linetype = map(m_linetype);
+}
+
 AcDbDimStyleTableRecord::AcDbDimStyleTableRecord() = default;
 
 void AcDbDimStyleTableRecord::collectReferences(AcDbObjectIdArray& refs) const {

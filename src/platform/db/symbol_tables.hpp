@@ -55,6 +55,7 @@ public:
     AcDb::LineWeight lineWeight() const { return m_lineWeight; }
     void setLineWeight(AcDb::LineWeight weight) { m_lineWeight = weight; }
     void collectReferences(AcDbObjectIdArray& refs) const override;
+    void remapReferences(const AcDbIdMapper& map) override;
 
 private:
     AcCmColor m_color = [] { AcCmColor c; c.setColorIndex(7); return c; }();

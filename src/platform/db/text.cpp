@@ -82,6 +82,11 @@ void AcDbText::assignTextData(const AcDbText& o) {
     m_generation = o.m_generation;
 }
 
+void AcDbText::remapReferences(const AcDbIdMapper& map) {
+    AcDbEntity::remapReferences(map);
+    if (!m_style.isNull()) m_style = map(m_style);
+}
+
 Acad::ErrorStatus AcDbAttribute::setAttributeFromBlock(const AcDbAttributeDefinition* def,
                                                        const AcGeMatrix3d& blockTransform) {
     if (def == nullptr) return Acad::eNullObjectPointer;

@@ -52,6 +52,7 @@ public:
     Acad::ErrorStatus transformBy(const AcGeMatrix3d& xform) override;
     Acad::ErrorStatus getStretchPoints(AcGePoint3dArray& points) const override;
     void collectReferences(AcDbObjectIdArray& refs) const override;
+    void remapReferences(const AcDbIdMapper& map) override;
 
 protected:
     AcDbText(const AcDbText&) = default;
