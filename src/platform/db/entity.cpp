@@ -11,15 +11,12 @@ AcDbDatabase* resolvingDatabase(const AcDbEntity* entity) {
     return acdbHostApplicationServices()->workingDatabase();
 }
 
+// Looked up without the open protocol: a name resolves even while its table is open elsewhere.
 AcDbObjectId recordIdByName(AcDbDatabase* db, AcDbDatabase::TableKind kind,
                             const std::wstring& name) {
-    if (db == nullptr) return AcDbObjectId::kNull;
-    AcDbObject* object = nullptr;
-    if (acdbOpenAcDbObject(object, db->tableId(kind), AcDb::kForRead) != Acad::eOk)
-        return AcDbObjectId::kNull;
+    if (db == nullptr || !db->tableId(kind).isValid()) return AcDbObjectId::kNull;
     AcDbObjectId id;
-    static_cast<AcDbSymbolTable*>(object)->getAt(name, id);
-    object->close();
+    static_cast<AcDbSymbolTable*>(db->tableId(kind).stub()->object.get())->getAt(name, id);
     return id;
 }
 
