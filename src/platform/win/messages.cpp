@@ -100,12 +100,15 @@ void WriteConsoleText(std::FILE* stream, std::wstring_view text) {
     std::fflush(stream);
 }
 
-int MessageBoxA(HWND, LPCSTR text, LPCSTR caption, UINT) {
-    std::wstring message = WideFromAnsi(caption ? caption : "") + L": " + WideFromAnsi(text ? text : "") + L"\n";
-    WriteConsoleText(stderr, message);
+void ShowUserMessage(std::wstring_view text) {
+    WriteConsoleText(stderr, std::wstring(text) + L"\n");
     if (Host().interactive) {
         std::string ignored;
         std::getline(std::cin, ignored);
     }
+}
+
+int MessageBoxA(HWND, LPCSTR text, LPCSTR caption, UINT) {
+    ShowUserMessage(WideFromAnsi(caption ? caption : "") + L": " + WideFromAnsi(text ? text : ""));
     return IDOK;
 }

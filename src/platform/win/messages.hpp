@@ -31,4 +31,6 @@ bool HostCloseRequested();
 // Text for the user on stderr (UTF-8). When the host is interactive the box waits for Enter,
 // in a batch it does not. The text and caption are in the host code page.
 int MessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT type);
+// The same for the host's own alerts: the text and a line end on stderr, then the wait.
+void ShowUserMessage(std::wstring_view text);
 void WriteConsoleText(std::FILE* stream, std::wstring_view text);
