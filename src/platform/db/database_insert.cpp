@@ -1,0 +1,201 @@
+#include <string>
+#include <unordered_map>
+
+#include "platform/db/block_reference.hpp"
+#include "platform/db/block_table_record.hpp"
+#include "platform/db/database.hpp"
+#include "platform/db/names.hpp"
+#include "platform/db/text.hpp"
+
+// Copying one database's model space into another. Symbol table records come along by name: a
+// name the target has keeps the target's record, others are copied. Blocks are copied with
+// their entities; anonymous blocks (dimension pictures, *U blocks) always get a fresh name, as
+// their names mean nothing across drawings.
+
+namespace {
+
+AcDbObject* objectOf(AcDbObjectId id) { return id.isValid() ? id.stub()->object.get() : nullptr; }
+
+class Importer {
+public:
+    Importer(AcDbDatabase& target, AcDbDatabase& source) : m_target(target), m_source(source) {}
+
+    // Copies every live entity of the source's model space into a block of the target.
+    Acad::ErrorStatus copyModelSpace(AcDbObjectId targetBlock, const AcGeMatrix3d& xform) {
+        auto* model = AcDbBlockTableRecord::cast(objectOf(m_source.modelSpaceId()));
+        if (model == nullptr) return Acad::eNullObjectId;
+        return copyEntities(*model, targetBlock, xform);
+    }
+
+    AcDbObjectId map(AcDbObjectId sourceId) {
+        if (sourceId.isNull() || sourceId.database() != &m_source) return sourceId;
+        auto found = m_map.find(sourceId.stub());
+        if (found != m_map.end()) return found->second;
+        AcDbObject* object = objectOf(sourceId);
+        if (auto* block = AcDbBlockTableRecord::cast(object)) return importBlock(sourceId, *block);
+        if (auto* record = AcDbSymbolTableRecord::cast(object)) return importRecord(sourceId, *record);
+        return AcDbObjectId::kNull;  // other objects do not travel
+    }
+
+private:
+    Acad::ErrorStatus copyEntities(const AcDbBlockTableRecord& from, AcDbObjectId targetBlock,
+                                   const AcGeMatrix3d& xform) {
+        auto* to = AcDbBlockTableRecord::cast(objectOf(targetBlock));
+        if (to == nullptr) return Acad::eNullObjectId;
+        bool identity = xform.isEqualTo(AcGeMatrix3d::kIdentity);
+        AcDbObjectIdArray ids = from.entityIds();  // the walk may add blocks, not entities here
+        for (const AcDbObjectId& id : ids) {
+            auto* entity = AcDbEntity::cast(objectOf(id));
+            if (entity == nullptr || entity->isErased()) continue;
+            AcDbEntity* copy = copyOf(*entity, identity, xform);
+            if (copy == nullptr) continue;
+            appendTo(*to, copy);
+            if (auto* ref = AcDbBlockReference::cast(entity))
+                copyAttributes(*ref, *static_cast<AcDbBlockReference*>(copy), identity, xform);
+        }
+        return Acad::eOk;
+    }
+
+    AcDbEntity* copyOf(const AcDbEntity& entity, bool identity, const AcGeMatrix3d& xform) {
+        auto* copy = static_cast<AcDbEntity*>(entity.clone());
+        copy->remapReferences([this](AcDbObjectId id) { return map(id); });
+        importByName(AcDbDatabase::kLayerTable, copy->layer());
+        importByName(AcDbDatabase::kLinetypeTable, copy->linetype());
+        if (!identity && copy->transformBy(xform) != Acad::eOk) {
+            delete copy;
+            return nullptr;
+        }
+        return copy;
+    }
+
+    // Appends without the open protocol: the target block may be open for the caller.
+    void appendTo(AcDbBlockTableRecord& block, AcDbEntity* entity) {
+        AcDbObjectId id;
+        m_target.addAcDbObject(id, entity);
+        entity->setOwnerId(block.objectId());
+        block.attachEntity(id);
+        entity->close();
+    }
+
+    void copyAttributes(const AcDbBlockReference& from, AcDbBlockReference& to, bool identity,
+                        const AcGeMatrix3d& xform) {
+        for (const AcDbObjectId& id : from.attributeIds()) {
+            auto* attribute = AcDbAttribute::cast(objectOf(id));
+            if (attribute == nullptr || attribute->isErased()) continue;
+            AcDbEntity* copy = copyOf(*attribute, identity, xform);
+            if (copy == nullptr) continue;
+            AcDbObjectId copyId;
+            m_target.addAcDbObject(copyId, copy);
+            copy->setOwnerId(to.objectId());
+            to.attachAttribute(copyId);
+            copy->close();
+        }
+    }
+
+    static AcDbDatabase::TableKind tableKindOf(const AcDbDatabase& db, AcDbObjectId table) {
+        for (int k = 0; k < AcDbDatabase::kTableCount; ++k) {
+            auto kind = static_cast<AcDbDatabase::TableKind>(k);
+            if (db.tableId(kind) == table) return kind;
+        }
+        return AcDbDatabase::kTableCount;
+    }
+
+    static AcDbSymbolTable* table(const AcDbDatabase& db, AcDbDatabase::TableKind kind) {
+        return AcDbSymbolTable::cast(objectOf(db.tableId(kind)));
+    }
+
+    void importByName(AcDbDatabase::TableKind kind, const std::wstring& name) {
+        AcDbSymbolTable* from = table(m_source, kind);
+        AcDbObjectId sourceId;
+        if (from != nullptr && from->getAt(name, sourceId) == Acad::eOk) map(sourceId);
+    }
+
+    AcDbObjectId importRecord(AcDbObjectId sourceId, const AcDbSymbolTableRecord& record) {
+        AcDbDatabase::TableKind kind = tableKindOf(m_source, record.ownerId());
+        AcDbSymbolTable* to = kind == AcDbDatabase::kTableCount ? nullptr : table(m_target, kind);
+        if (to == nullptr) return AcDbObjectId::kNull;
+        AcDbObjectId existing;
+        if (to->getAt(record.name(), existing) == Acad::eOk) {
+            m_map[sourceId.stub()] = existing;
+            return existing;
+        }
+        auto* copy = static_cast<AcDbSymbolTableRecord*>(record.clone());
+        AcDbObjectId copyId = attachRecord(*to, copy);
+        m_map[sourceId.stub()] = copyId;
+        copy->remapReferences([this](AcDbObjectId id) { return map(id); });
+        return copyId;
+    }
+
+    AcDbObjectId attachRecord(AcDbSymbolTable& to, AcDbSymbolTableRecord* record) {
+        AcDbObjectId id;
+        m_target.addAcDbObject(id, record);
+        record->setOwnerId(to.objectId());
+        to.attachRecord(id);
+        record->close();
+        return id;
+    }
+
+    AcDbObjectId importBlock(AcDbObjectId sourceId, const AcDbBlockTableRecord& block) {
+        AcDbSymbolTable* blocks = table(m_target, AcDbDatabase::kBlockTable);
+        if (blocks == nullptr) return AcDbObjectId::kNull;
+        std::wstring name = block.name();
+        AcDbObjectId existing;
+        bool anonymous = block.isAnonymous();
+        if (blocks->getAt(name, existing) == Acad::eOk && !anonymous) {
+            m_map[sourceId.stub()] = existing;
+            return existing;
+        }
+        if (anonymous) name = freshAnonymousName(*blocks, name);
+        auto* copy = new AcDbBlockTableRecord();
+        copy->setName(name);
+        copy->setOrigin(block.origin());
+        copy->setComments(block.comments());
+        AcDbObjectId copyId = attachRecord(*blocks, copy);
+        m_map[sourceId.stub()] = copyId;
+        copyEntities(block, copyId, AcGeMatrix3d::kIdentity);
+        return copyId;
+    }
+
+    static std::wstring freshAnonymousName(const AcDbSymbolTable& blocks,
+                                           const std::wstring& name) {
+        std::wstring prefix = name.substr(0, 2);  // "*D", "*U", "*X" ...
+        for (int n = 1;; ++n) {
+            std::wstring candidate = prefix + std::to_wstring(n);
+            if (!blocks.has(candidate)) return candidate;
+        }
+    }
+
+    AcDbDatabase& m_target;
+    AcDbDatabase& m_source;
+    std::unordered_map<AcDbStub*, AcDbObjectId> m_map;
+};
+
+}  // namespace
+
+Acad::ErrorStatus AcDbDatabase::insert(const AcGeMatrix3d& xform, AcDbDatabase* source, bool) {
+    if (source == nullptr) return Acad::eNullObjectPointer;
+    if (source == this) return Acad::eSelfReference;
+    AcDbObjectId model = modelSpaceId();
+    if (model.isNull()) return Acad::eNullObjectId;
+    return Importer(*this, *source).copyModelSpace(model, xform);
+}
+
+Acad::ErrorStatus AcDbDatabase::insert(AcDbObjectId& blockId, const ACHAR* blockName,
+                                       AcDbDatabase* source, bool) {
+    if (source == nullptr) return Acad::eNullObjectPointer;
+    if (source == this) return Acad::eSelfReference;
+    if (blockName == nullptr || *blockName == L'\0') return Acad::eNullBlockName;
+    auto* blocks = AcDbSymbolTable::cast(objectOf(blockTableId()));
+    if (blocks == nullptr) return Acad::eNullObjectId;
+    if (blocks->has(blockName)) return Acad::eDuplicateRecordName;
+    auto* block = new AcDbBlockTableRecord();
+    block->setName(blockName);
+    AcDbObjectId id;
+    addAcDbObject(id, block);
+    block->setOwnerId(blocks->objectId());
+    blocks->attachRecord(id);
+    block->close();
+    Acad::ErrorStatus es = Importer(*this, *source).copyModelSpace(id, AcGeMatrix3d::kIdentity);
+    if (es == Acad::eOk) blockId = id;
+    return es;
+}
