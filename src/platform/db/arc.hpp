@@ -30,6 +30,21 @@ public:
     // Sweep from start to end angle, in (0, 2pi].
     double totalAngle() const;
 
+    // Curve operations, with the parameter as the class comment defines it.
+    Acad::ErrorStatus getStartParam(double& param) const override;
+    Acad::ErrorStatus getEndParam(double& param) const override;
+    Acad::ErrorStatus getStartPoint(AcGePoint3d& point) const override;
+    Acad::ErrorStatus getEndPoint(AcGePoint3d& point) const override;
+    Acad::ErrorStatus getPointAtParam(double param, AcGePoint3d& point) const override;
+    Acad::ErrorStatus getParamAtPoint(const AcGePoint3d& point, double& param) const override;
+    Acad::ErrorStatus getDistAtParam(double param, double& dist) const override;
+    Acad::ErrorStatus getFirstDeriv(double param, AcGeVector3d& deriv) const override;
+    Acad::ErrorStatus getClosestPointTo(const AcGePoint3d& given, AcGePoint3d& closest,
+                                        bool extend = false) const override;
+    // A positive distance grows the radius; a result of no radius fails with eInvalidOffset.
+    // extend takes the closest point on the whole circle.
+    Acad::ErrorStatus getOffsetCurves(double distance, AcDbVoidPtrArray& curves) const override;
+
     Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const override;
     Acad::ErrorStatus transformBy(const AcGeMatrix3d& xform) override;
     Acad::ErrorStatus getStretchPoints(AcGePoint3dArray& points) const override;

@@ -157,6 +157,8 @@ public:
     double oblique() const { return m_oblique; }
     Acad::ErrorStatus setOblique(double a) { m_oblique = a; return Acad::eOk; }
 
+    Acad::ErrorStatus measurement(double& value) const override;
+
 private:
     AcGePoint3d m_xLine1, m_xLine2, m_dimLine;
     double m_rotation = 0.0;
@@ -179,6 +181,8 @@ public:
     Acad::ErrorStatus setDimLinePoint(const AcGePoint3d& p) { m_dimLine = p; return Acad::eOk; }
     double oblique() const { return m_oblique; }
     Acad::ErrorStatus setOblique(double a) { m_oblique = a; return Acad::eOk; }
+
+    Acad::ErrorStatus measurement(double& value) const override;
 
 private:
     AcGePoint3d m_xLine1, m_xLine2, m_dimLine;
@@ -204,6 +208,8 @@ public:
     AcGePoint3d leaderEndPoint() const { return m_leaderEnd; }
     Acad::ErrorStatus setLeaderEndPoint(const AcGePoint3d& p) { m_leaderEnd = p; return Acad::eOk; }
 
+    Acad::ErrorStatus measurement(double& value) const override;
+
 private:
     bool m_useXAxis = true;
     AcGePoint3d m_origin, m_definingPoint, m_leaderEnd;
@@ -220,6 +226,8 @@ public:
     double leaderLength() const { return m_leaderLength; }
     Acad::ErrorStatus setLeaderLength(double l) { m_leaderLength = l; return Acad::eOk; }
 
+    Acad::ErrorStatus measurement(double& value) const override;
+
 private:
     AcGePoint3d m_chord, m_farChord;
     double m_leaderLength = 0.0;
@@ -235,6 +243,8 @@ public:
     Acad::ErrorStatus setChordPoint(const AcGePoint3d& p) { m_chord = p; return Acad::eOk; }
     double leaderLength() const { return m_leaderLength; }
     Acad::ErrorStatus setLeaderLength(double l) { m_leaderLength = l; return Acad::eOk; }
+
+    Acad::ErrorStatus measurement(double& value) const override;
 
 private:
     AcGePoint3d m_center, m_chord;
@@ -256,6 +266,8 @@ public:
     Acad::ErrorStatus setXLine2End(const AcGePoint3d& p) { m_l2e = p; return Acad::eOk; }
     AcGePoint3d arcPoint() const { return m_arc; }
     Acad::ErrorStatus setArcPoint(const AcGePoint3d& p) { m_arc = p; return Acad::eOk; }
+
+    Acad::ErrorStatus measurement(double& value) const override;
 
 private:
     AcGePoint3d m_l1s, m_l1e, m_l2s, m_l2e, m_arc;

@@ -67,6 +67,25 @@ public:
     AcDbRawTags& seqEndTags() { return m_seqEndTags; }
     const AcDbRawTags& seqEndTags() const { return m_seqEndTags; }
 
+    // Curve operations over the vertices the curve passes through (spline frame vertices are
+    // skipped): parameter i at the i-th of them.
+    Acad::ErrorStatus getStartParam(double& param) const override;
+    Acad::ErrorStatus getEndParam(double& param) const override;
+    Acad::ErrorStatus getStartPoint(AcGePoint3d& point) const override;
+    Acad::ErrorStatus getEndPoint(AcGePoint3d& point) const override;
+    Acad::ErrorStatus getPointAtParam(double param, AcGePoint3d& point) const override;
+    Acad::ErrorStatus getParamAtPoint(const AcGePoint3d& point, double& param) const override;
+    Acad::ErrorStatus getDistAtParam(double param, double& dist) const override;
+    Acad::ErrorStatus getFirstDeriv(double param, AcGeVector3d& deriv) const override;
+    Acad::ErrorStatus getClosestPointTo(const AcGePoint3d& given, AcGePoint3d& closest,
+                                        bool extend = false) const override;
+    // As the lightweight polyline's: positive to the right of the direction of travel.
+    Acad::ErrorStatus getOffsetCurves(double distance, AcDbVoidPtrArray& curves) const override;
+    Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const override;
+    Acad::ErrorStatus transformBy(const AcGeMatrix3d& xform) override;
+    Acad::ErrorStatus getStretchPoints(AcGePoint3dArray& points) const override;
+    Acad::ErrorStatus explode(AcDbVoidPtrArray& entitySet) const override;
+
 private:
     std::vector<AcDb2dVertex> m_vertices;
     AcDb::Poly2dType m_type = AcDb::k2dSimplePoly;
@@ -101,6 +120,23 @@ public:
     void setSeqEndHandle(AcDbHandle h) { m_seqEnd = h; }
     AcDbRawTags& seqEndTags() { return m_seqEndTags; }
     const AcDbRawTags& seqEndTags() const { return m_seqEndTags; }
+
+    // Curve operations over the vertices the curve passes through (spline frame vertices are
+    // skipped): parameter i at the i-th of them.
+    Acad::ErrorStatus getStartParam(double& param) const override;
+    Acad::ErrorStatus getEndParam(double& param) const override;
+    Acad::ErrorStatus getStartPoint(AcGePoint3d& point) const override;
+    Acad::ErrorStatus getEndPoint(AcGePoint3d& point) const override;
+    Acad::ErrorStatus getPointAtParam(double param, AcGePoint3d& point) const override;
+    Acad::ErrorStatus getParamAtPoint(const AcGePoint3d& point, double& param) const override;
+    Acad::ErrorStatus getDistAtParam(double param, double& dist) const override;
+    Acad::ErrorStatus getFirstDeriv(double param, AcGeVector3d& deriv) const override;
+    Acad::ErrorStatus getClosestPointTo(const AcGePoint3d& given, AcGePoint3d& closest,
+                                        bool extend = false) const override;
+    Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const override;
+    Acad::ErrorStatus transformBy(const AcGeMatrix3d& xform) override;
+    Acad::ErrorStatus getStretchPoints(AcGePoint3dArray& points) const override;
+    Acad::ErrorStatus explode(AcDbVoidPtrArray& entitySet) const override;
 
 private:
     std::vector<AcDb3dPolylineVertex> m_vertices;

@@ -56,6 +56,24 @@ public:
     int splineFlags() const { return m_flags; }
     void setSplineFlags(int flags) { m_flags = flags; }
 
+    // Curve operations, with the parameter as the class comment defines it.
+    Acad::ErrorStatus getStartParam(double& param) const override;
+    Acad::ErrorStatus getEndParam(double& param) const override;
+    Acad::ErrorStatus getStartPoint(AcGePoint3d& point) const override;
+    Acad::ErrorStatus getEndPoint(AcGePoint3d& point) const override;
+    Acad::ErrorStatus getPointAtParam(double param, AcGePoint3d& point) const override;
+    Acad::ErrorStatus getParamAtPoint(const AcGePoint3d& point, double& param) const override;
+    Acad::ErrorStatus getDistAtParam(double param, double& dist) const override;
+    Acad::ErrorStatus getFirstDeriv(double param, AcGeVector3d& deriv) const override;
+    Acad::ErrorStatus getClosestPointTo(const AcGePoint3d& given, AcGePoint3d& closest,
+                                        bool extend = false) const override;
+    // Not offered: eNotImplementedYet (the host answers with approximating splines).
+    Acad::ErrorStatus getOffsetCurves(double distance, AcDbVoidPtrArray& curves) const override;
+    Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const override;
+    Acad::ErrorStatus transformBy(const AcGeMatrix3d& xform) override;
+    Acad::ErrorStatus getStretchPoints(AcGePoint3dArray& points) const override;
+    Acad::ErrorStatus explode(AcDbVoidPtrArray& entitySet) const override;
+
     // Replaces the whole NURBS definition.
     Acad::ErrorStatus setNurbsData(int degree, bool rational, bool closed, bool periodic,
                                    const std::vector<AcGePoint3d>& controlPoints,

@@ -96,4 +96,20 @@ double signedAreaTerm(const BulgeSegment& segment) {
     return term + 2.0 * (arc.sweep > 0 ? segmentArea : -segmentArea);
 }
 
+std::vector<BulgeSegment> segmentsOf(const BulgePath& path) {
+    std::vector<BulgeSegment> segments;
+    const std::size_t n = path.vertices.size();
+    const std::size_t count = path.closed ? n : (n == 0 ? 0 : n - 1);
+    for (std::size_t i = 0; i < count; ++i)
+        segments.push_back({path.vertices[i].point, path.vertices[(i + 1) % n].point,
+                            path.vertices[i].bulge});
+    return segments;
+}
+
+double signedArea(const BulgePath& path) {
+    double twice = 0.0;
+    for (const BulgeSegment& s : segmentsOf(path)) twice += signedAreaTerm(s);
+    return 0.5 * twice;
+}
+
 }  // namespace tavrik::ge

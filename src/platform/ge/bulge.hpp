@@ -1,4 +1,6 @@
 #pragma once
+#include <vector>
+
 #include "platform/ge/point2d.hpp"
 
 // A polyline segment in its plane: straight from start to end, or a circular arc when the bulge
@@ -39,5 +41,21 @@ SegmentHit closestPoint(const BulgeSegment& segment, const AcGePoint2d& query);
 // Twice the signed area between the segment and the origin (shoelace term plus the arc's
 // circular segment); summed over a closed loop it gives twice the loop's signed area.
 double signedAreaTerm(const BulgeSegment& segment);
+
+// A chain of bulge segments: each vertex carries the bulge of the segment that leaves it; a
+// closed path runs on from its last vertex back to the first.
+struct BulgeVertex {
+    AcGePoint2d point;
+    double bulge = 0.0;
+};
+
+struct BulgePath {
+    std::vector<BulgeVertex> vertices;
+    bool closed = false;
+};
+
+std::vector<BulgeSegment> segmentsOf(const BulgePath& path);
+// Positive when a closed path runs counter-clockwise.
+double signedArea(const BulgePath& path);
 
 }  // namespace tavrik::ge

@@ -44,6 +44,17 @@ ParamPoint nearer(const ParametricCurve& curve, const AcGePoint3d& query, const 
     return p.distanceTo(query) < a.point.distanceTo(query) ? ParamPoint{t, p} : a;
 }
 
+// Where coordinate i of the derivative changes sign inside [lo, hi] (it does at the ends).
+double bisectTurn(const ParametricCurve& curve, int i, double lo, double hi) {
+    const bool risingAtLo = curve.evaluate(lo).derivative[i] > 0;
+    while (hi - lo > platform_tol::kParamSearch * std::max(1.0, std::fabs(hi))) {
+        double mid = 0.5 * (lo + hi);
+        if (mid <= lo || mid >= hi) break;
+        ((curve.evaluate(mid).derivative[i] > 0) == risingAtLo ? lo : hi) = mid;
+    }
+    return 0.5 * (lo + hi);
+}
+
 }  // namespace
 
 ParamPoint closestPoint(const ParametricCurve& curve, const AcGePoint3d& query) {
@@ -76,6 +87,28 @@ double arcLength(const ParametricCurve& curve, double from, double to) {
         if (b > a) total += integrate(speed, a, b, platform_tol::kQuadratureRelative);
     }
     return total;
+}
+
+Box3d boundingBox(const ParametricCurve& curve) {
+    std::vector<double> params = samplesOf(curve);
+    AcGePoint3d first = curve.evaluate(params.front()).point;
+    Box3d box{first, first};
+    auto add = [&box](const AcGePoint3d& p) {
+        for (int i = 0; i < 3; ++i) {
+            box.min[i] = std::min(box.min[i], p[i]);
+            box.max[i] = std::max(box.max[i], p[i]);
+        }
+    };
+    for (std::size_t k = 0; k < params.size(); ++k) {
+        add(curve.evaluate(params[k]).point);
+        if (k == 0) continue;
+        AcGeVector3d before = curve.evaluate(params[k - 1]).derivative;
+        AcGeVector3d after = curve.evaluate(params[k]).derivative;
+        for (int i = 0; i < 3; ++i)
+            if ((before[i] > 0) != (after[i] > 0))
+                add(curve.evaluate(bisectTurn(curve, i, params[k - 1], params[k])).point);
+    }
+    return box;
 }
 
 }  // namespace tavrik::ge

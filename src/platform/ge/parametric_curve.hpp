@@ -2,7 +2,7 @@
 #include <functional>
 #include <vector>
 
-#include "platform/ge/point3d.hpp"
+#include "platform/ge/elliptic_arc.hpp"
 
 // A curve known only through its evaluator: closest points and arc lengths for the curves
 // without closed forms (splines, ellipses).
@@ -29,5 +29,7 @@ struct ParamPoint {
 ParamPoint closestPoint(const ParametricCurve& curve, const AcGePoint3d& query);
 // The length of the curve between two parameters, from <= to, both within the breaks.
 double arcLength(const ParametricCurve& curve, double from, double to);
+// The tight axis-aligned box: the ends and every point where a coordinate turns.
+Box3d boundingBox(const ParametricCurve& curve);
 
 }  // namespace tavrik::ge

@@ -18,6 +18,9 @@ inline constexpr double kOnCurve = 1e-9;
 inline constexpr double kParallelAngle = 1e-9;
 // Points closer than this are one point when curves are intersected or joined.
 inline constexpr double kIntersection = 1e-9;
+// An offset result may come this much (relative to the drawing's size) closer to its source
+// than the offset distance before it counts as cutting across the source.
+inline constexpr double kOffsetCheck = 1e-7;
 // Relative accuracy of the adaptive quadrature that measures splines and ellipses.
 inline constexpr double kQuadratureRelative = 1e-9;
 // Accuracy of the Newton refinement in closest-point and point-to-parameter searches.

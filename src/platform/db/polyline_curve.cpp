@@ -1,0 +1,82 @@
+#include "platform/db/path_curve.hpp"
+#include "platform/db/planar_transform.hpp"
+#include "platform/db/polyline.hpp"
+#include "platform/db/polyline_bulges.hpp"
+
+namespace pc = tavrik::path_curve;
+
+tavrik::ge::BulgePath tavrik::polyline_bulges::bulgePathOf(const AcDbPolyline& polyline) {
+    ge::BulgePath path{{}, polyline.isClosed()};
+    for (const AcDbPolyline::Vertex& v : polyline.vertices())
+        path.vertices.push_back({v.point, v.bulge});
+    return path;
+}
+
+namespace {
+pc::MaybePath pathOf(const AcDbPolyline& polyline) {
+    if (polyline.numVerts() == 0) return std::nullopt;
+    return tavrik::ge::pathInPlane(tavrik::polyline_bulges::bulgePathOf(polyline),
+                                   polyline.normal(), polyline.elevation());
+}
+}  // namespace
+
+Acad::ErrorStatus AcDbPolyline::getStartParam(double& param) const {
+    return pc::startParam(pathOf(*this), param);
+}
+Acad::ErrorStatus AcDbPolyline::getEndParam(double& param) const {
+    return pc::endParam(pathOf(*this), param);
+}
+Acad::ErrorStatus AcDbPolyline::getStartPoint(AcGePoint3d& point) const {
+    return pc::startPoint(pathOf(*this), point);
+}
+Acad::ErrorStatus AcDbPolyline::getEndPoint(AcGePoint3d& point) const {
+    return pc::endPoint(pathOf(*this), point);
+}
+Acad::ErrorStatus AcDbPolyline::getPointAtParam(double param, AcGePoint3d& point) const {
+    return pc::pointAtParam(pathOf(*this), param, point);
+}
+Acad::ErrorStatus AcDbPolyline::getParamAtPoint(const AcGePoint3d& point, double& param) const {
+    return pc::paramAtPoint(pathOf(*this), point, param);
+}
+Acad::ErrorStatus AcDbPolyline::getDistAtParam(double param, double& dist) const {
+    return pc::distAtParam(pathOf(*this), param, dist);
+}
+Acad::ErrorStatus AcDbPolyline::getFirstDeriv(double param, AcGeVector3d& deriv) const {
+    return pc::firstDeriv(pathOf(*this), param, deriv);
+}
+Acad::ErrorStatus AcDbPolyline::getClosestPointTo(const AcGePoint3d& given, AcGePoint3d& closest,
+                                                  bool) const {
+    return pc::closestPointTo(pathOf(*this), given, closest);
+}
+Acad::ErrorStatus AcDbPolyline::getGeomExtents(AcDbExtents& extents) const {
+    return pc::geomExtents(pathOf(*this), extents);
+}
+Acad::ErrorStatus AcDbPolyline::explode(AcDbVoidPtrArray& entitySet) const {
+    return pc::explode(pathOf(*this), m_normal, *this, entitySet);
+}
+
+Acad::ErrorStatus AcDbPolyline::getStretchPoints(AcGePoint3dArray& points) const {
+    for (unsigned int i = 0; i < numVerts(); ++i) {
+        AcGePoint3d p;
+        getPointAt(i, p);
+        points.append(p);
+    }
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbPolyline::transformBy(const AcGeMatrix3d& xform) {
+    std::optional<tavrik::ocs::PlanarTransform> move =
+        tavrik::ocs::planarTransform(xform, m_normal);
+    if (!move) return Acad::eCannotScaleNonUniformly;
+    for (Vertex& v : m_vertices) {
+        AcGePoint3d p = move->objectMap.apply(AcGePoint3d(v.point.x, v.point.y, m_elevation));
+        v.point = {p.x, p.y};
+        v.bulge = move->mirrored ? -v.bulge : v.bulge;
+        v.startWidth *= move->scale;
+        v.endWidth *= move->scale;
+    }
+    m_elevation = move->objectMap.apply(AcGePoint3d(0.0, 0.0, m_elevation)).z;
+    m_thickness *= move->scale;
+    m_normal = move->normal;
+    return Acad::eOk;
+}
