@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <string>
 #include <fstream>
 
 #include "editor_fixture.hpp"
@@ -86,7 +87,10 @@ class FindFile : public EditorTest {
 protected:
     void SetUp() override {
         EditorTest::SetUp();
-        prefix_ = std::filesystem::temp_directory_path() / "tavrik-ed-findfile";
+        // One folder per test: CTest runs the tests of this suite side by side.
+        prefix_ = std::filesystem::temp_directory_path() /
+                  (std::string("tavrik-ed-findfile-") +
+                   ::testing::UnitTest::GetInstance()->current_test_info()->name());
         std::filesystem::remove_all(prefix_);
         std::string error;
         ASSERT_TRUE(InitPrefix(prefix_, error) && OpenPrefix(prefix_, error)) << error;
