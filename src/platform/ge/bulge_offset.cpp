@@ -149,16 +149,54 @@ void joinAll(std::vector<OffsetPiece>& pieces, bool closed, double tolerance) {
     }
 }
 
-// Joins the pieces, dropping the one the offset turned furthest backwards until none is.
-void joinDroppingCollapsed(std::vector<OffsetPiece>& pieces, bool closed, double tolerance) {
+double distanceToPath(const std::vector<BulgeSegment>& segments, const AcGePoint2d& p) {
+    double best = HUGE_VAL;
+    for (const BulgeSegment& s : segments) best = std::min(best, closestPoint(s, p).distance);
+    return best;
+}
+
+AcGePoint2d middleOf(const OffsetPiece& piece) {
+    if (!piece.isArc) return piece.start + (piece.end - piece.start) * 0.5;
+    double angle = polarAngle(piece.center, piece.start) + 0.5 * extent(piece) * piece.turn;
+    return piece.center + AcGeVector2d(std::cos(angle), std::sin(angle)) * piece.radius;
+}
+
+using PieceIt = std::vector<OffsetPiece>::iterator;
+
+// The piece the offset turned furthest backwards, if any is.
+std::optional<PieceIt> mostCollapsed(std::vector<OffsetPiece>& pieces, double tolerance) {
+    auto worst = std::min_element(pieces.begin(), pieces.end(),
+                                  [](const OffsetPiece& a, const OffsetPiece& b) {
+                                      return extent(a) < extent(b);
+                                  });
+    if (extent(*worst) > tolerance) return std::nullopt;
+    return worst;
+}
+
+// The piece whose middle comes closest to the source, if one comes nearer than the distance:
+// it lies where another part of the source cuts it off.
+std::optional<PieceIt> mostEncroached(std::vector<OffsetPiece>& pieces,
+                                      const std::vector<BulgeSegment>& source, double distance,
+                                      double tolerance) {
+    std::optional<PieceIt> found;
+    double nearest = std::fabs(distance) - tolerance;
+    for (auto it = pieces.begin(); it != pieces.end(); ++it) {
+        double d = distanceToPath(source, middleOf(*it));
+        if (d < nearest) nearest = d, found = it;
+    }
+    return found;
+}
+
+// Joins the pieces, dropping one collapsed or encroached piece at a time until none is.
+void joinDroppingInvalid(std::vector<OffsetPiece>& pieces, bool closed,
+                         const std::vector<BulgeSegment>& source, double distance,
+                         double tolerance, double checkTolerance) {
     while (!pieces.empty()) {
         joinAll(pieces, closed, tolerance);
-        auto worst = std::min_element(pieces.begin(), pieces.end(),
-                                      [](const OffsetPiece& a, const OffsetPiece& b) {
-                                          return extent(a) < extent(b);
-                                      });
-        if (extent(*worst) > tolerance) return;
-        pieces.erase(worst);
+        std::optional<PieceIt> drop = mostCollapsed(pieces, tolerance);
+        if (!drop) drop = mostEncroached(pieces, source, distance, checkTolerance);
+        if (!drop) return;
+        pieces.erase(*drop);
     }
 }
 
@@ -178,22 +216,18 @@ BulgePath assemble(const std::vector<OffsetPiece>& pieces, bool closed) {
     return path;
 }
 
-double distanceToPath(const std::vector<BulgeSegment>& segments, const AcGePoint2d& p) {
-    double best = HUGE_VAL;
-    for (const BulgeSegment& s : segments) best = std::min(best, closestPoint(s, p).distance);
-    return best;
-}
-
 // Every vertex and segment middle of the result must keep the distance from the source, and
 // a closed result must run the same way round.
-bool keepsDistance(const BulgePath& source, const BulgePath& result, double distance,
-                   double tolerance) {
-    std::vector<BulgeSegment> original = segmentsOf(source);
+bool keepsDistance(const std::vector<BulgeSegment>& source, bool closed,
+                   const BulgePath& result, double distance, double tolerance) {
     for (const BulgeSegment& s : segmentsOf(result))
         for (double f : {0.0, 0.5})
-            if (distanceToPath(original, pointAt(s, f)) < std::fabs(distance) - tolerance)
+            if (distanceToPath(source, pointAt(s, f)) < std::fabs(distance) - tolerance)
                 return false;
-    return !source.closed || signedArea(source) * signedArea(result) > 0;
+    if (!closed) return true;
+    double sourceTwiceArea = 0.0;
+    for (const BulgeSegment& s : source) sourceTwiceArea += signedAreaTerm(s);
+    return sourceTwiceArea * signedArea(result) > 0;
 }
 
 }  // namespace
@@ -201,13 +235,15 @@ bool keepsDistance(const BulgePath& source, const BulgePath& result, double dist
 std::optional<BulgePath> offsetPath(const BulgePath& path, double distance) {
     const double scale = pathScale(path);
     const double tolerance = platform_tol::kIntersection * scale;
+    const double checkTolerance = platform_tol::kOffsetCheck * scale;
+    const std::vector<BulgeSegment> source = offsetableSegments(path, tolerance);
     std::vector<OffsetPiece> pieces;
-    for (const BulgeSegment& s : offsetableSegments(path, tolerance))
+    for (const BulgeSegment& s : source)
         if (std::optional<OffsetPiece> piece = rawOffset(s, distance)) pieces.push_back(*piece);
-    joinDroppingCollapsed(pieces, path.closed, tolerance);
+    joinDroppingInvalid(pieces, path.closed, source, distance, tolerance, checkTolerance);
     if (pieces.size() < (path.closed ? 2u : 1u)) return std::nullopt;
     BulgePath result = assemble(pieces, path.closed);
-    if (!keepsDistance(path, result, distance, platform_tol::kOffsetCheck * scale))
+    if (!keepsDistance(source, path.closed, result, distance, checkTolerance))
         return std::nullopt;
     return result;
 }
