@@ -1,6 +1,6 @@
 #pragma once
 // The one home of the editor side's process state: loaded modules, the command stack, LISP
-// functions, documents, application flags and the progress meter. Tests rebuild it fresh with
+// functions, documents, application flags, the progress meter and the input source. Tests rebuild it fresh with
 // ResetEditorState().
 #include <map>
 #include <memory>
@@ -9,6 +9,7 @@
 
 #include "platform/ed/commands.hpp"
 #include "platform/ed/documents.hpp"
+#include "platform/ed/input.hpp"
 #include "platform/ed/modules.hpp"
 #include "platform/ed/status_bar.hpp"
 
@@ -38,6 +39,7 @@ struct EditorState {
     bool applicationContext = false;
     ProgressMeter progress;
     bool drawProgress = false;  // true when stderr is a terminal
+    HostInputSource input;      // the command line's source of lines
 };
 
 EditorState& Editor();

@@ -1,0 +1,73 @@
+// tavrik convert: reads any drawing the database can read and writes it in the format that the
+// target's extension names.
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "platform/db/database.hpp"
+#include "platform/dxf/dxf.hpp"
+#include "platform/dxf/model.hpp"
+#include "platform/win/codepage.hpp"
+#include "subcommands.hpp"
+
+namespace {
+
+int Usage() {
+    std::fprintf(stderr,
+                 "usage: tavrik convert [--keep-version] [--version AC10xx] [--codepage 936|65001] "
+                 "IN OUT\n  OUT must end in .dxf\n");
+    return kExitUsage;
+}
+
+bool EndsWithDxf(const std::string& path) {
+    if (path.size() < 4) return false;
+    std::string ext = path.substr(path.size() - 4);
+    for (auto& c : ext) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return ext == ".dxf";
+}
+
+}  // namespace
+
+int RunConvert(int argc, char** argv) {
+    dxf::WriteOptions options;
+    options.codePage = HostCodePage() == 65001 ? 65001 : 936;
+    std::string in, out;
+    for (int i = 1; i < argc; ++i) {
+        std::string a = argv[i];
+        if (a == "--help" || a == "-h") {
+            Usage();
+            return kExitOk;
+        }
+        if (a == "--keep-version") {
+            options.keepVersion = true;
+        } else if (a == "--version" && i + 1 < argc) {
+            options.version = dxf::VersionFromName(argv[++i]);
+            if (options.version == AcDb::kDHL_Unknown) return Usage();
+        } else if (a == "--codepage" && i + 1 < argc) {
+            options.codePage = std::atoi(argv[++i]);
+        } else if (in.empty()) {
+            in = a;
+        } else if (out.empty()) {
+            out = a;
+        } else {
+            return Usage();
+        }
+    }
+    if (in.empty() || out.empty()) return Usage();
+    if (!EndsWithDxf(out)) {
+        std::fprintf(stderr, "tavrik convert: %s: only .dxf targets can be written\n", out.c_str());
+        return kExitFailure;
+    }
+    AcDbDatabase db(false, true);
+    Acad::ErrorStatus es = db.readDwgFile(dxf::Wide(in).c_str());
+    if (es != Acad::eOk) {
+        std::fprintf(stderr, "tavrik convert: %s (status %d)\n", dxf::Utf8(db.lastError()).c_str(), es);
+        return kExitFailure;
+    }
+    es = dxf::WriteDxfFile(db, out, options);
+    if (es != Acad::eOk) {
+        std::fprintf(stderr, "tavrik convert: %s (status %d)\n", dxf::Utf8(db.lastError()).c_str(), es);
+        return kExitFailure;
+    }
+    return kExitOk;
+}

@@ -1,0 +1,212 @@
+// The host: opens the prefix and a first document, loads the modules, runs the message loop,
+// then takes commands from the script or the terminal until QUIT, the end of the input, or a
+// WM_CLOSE from a module ends it.
+#include <poll.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <fstream>
+#include <iostream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "platform/db/database.hpp"
+#include "platform/ed/ads.hpp"
+#include "platform/ed/commands.hpp"
+#include "platform/ed/documents.hpp"
+#include "platform/ed/editor_state.hpp"
+#include "platform/ed/input.hpp"
+#include "platform/ed/lisp.hpp"
+#include "platform/ed/modules.hpp"
+#include "platform/win/codepage.hpp"
+#include "platform/win/host_state.hpp"
+#include "platform/win/messages.hpp"
+#include "platform/win/prefix.hpp"
+#include "platform/win/text.hpp"
+#include "subcommands.hpp"
+
+namespace {
+
+struct HostOptions {
+    std::string prefix;
+    std::vector<std::string> modules;
+    std::string script;
+};
+
+// The lines of the command line: a script read at the start, or standard input.
+struct LineSource {
+    bool fromScript = false;
+    std::vector<std::wstring> script;
+    size_t next = 0;
+    bool terminal = false;
+};
+
+enum class ReadResult { kLine, kEnd, kTimeout };
+
+bool ParseOptions(int argc, char** argv, HostOptions& options) {
+    for (int i = 1; i < argc; ++i) {
+        std::string_view arg = argv[i];
+        bool hasValue = i + 1 < argc;
+        if (arg == "--prefix" && hasValue) options.prefix = argv[++i];
+        else if (arg == "--module" && hasValue) options.modules.push_back(argv[++i]);
+        else if (arg == "--script" && hasValue) options.script = argv[++i];
+        else {
+            std::fprintf(stderr, "tavrik: unknown or incomplete option %s (see tavrik --help)\n", argv[i]);
+            return false;
+        }
+    }
+    if (options.prefix.empty()) {
+        const char* fromEnvironment = std::getenv(kPrefixEnvironmentVariable);
+        options.prefix = fromEnvironment ? fromEnvironment : "";
+    }
+    if (options.prefix.empty()) {
+        std::fprintf(stderr, "tavrik: no prefix; give --prefix DIR or set %s (tavrik prefix init DIR makes one)\n",
+                     kPrefixEnvironmentVariable);
+        return false;
+    }
+    return true;
+}
+
+bool ReadScript(const std::string& path, LineSource& source) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in) return false;
+    std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    std::wstringstream lines{DecodeTextBytes(bytes)};
+    std::wstring line;
+    while (std::getline(lines, line)) source.script.push_back(TrimBlanks(line));
+    source.fromScript = true;
+    return true;
+}
+
+// The next line, waiting at most `timeoutMs` for the terminal (-1: without limit).
+ReadResult NextLine(LineSource& source, const std::wstring& prompt, long long timeoutMs, std::wstring& line) {
+    if (source.fromScript) {
+        if (source.next >= source.script.size()) return ReadResult::kEnd;
+        line = source.script[source.next++];
+        return ReadResult::kLine;
+    }
+    if (source.terminal) WriteConsoleText(stdout, prompt);
+    pollfd input{STDIN_FILENO, POLLIN, 0};
+    int ready = ::poll(&input, 1, static_cast<int>(timeoutMs));
+    if (ready == 0) return ReadResult::kTimeout;
+    std::string bytes;
+    if (!std::getline(std::cin, bytes)) return ReadResult::kEnd;
+    line = TrimBlanks(WideFromUtf8(bytes));
+    return ReadResult::kLine;
+}
+
+void ReportFailure(const std::wstring& what, const char* reason) {
+    WriteConsoleText(stderr, L"tavrik: " + what + L" failed: " + WideFromUtf8(reason) + L"\n");
+}
+
+// Runs `body`, reporting an exception that escapes it; false when one did.
+template <typename Body>
+bool Guarded(const std::wstring& what, Body body) {
+    try {
+        body();
+        return true;
+    } catch (const std::exception& error) {
+        ReportFailure(what, error.what());
+    } catch (...) {
+        ReportFailure(what, "an unknown exception");
+    }
+    return false;
+}
+
+bool RunLisp(const std::wstring& line) {
+    std::wstring name = line.substr(1, line.find_first_of(L" )", 1) - 1);
+    int status = RTNORM;
+    bool ok = Guarded(L"function " + name, [&] { status = InvokeLispFunction(name.c_str()); });
+    if (status != RTNORM) WriteConsoleText(stderr, L"tavrik: unknown function \"" + name + L"\"\n");
+    return ok && status == RTNORM;
+}
+
+bool RunCommand(const std::wstring& name) {
+    const AcEdCommandRecord* command = acedRegCmds->lookupCmd(name.c_str());
+    if (!command) {
+        WriteConsoleText(stderr, L"tavrik: unknown command \"" + name + L"\"\n");
+        return false;
+    }
+    AcRxFunctionPtr function = command->function;
+    return Guarded(L"command " + name, function);
+}
+
+bool IsQuit(const std::wstring& line) {
+    return EqualNoCase(line, L"QUIT") || EqualNoCase(line, L"_QUIT") || EqualNoCase(line, L"EXIT");
+}
+
+bool PumpTimers() { return Guarded(L"timer procedure", [] { RunDueTimers(); }); }
+
+// The command line. Returns false when some command or timer failed.
+bool RunCommandLine(LineSource& source) {
+    bool ok = true;
+    SetHostInputSource([&source](const std::wstring& prompt, std::wstring& line) {
+        return NextLine(source, prompt, -1, line) == ReadResult::kLine;
+    });
+    while (!HostCloseRequested()) {
+        ok = PumpTimers() && ok;
+        if (HostCloseRequested()) break;
+        std::wstring line;
+        ReadResult read = NextLine(source, L"Command: ", MillisecondsToNextTimer(), line);
+        if (read == ReadResult::kTimeout) continue;
+        if (read == ReadResult::kEnd) {
+            // Armed timers still run, as the host's loop would before it ends.
+            ok = Guarded(L"timer procedure", [] { RunMessageLoop(); }) && ok;
+            break;
+        }
+        if (line.empty()) continue;
+        if (IsQuit(line)) break;
+        ok = (line.front() == L'(' ? RunLisp(line) : RunCommand(line)) && ok;
+    }
+    SetHostInputSource(nullptr);
+    return ok;
+}
+
+// False when a module cannot be loaded at all; `ok` turns false when one threw on load.
+bool LoadModules(const std::vector<std::string>& modules, bool& ok) {
+    for (const std::string& path : modules) {
+        std::string error;
+        bool loaded = false;
+        ok = Guarded(L"loading " + WideFromUtf8(path), [&] { loaded = LoadHostModule(path, error); }) && ok;
+        if (!loaded && !error.empty()) {
+            std::fprintf(stderr, "tavrik: cannot load module %s: %s\n", path.c_str(), error.c_str());
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
+int RunHost(int argc, char** argv) {
+    HostOptions options;
+    if (!ParseOptions(argc, argv, options)) return kExitUsage;
+    std::string error;
+    if (!OpenPrefix(options.prefix, error)) {
+        std::fprintf(stderr, "tavrik: %s\n", error.c_str());
+        return kExitFailure;
+    }
+    LineSource source;
+    if (!options.script.empty() && !ReadScript(options.script, source)) {
+        std::fprintf(stderr, "tavrik: cannot read the script %s\n", options.script.c_str());
+        return kExitFailure;
+    }
+    source.terminal = !source.fromScript && ::isatty(STDIN_FILENO);
+    Host().interactive = source.terminal;
+    Editor().drawProgress = ::isatty(STDERR_FILENO);
+
+    auto* drawing = new AcDbDatabase(true, false);
+    acdbHostApplicationServices()->setWorkingDatabase(drawing);
+    OpenHostDocument(drawing, L"Drawing1.dwg");
+
+    bool ok = true;
+    if (LoadModules(options.modules, ok)) ok = RunCommandLine(source) && ok;
+    else ok = false;
+    UnloadHostModules();
+    acdbHostApplicationServices()->setWorkingDatabase(nullptr);
+    delete drawing;
+    return ok ? kExitOk : kExitFailure;
+}

@@ -1,0 +1,66 @@
+// tavrik: a headless CAD host. With no subcommand it runs the host; otherwise the first
+// argument names a subcommand of the table below.
+#include <cstdio>
+#include <cstring>
+#include <string_view>
+
+#include "subcommands.hpp"
+
+namespace {
+
+struct Subcommand {
+    const char* name;
+    int (*run)(int argc, char** argv);
+    const char* usage;
+};
+
+const Subcommand kSubcommands[] = {
+    {"prefix", RunPrefix, "tavrik prefix init DIR      make an empty, valid prefix"},
+    {"convert", RunConvert, "tavrik convert IN OUT       convert a drawing"},
+};
+
+void PrintHelp() {
+    std::printf(
+        "usage: tavrik [--prefix DIR] [--module FILE]... [--script FILE]\n"
+        "       tavrik SUBCOMMAND ARGS...\n"
+        "\n"
+        "Runs a headless CAD host: loads each module (its load message may run a batch), runs\n"
+        "the message loop, then takes commands from the script (one command or answer per\n"
+        "line) or the terminal until QUIT, end of input, or the module closes the host.\n"
+        "\n"
+        "  --prefix DIR    the Windows machine: drive folders, registry.reg, host.ini\n"
+        "                  (default: $TAVRIK_PREFIX)\n"
+        "  --module FILE   a module to load; may be repeated\n"
+        "  --script FILE   read commands from FILE instead of the terminal\n"
+        "  --help          this text\n"
+        "  --version       the version\n"
+        "\n"
+        "subcommands:\n");
+    for (const Subcommand& s : kSubcommands) std::printf("  %s\n", s.usage);
+    std::printf("\nexit status: 0 success, 1 failure, 2 usage error\n");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc >= 2) {
+        std::string_view first = argv[1];
+        if (first == "--help" || first == "-h") {
+            PrintHelp();
+            return kExitOk;
+        }
+        if (first == "--version") {
+            std::printf("tavrik %s\n", TAVRIK_VERSION);
+            return kExitOk;
+        }
+        for (const Subcommand& s : kSubcommands) {
+            if (first != s.name) continue;
+            if (!s.run) {
+                std::fprintf(stderr, "tavrik: the subcommand %s is not available in this build\n", s.name);
+                return kExitFailure;
+            }
+            return s.run(argc - 1, argv + 1);
+        }
+    }
+    return RunHost(argc, argv);
+}
