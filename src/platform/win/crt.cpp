@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>
-#include <map>
 #include <string>
 
 #include "platform/win/codepage.hpp"
@@ -79,7 +78,6 @@ namespace crt {
 
 char* getenv(const char* name) {
     if (!name) return nullptr;
-    static std::map<std::string, std::string> values;  // stable storage for the results
     std::wstring value;
     if (const char* process = std::getenv(name)) {
         value = WideFromUtf8(process);
@@ -88,7 +86,7 @@ char* getenv(const char* name) {
         if (found == Host().environment.end()) return nullptr;
         value = found->second;
     }
-    std::string& slot = values[name];
+    std::string& slot = Host().crtEnvironment[name];
     slot = AnsiFromWide(value);
     return slot.data();
 }
@@ -114,7 +112,6 @@ FILE* fopen(const char* path, const char* mode) {
 }
 
 char* setlocale(int category, const char* locale) {
-    static std::string name;
     if (category < LC_CTYPE || category > LC_ALL) return nullptr;
     if (locale) {
         std::string wanted = locale;
@@ -122,6 +119,7 @@ char* setlocale(int category, const char* locale) {
         else if (wanted == "C") Host().crtUserLocale = false;
         else return nullptr;
     }
+    std::string& name = Host().crtLocaleName;
     name = Host().crtUserLocale ? UserLocaleName() : "C";
     return name.data();
 }

@@ -10,7 +10,7 @@
 namespace crt {
 
 // The process environment first (converted to the host code page), then the prefix's
-// [Environment]. The pointer stays valid for the life of the process.
+// [Environment]. The pointer stays valid until the next call with the same name.
 char* getenv(const char* name);
 int remove(const char* path);
 // Without 'b' in the mode the stream is in text mode: "\n" is written as "\r\n", and "\r\n"

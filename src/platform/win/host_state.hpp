@@ -37,6 +37,8 @@ struct HostState {
     std::map<std::uintptr_t, std::wstring> openKeys;   // handle -> key path
     std::uintptr_t nextKeyHandle = 0x1000;
     bool crtUserLocale = false;            // setlocale(LC_ALL, "") has been called
+    std::string crtLocaleName;             // storage of setlocale's result
+    std::map<std::string, std::string> crtEnvironment;  // storage of getenv's results
     std::vector<HostTimer> timers;
     UINT_PTR nextTimerId = 1;
     HostClock clock = RealClock();
