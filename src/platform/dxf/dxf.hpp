@@ -1,0 +1,59 @@
+#pragma once
+// The drawing-file codec: reads DXF (R12 to 2018, ASCII and binary) into a database and writes
+// a database as ASCII DXF, keeping what the database does not model.
+#include <string>
+#include <string_view>
+
+#include "platform/db/database.hpp"
+
+namespace dxf {
+
+// Numbered reasons of a failed read or write; the number stands in lastError() as "DXFnnn".
+enum class DxfError {
+    kNone = 0,
+    kCannotOpen = 1,       // the file cannot be read
+    kNotDxf = 2,           // the content is not a drawing file of this format
+    kBadGroupCode = 3,     // a group code that is not a number or not a known code
+    kTruncated = 4,        // the data ends inside a tag, a section or before EOF
+    kBadNumber = 5,        // a value that is not a number where the group code wants one
+    kMissingSection = 6,   // a section every drawing needs is missing
+    kBadStructure = 7,     // tags out of the format's order (section, table, block nesting)
+    kCannotWrite = 8,      // the target cannot be written or renamed into place
+    kDatabaseRejected = 9  // the database refused an object (a handle used twice)
+};
+
+// Reads a drawing file into an empty database. On failure the database is left empty and
+// db.lastError() says "file:line: DXFnnn reason".
+Acad::ErrorStatus ReadDxfFile(AcDbDatabase& db, const std::string& path);
+Acad::ErrorStatus ReadDxfBytes(AcDbDatabase& db, std::string_view bytes, const std::string& name);
+// True when the bytes open like a DXF file (ASCII or binary).
+bool LooksLikeDxf(std::string_view head);
+
+struct WriteOptions {
+    // The version written; a drawing read from R12 to R14 keeps its own version, which this
+    // codec does not convert.
+    AcDb::AcDbDwgVersion version = AcDb::kDHL_1018;
+    // Keep the version the drawing was read in.
+    bool keepVersion = false;
+    // The host's code page: 936 (GBK) or 65001 (UTF-8; before AC1021 the text is then written
+    // as ASCII with \U+XXXX escapes).
+    int codePage = 936;
+};
+
+// Writes the database to text. Objects made in memory take handles from $HANDSEED.
+Acad::ErrorStatus WriteDxfText(AcDbDatabase& db, const WriteOptions& options, std::string& out);
+// Writes atomically: a temporary file beside the target, then a rename over it.
+Acad::ErrorStatus WriteDxfFile(AcDbDatabase& db, const std::string& path,
+                               const WriteOptions& options);
+
+// The version's $ACADVER name ("AC1018") and back.
+std::string VersionName(AcDb::AcDbDwgVersion version);
+AcDb::AcDbDwgVersion VersionFromName(std::string_view name);
+
+}  // namespace dxf
+
+namespace dxf {
+// The host code page that saves through the host's entry points use (936 unless set).
+void SetSaveCodePage(int codePage);
+int SaveCodePage();
+}  // namespace dxf

@@ -1,0 +1,234 @@
+#include "platform/dxf/tagger.hpp"
+
+#include <charconv>
+#include <cmath>
+#include <cstring>
+
+namespace dxf {
+
+ValueKind KindOfCode(int code) {
+    if (code < 0) return ValueKind::kInvalid;
+    if (code <= 9) return ValueKind::kString;
+    if (code <= 59) return ValueKind::kDouble;
+    if (code <= 79) return code >= 60 ? ValueKind::kInt16 : ValueKind::kInvalid;
+    if (code <= 89) return ValueKind::kInvalid;
+    if (code <= 99) return ValueKind::kInt32;
+    if (code == 100 || code == 101 || code == 102) return ValueKind::kString;
+    if (code == 105) return ValueKind::kHandle;
+    if (code >= 110 && code <= 149) return ValueKind::kDouble;
+    if (code >= 160 && code <= 169) return ValueKind::kInt64;
+    if (code >= 170 && code <= 179) return ValueKind::kInt16;
+    if (code >= 210 && code <= 239) return ValueKind::kDouble;
+    if (code >= 270 && code <= 289) return ValueKind::kInt16;
+    if (code >= 290 && code <= 299) return ValueKind::kBool;
+    if (code >= 300 && code <= 309) return ValueKind::kString;
+    if (code >= 310 && code <= 319) return ValueKind::kBinary;
+    if (code >= 320 && code <= 369) return ValueKind::kHandle;
+    if (code >= 370 && code <= 389) return ValueKind::kInt16;
+    if (code >= 390 && code <= 399) return ValueKind::kHandle;
+    if (code >= 400 && code <= 409) return ValueKind::kInt16;
+    if (code >= 410 && code <= 419) return ValueKind::kString;
+    if (code >= 420 && code <= 429) return ValueKind::kInt32;
+    if (code >= 430 && code <= 439) return ValueKind::kString;
+    if (code >= 440 && code <= 459) return ValueKind::kInt32;
+    if (code >= 460 && code <= 469) return ValueKind::kDouble;
+    if (code >= 470 && code <= 479) return ValueKind::kString;
+    if (code == 480 || code == 481) return ValueKind::kHandle;
+    if (code == 999) return ValueKind::kString;
+    if (code >= 1000 && code <= 1003) return ValueKind::kString;
+    if (code == 1004) return ValueKind::kBinary;
+    if (code >= 1005 && code <= 1009) return code == 1005 ? ValueKind::kHandle : ValueKind::kString;
+    if (code >= 1010 && code <= 1059) return ValueKind::kDouble;
+    if (code >= 1060 && code <= 1070) return ValueKind::kInt16;
+    if (code == 1071) return ValueKind::kInt32;
+    return ValueKind::kInvalid;
+}
+
+bool TagCursor::readLine(std::string_view& line) {
+    if (m_pos >= m_text.size()) return false;
+    const char* start = m_text.data() + m_pos;
+    const void* nl = std::memchr(start, '\n', m_text.size() - m_pos);
+    size_t end = nl ? static_cast<size_t>(static_cast<const char*>(nl) - m_text.data())
+                    : m_text.size();
+    line = m_text.substr(m_pos, end - m_pos);
+    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+    m_pos = nl ? end + 1 : end;
+    ++m_line;
+    return true;
+}
+
+namespace {
+std::string_view Trim(std::string_view s) {
+    while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
+    while (!s.empty() && (s.back() == ' ' || s.back() == '\t')) s.remove_suffix(1);
+    return s;
+}
+}  // namespace
+
+bool TagCursor::next(Tag& tag) {
+    if (!m_error.empty()) return false;
+    std::string_view codeLine;
+    if (!readLine(codeLine)) return false;
+    tag.line = m_line;
+    std::string_view t = Trim(codeLine);
+    int code = 0;
+    auto [ptr, ec] = std::from_chars(t.data(), t.data() + t.size(), code);
+    if (t.empty() || ec != std::errc() || ptr != t.data() + t.size()) {
+        m_error = "invalid group code '" + std::string(t.substr(0, 40)) + "'";
+        return false;
+    }
+    std::string_view value;
+    if (!readLine(value)) {
+        m_error = "file ends after group code " + std::to_string(code);
+        return false;
+    }
+    tag.code = code;
+    ValueKind kind = KindOfCode(code);
+    tag.value = (kind == ValueKind::kString) ? value : Trim(value);
+    return true;
+}
+
+bool ParseDouble(std::string_view text, double& value) {
+    if (!text.empty() && text.front() == '+') text.remove_prefix(1);
+    auto [ptr, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
+    return !text.empty() && ec == std::errc() && ptr == text.data() + text.size();
+}
+
+bool ParseInteger(std::string_view text, long long& value) {
+    if (!text.empty() && text.front() == '+') text.remove_prefix(1);
+    auto [ptr, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
+    return !text.empty() && ec == std::errc() && ptr == text.data() + text.size();
+}
+
+void FormatDouble(double value, std::string& out) {
+    if (value == 0.0) value = 0.0;  // no "-0.0"
+    char buffer[32];
+    auto [ptr, ec] = std::to_chars(buffer, buffer + sizeof buffer, value);
+    std::string_view s(buffer, static_cast<size_t>(ptr - buffer));
+    out.append(s);
+    if (s.find_first_of(".en") == std::string_view::npos) out.append(".0");
+}
+
+namespace {
+
+template <typename T>
+bool ReadRaw(std::string_view data, size_t& pos, T& value) {
+    if (pos + sizeof(T) > data.size()) return false;
+    std::memcpy(&value, data.data() + pos, sizeof(T));
+    pos += sizeof(T);
+    return true;
+}
+
+// The version named by $ACADVER decides between 1-byte (R12) and 2-byte group codes.
+bool HasOneByteCodes(std::string_view data) {
+    size_t at = data.substr(0, 2048).find("$ACADVER");
+    if (at == std::string_view::npos) return true;
+    size_t v = data.find("AC10", at);
+    if (v == std::string_view::npos || v > at + 16) return true;
+    return data.substr(v, 6) <= "AC1009";
+}
+
+void AppendNumber(std::string& text, long long v) {
+    char buffer[24];
+    auto [ptr, ec] = std::to_chars(buffer, buffer + sizeof buffer, v);
+    text.append(buffer, ptr);
+}
+
+}  // namespace
+
+bool BinaryToText(std::string_view data, std::string& text, std::string& error) {
+    static const char* hex = "0123456789ABCDEF";
+    bool oneByte = HasOneByteCodes(data);
+    size_t pos = kBinarySentinel.size();
+    text.reserve(data.size() * 2);
+    while (pos < data.size()) {
+        size_t tagStart = pos;
+        int code = 0;
+        if (oneByte) {
+            std::uint8_t b = 0;
+            ReadRaw(data, pos, b);
+            code = b;
+            if (b == 255) {
+                std::uint16_t c = 0;
+                if (!ReadRaw(data, pos, c)) break;
+                code = c;
+            }
+        } else {
+            std::uint16_t c = 0;
+            if (!ReadRaw(data, pos, c)) break;
+            code = c;
+        }
+        AppendNumber(text, code);
+        text += '\n';
+        bool ok = true;
+        switch (KindOfCode(code)) {
+            case ValueKind::kDouble: {
+                double d = 0;
+                ok = ReadRaw(data, pos, d);
+                FormatDouble(d, text);
+                break;
+            }
+            case ValueKind::kInt16: {
+                std::int16_t v = 0;
+                ok = ReadRaw(data, pos, v);
+                AppendNumber(text, v);
+                break;
+            }
+            case ValueKind::kInt32: {
+                std::int32_t v = 0;
+                ok = ReadRaw(data, pos, v);
+                AppendNumber(text, v);
+                break;
+            }
+            case ValueKind::kInt64: {
+                std::int64_t v = 0;
+                ok = ReadRaw(data, pos, v);
+                AppendNumber(text, v);
+                break;
+            }
+            case ValueKind::kBool: {
+                std::uint8_t v = 0;
+                ok = ReadRaw(data, pos, v);
+                AppendNumber(text, v);
+                break;
+            }
+            case ValueKind::kBinary: {
+                std::uint8_t n = 0;
+                ok = ReadRaw(data, pos, n) && pos + n <= data.size();
+                for (size_t i = 0; ok && i < n; ++i) {
+                    auto b = static_cast<std::uint8_t>(data[pos + i]);
+                    text += hex[b >> 4];
+                    text += hex[b & 15];
+                }
+                pos += n;
+                break;
+            }
+            case ValueKind::kInvalid:
+                error = "invalid group code " + std::to_string(code) + " at byte " +
+                        std::to_string(tagStart);
+                return false;
+            default: {
+                size_t end = data.find('\0', pos);
+                ok = end != std::string_view::npos;
+                if (ok) {
+                    // A line break inside a value cannot stand in ASCII; in texts it is a
+                    // paragraph break.
+                    for (char c : data.substr(pos, end - pos)) {
+                        if (c == '\n') text += "\\P";
+                        else if (c != '\r') text += c;
+                    }
+                    pos = end + 1;
+                }
+            }
+        }
+        if (!ok) {
+            error = "file ends inside the value of group code " + std::to_string(code) +
+                    " at byte " + std::to_string(tagStart);
+            return false;
+        }
+        text += '\n';
+    }
+    return true;
+}
+
+}  // namespace dxf
