@@ -393,6 +393,7 @@ void ForEachBodyTag(const AcDbRawTags& tags, Fn fn) {
             ++i;
             continue;
         }
+        if (marker.empty() && (t.code == 5 || t.code == 105 || t.code == 330)) continue;
         fn(marker, t);
     }
 }

@@ -73,8 +73,39 @@ def view(path, binary):
     }
 
 
-if __name__ == "__main__":
-    path = sys.argv[1]
+def view_of(path):
     with open(path, "rb") as f:
         binary = f.read(22) == b"AutoCAD Binary DXF\r\n\x1a\x00"
-    json.dump(view(path, binary), sys.stdout, sort_keys=True)
+    return view(path, binary)
+
+
+def compare(original, written):
+    """Exit status 0 when ezdxf sees the written file without errors and with the same
+    entities as the original; 3 when ezdxf cannot read the original at all."""
+    try:
+        before = view_of(original)
+    except Exception as error:  # ezdxf's own limits: the caller checks by other means
+        print(f"original unreadable by ezdxf: {error}")
+        return 3
+    after = view_of(written)
+    problems = [f"recover: {m}" for m in after["recover_errors"]]
+    problems += [f"audit: {m}" for m in after["audit_errors"]]
+    for kind in sorted(set(before["entities"]) | set(after["entities"])):
+        rows_before = before["entities"].get(kind, [])
+        rows_after = after["entities"].get(kind, [])
+        if rows_before == rows_after:
+            continue
+        problems.append(f"{kind}: {len(rows_before)} entities before, {len(rows_after)} after")
+        for a, b in zip(rows_before, rows_after):
+            if a != b:
+                problems.append(f"  first difference: {a} != {b}")
+                break
+    for p in problems[:20]:
+        print(p)
+    return 1 if problems else 0
+
+
+if __name__ == "__main__":
+    if sys.argv[1] == "--compare":
+        sys.exit(compare(sys.argv[2], sys.argv[3]))
+    json.dump(view_of(sys.argv[1]), sys.stdout, sort_keys=True)
