@@ -79,6 +79,7 @@ private:
     AcDbSymbolTable* ensureTable(AcDbDatabase::TableKind kind);
     void ensureRecord(AcDbDatabase::TableKind kind, const std::wstring& name, AcDbSymbolTableRecord* record);
     void ensureLayouts();
+    void ensureDimensionBlocks();
 
     // ---- sections ----
     void header();
@@ -384,6 +385,32 @@ AcDbRawTags LayoutTags(const std::string& name, int tab, AcDbHandle block) {
     return t;
 }
 
+// A dimension made in memory gets the anonymous block that readers expect it to name.
+void Writer::ensureDimensionBlocks() {
+    auto* blocks = AcDbBlockTable::cast(ObjectOf(m_db.blockTableId()));
+    if (!blocks) return;
+    int next = 1;
+    std::vector<AcDbDimension*> missing;
+    for (const auto& bid : blocks->recordIds())
+        if (auto* b = AcDbBlockTableRecord::cast(ObjectOf(bid)))
+            for (const auto& eid : b->entityIds())
+                if (auto* d = AcDbDimension::cast(ObjectOf(eid)); d && d->dimBlockId().isNull())
+                    missing.push_back(d);
+    for (AcDbDimension* d : missing) {
+        std::wstring name;
+        do name = L"*D" + std::to_wstring(next++);
+        while (blocks->has(name));
+        auto* block = new AcDbBlockTableRecord();
+        block->setName(name);
+        block->setFlagBits(1);
+        block->setOwnerId(blocks->objectId());
+        AcDbObjectId id;
+        m_db.addAcDbObject(id, block);
+        blocks->attachRecord(id);
+        d->setDimBlockId(id);
+    }
+}
+
 void Writer::ensureLayouts() {
     auto* root = AcDbDictionary::cast(ObjectOf(m_db.namedObjectsDictionaryId()));
     if (!root) {
@@ -431,6 +458,7 @@ void Writer::prepare() {
         ensureRecord(AcDbDatabase::kBlockTable, ACDB_MODEL_SPACE, new AcDbBlockTableRecord());
         ensureRecord(AcDbDatabase::kBlockTable, ACDB_PAPER_SPACE, new AcDbBlockTableRecord());
         ensureLayouts();
+        ensureDimensionBlocks();
     }
     auto* blocks = AcDbBlockTable::cast(ObjectOf(m_db.blockTableId()));
     if (!blocks) return;
