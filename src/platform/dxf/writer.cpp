@@ -394,7 +394,8 @@ void Writer::ensureDimensionBlocks() {
     for (const auto& bid : blocks->recordIds())
         if (auto* b = AcDbBlockTableRecord::cast(ObjectOf(bid)))
             for (const auto& eid : b->entityIds())
-                if (auto* d = AcDbDimension::cast(ObjectOf(eid)); d && d->dimBlockId().isNull())
+                if (auto* d = AcDbDimension::cast(ObjectOf(eid));
+                    d && d->dimBlockId().isNull() && d->fileTags().empty())
                     missing.push_back(d);
     for (AcDbDimension* d : missing) {
         std::wstring name;
