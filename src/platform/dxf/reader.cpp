@@ -142,6 +142,7 @@ ReadError Validate(std::string_view text, FileFacts& facts) {
         }
         if (tag.code == 0) {
             inRecord = false;
+            headerVersion = headerCodePage = headerSeed = false;
             if (tag.value == "SECTION") {
                 if (inSection) return {DxfError::kBadStructure, tag.line, "SECTION inside section " + section};
                 expectSectionName = true;
@@ -276,7 +277,6 @@ private:
     AcDbDatabase& m_db;
     const FileFacts& m_facts;
     std::uint64_t m_nextHandle;
-    size_t m_recordIndex = 0;
     std::string m_section;
     std::string m_tableName;
     AcDbSymbolTable* m_table = nullptr;

@@ -1,0 +1,38 @@
+// Reads and writes one DXF file with the codec and prints the times and the peak memory:
+//   dxf_bench IN.dxf OUT.dxf
+#include <sys/resource.h>
+
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+
+#include "platform/dxf/dxf.hpp"
+#include "platform/dxf/model.hpp"
+
+int main(int argc, char** argv) {
+    if (argc != 3) {
+        std::fprintf(stderr, "usage: dxf_bench IN.dxf OUT.dxf\n");
+        return 2;
+    }
+    using Clock = std::chrono::steady_clock;
+    auto seconds = [](Clock::duration d) { return std::chrono::duration<double>(d).count(); };
+    AcDbDatabase db(false, true);
+    auto t0 = Clock::now();
+    if (dxf::ReadDxfFile(db, argv[1]) != Acad::eOk) {
+        std::fprintf(stderr, "%s\n", dxf::Utf8(db.lastError()).c_str());
+        return 1;
+    }
+    auto t1 = Clock::now();
+    if (dxf::WriteDxfFile(db, argv[2], {}) != Acad::eOk) {
+        std::fprintf(stderr, "%s\n", dxf::Utf8(db.lastError()).c_str());
+        return 1;
+    }
+    auto t2 = Clock::now();
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    double fileMb = static_cast<double>(std::filesystem::file_size(argv[1])) / 1048576.0;
+    double peakMb = static_cast<double>(usage.ru_maxrss) / 1024.0;
+    std::printf("tavrik read %.3f s write %.3f s peak %.1f MB file %.1f MB (%.2fx file)\n",
+                seconds(t1 - t0), seconds(t2 - t1), peakMb, fileMb, peakMb / fileMb);
+    return 0;
+}
