@@ -1436,7 +1436,10 @@ Acad::ErrorStatus ReadDxfFile(AcDbDatabase& db, const std::string& path) {
         db.setLastError(Wide(path + ":0: DXF001 cannot open the file"));
         return Acad::eFileNotFound;
     }
-    std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    in.seekg(0, std::ios::end);
+    std::string bytes(static_cast<size_t>(std::max<std::streamoff>(in.tellg(), 0)), '\0');
+    in.seekg(0, std::ios::beg);
+    in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     Acad::ErrorStatus es = ReadDxfBytes(db, bytes, path);
     if (es == Acad::eOk) db.setFilename(Wide(path));
     return es;
