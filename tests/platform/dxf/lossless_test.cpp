@@ -1,0 +1,116 @@
+// What the database does not model comes back in place; what it models comes back as changed.
+#include <gtest/gtest.h>
+
+#include "platform/db/dimension.hpp"
+#include "platform/db/line.hpp"
+#include "platform/dxf/codepage.hpp"
+#include "platform/dxf/dxf.hpp"
+#include "platform/dxf/model.hpp"
+
+namespace {
+
+const std::string kDrawing =
+    "  0\nSECTION\n  2\nHEADER\n  9\n$ACADVER\n  1\nAC1018\n  9\n$DWGCODEPAGE\n  3\nANSI_936\n"
+    "  9\n$HANDSEED\n  5\n100\n  0\nENDSEC\n"
+    "  0\nSECTION\n  2\nTABLES\n  0\nENDSEC\n  0\nSECTION\n  2\nBLOCKS\n  0\nENDSEC\n"
+    "  0\nSECTION\n  2\nENTITIES\n"
+    "  0\nLINE\n  5\n2A\n330\n1F\n100\nAcDbEntity\n  8\nWALLS\n100\nAcDbLine\n 10\n1.0\n 20\n2.0\n"
+    " 30\n0.0\n 11\n3.0\n 21\n4.0\n 31\n0.0\n100\nAcDbVendorExtra\n 90\n77\n"
+    "1001\nVENDOR\n1000\nkeep me\n"
+    "  0\nWHIZZBANG\n  5\n2B\n330\n1F\n100\nAcDbEntity\n  8\n0\n 10\n5.0\n"
+    "  0\nDIMENSION\n  5\n2C\n330\n1F\n100\nAcDbEntity\n  8\n0\n100\nAcDbDimension\n 10\n0.0\n"
+    " 20\n0.0\n 30\n0.0\n 70\n6\n100\nAcDbOrdinateDimension\n 13\n1.0\n 23\n2.0\n 33\n0.0\n"
+    " 14\n1.0\n 24\n9.0\n 34\n0.0\n1001\nACAD\n1000\nDSTYLE\n1002\n{\n1070\n71\n1070\n1\n"
+    "1070\n47\n1040\n0.2\n1002\n}\n"
+    "  0\nENDSEC\n  0\nSECTION\n  2\nOBJECTS\n  0\nDICTIONARY\n  5\nC\n330\n0\n100\nAcDbDictionary\n"
+    "  0\nENDSEC\n  0\nEOF\n";
+
+AcDbObject* ObjectAt(AcDbDatabase& db, std::uint64_t handle) {
+    AcDbObjectId id;
+    db.getAcDbObjectId(id, false, AcDbHandle(handle));
+    return id.isNull() ? nullptr : id.stub()->object.get();
+}
+
+TEST(Lossless, UnknownSubclassAndExtensionDataStayInPlaceWhileChangedValuesAreWritten) {
+    AcDbDatabase db(false, true);
+    ASSERT_EQ(dxf::ReadDxfBytes(db, kDrawing, "in.dxf"), Acad::eOk) << dxf::Utf8(db.lastError());
+    auto* line = AcDbLine::cast(ObjectAt(db, 0x2A));
+    ASSERT_NE(line, nullptr);
+    EXPECT_EQ(line->layer(), L"WALLS");
+    line->setEndPoint({30.0, 40.0, 0.0});
+    std::string out;
+    ASSERT_EQ(dxf::WriteDxfText(db, {}, out), Acad::eOk);
+    EXPECT_NE(out.find(" 10\n1.0\n 20\n2.0\n 30\n0.0\n 11\n30.0\n 21\n40.0\n 31\n0.0\n"
+                       "100\nAcDbVendorExtra\n 90\n77\n1001\nVENDOR\n1000\nkeep me\n"),
+              std::string::npos) << out;
+}
+
+TEST(Lossless, UnknownEntityIsWrittenWhole) {
+    AcDbDatabase db(false, true);
+    ASSERT_EQ(dxf::ReadDxfBytes(db, kDrawing, "in.dxf"), Acad::eOk);
+    std::string out;
+    dxf::WriteDxfText(db, {}, out);
+    EXPECT_NE(out.find("  0\nWHIZZBANG\n  5\n2B\n330\n"), std::string::npos) << out;
+    EXPECT_NE(out.find("AcDbEntity\n  8\n0\n 10\n5.0\n"), std::string::npos) << out;
+}
+
+TEST(Lossless, DimensionStyleOverridesComeFromAndGoToDstyleExtensionData) {
+    AcDbDatabase db(false, true);
+    ASSERT_EQ(dxf::ReadDxfBytes(db, kDrawing, "in.dxf"), Acad::eOk);
+    auto* dim = AcDbOrdinateDimension::cast(ObjectAt(db, 0x2C));
+    ASSERT_NE(dim, nullptr);
+    EXPECT_TRUE(dim->dimtol());
+    EXPECT_DOUBLE_EQ(dim->dimtp(), 0.2);
+    EXPECT_TRUE(dim->xData().empty());
+    dim->setDimtm(0.05);
+    std::string out;
+    dxf::WriteDxfText(db, {}, out);
+    EXPECT_NE(out.find("1001\nACAD\n1000\nDSTYLE\n1002\n{\n1070\n47\n1040\n0.2\n1070\n48\n1040\n"
+                       "0.05\n1070\n71\n1070\n1\n1002\n}\n"),
+              std::string::npos) << out;
+}
+
+TEST(Lossless, HandlesSurviveAndRecordsTheFileLacksTakeHandlesFromHandseed) {
+    AcDbDatabase db(false, true);
+    ASSERT_EQ(dxf::ReadDxfBytes(db, kDrawing, "in.dxf"), Acad::eOk);
+    // The file has no block records: the layout blocks are made from $HANDSEED on.
+    EXPECT_GE(db.modelSpaceId().handle().value(), 0x100u);
+    EXPECT_GT(db.handseed().value(), db.modelSpaceId().handle().value());
+    std::string out;
+    dxf::WriteDxfText(db, {}, out);
+    AcDbDatabase back(false, true);
+    ASSERT_EQ(dxf::ReadDxfBytes(back, out, "out.dxf"), Acad::eOk) << dxf::Utf8(back.lastError());
+    EXPECT_NE(AcDbLine::cast(ObjectAt(back, 0x2A)), nullptr);
+    EXPECT_NE(AcDbOrdinateDimension::cast(ObjectAt(back, 0x2C)), nullptr);
+    EXPECT_GE(back.handseed().value(), 0x100u);
+}
+
+TEST(CodePages, GbkBytesDecodeToUnicode) {
+    std::string out;
+    dxf::DecodeText("\xD6\xD0\xCE\xC4", 936, out);  // 中文 in GBK
+    EXPECT_EQ(out, "中文");
+}
+
+TEST(CodePages, UnicodeAndMifEscapesAreDecoded) {
+    std::string out;
+    dxf::DecodeText("a\\U+00B0b\\M+5D6D0c", 1252, out);
+    EXPECT_EQ(out, "a°b中c");
+}
+
+TEST(CodePages, CharactersOutsideTheCodePageBecomeUnicodeEscapes) {
+    std::string out;
+    dxf::EncodeText("中ü", 1252, out);
+    EXPECT_EQ(out, "\\U+4E2D\xFC");
+    out.clear();
+    dxf::EncodeText("中", 936, out);
+    EXPECT_EQ(out, "\xD6\xD0");
+}
+
+TEST(CodePages, NamesMapToCodePageNumbers) {
+    EXPECT_EQ(dxf::CodePageFromName("ANSI_936"), 936);
+    EXPECT_EQ(dxf::CodePageFromName("ansi_1252"), 1252);
+    EXPECT_EQ(dxf::CodePageFromName(""), 1252);
+    EXPECT_EQ(dxf::CodePageName(936), "ANSI_936");
+}
+
+}  // namespace
