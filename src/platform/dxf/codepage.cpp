@@ -179,7 +179,7 @@ int CodePageFromName(std::string_view name) {
     if (upper.rfind("ANSI_", 0) == 0) {
         int cp = 0;
         for (char c : upper.substr(5)) {
-            if (c < '0' || c > '9') return 1252;
+            if (c < '0' || c > '9' || cp > 99999) return 1252;
             cp = cp * 10 + (c - '0');
         }
         return cp == 0 ? 1252 : cp;

@@ -223,8 +223,16 @@ double Real(std::string_view v) {
 
 long long Integer(std::string_view v) {
     long long i = 0;
-    if (!ParseInteger(v, i)) i = static_cast<long long>(Real(v));
-    return i;
+    if (ParseInteger(v, i)) return i;
+    double d = Real(v);
+    return std::fabs(d) < 9.2e18 ? static_cast<long long>(d) : 0;
+}
+
+// An enumerated value of the file, kept within the enumeration's range.
+template <typename E>
+E Enumerated(std::string_view v, int low, int high, E fallback) {
+    long long i = Integer(v);
+    return i < low || i > high ? fallback : static_cast<E>(i);
 }
 
 std::string Upper(std::wstring_view s) {
@@ -522,12 +530,12 @@ void ReadText(T& e, const AcDbRawTags& tags, AcDbDatabase& db, bool attribute) {
                 break;
             }
             case 71: e.mirrorInX((Integer(s) & 2) != 0); e.mirrorInY((Integer(s) & 4) != 0); break;
-            case 72: e.setHorizontalMode(static_cast<AcDb::TextHorzMode>(Integer(s))); break;
+            case 72: e.setHorizontalMode(Enumerated(s, 0, 5, AcDb::kTextLeft)); break;
             case 73:
-                if (!attribute) e.setVerticalMode(static_cast<AcDb::TextVertMode>(Integer(s)));
+                if (!attribute) e.setVerticalMode(Enumerated(s, 0, 3, AcDb::kTextBase));
                 break;
             case 74:
-                if (attribute) e.setVerticalMode(static_cast<AcDb::TextVertMode>(Integer(s)));
+                if (attribute) e.setVerticalMode(Enumerated(s, 0, 3, AcDb::kTextBase));
                 break;
             default: break;
         }
@@ -576,7 +584,7 @@ void ReadMText(AcDbMText& e, const AcDbRawTags& tags, AcDbDatabase& db) {
             case 210: case 220: case 230: SetAxis(n, tag.code, 210, Real(s)); break;
             case 40: e.setTextHeight(Real(s)); break;
             case 41: e.setWidth(Real(s)); break;
-            case 71: e.setAttachment(static_cast<AcDbMText::AttachmentPoint>(Integer(s))); break;
+            case 71: e.setAttachment(Enumerated(s, 1, 9, AcDbMText::kTopLeft)); break;
             case 72: e.setFlowDirection(static_cast<int>(Integer(s))); break;
             case 3: contents += s; break;
             case 1: last = s; break;
@@ -700,8 +708,8 @@ void ReadBlockReference(AcDbBlockReference& e, const AcDbRawTags& tags, std::wst
             case 42: s.sy = v; break;
             case 43: s.sz = v; break;
             case 50: e.setRotation(v / kDegrees); break;
-            case 70: if (minsert) minsert->setColumns(static_cast<int>(v)); break;
-            case 71: if (minsert) minsert->setRows(static_cast<int>(v)); break;
+            case 70: if (minsert) minsert->setColumns(static_cast<int>(Integer(tag.value))); break;
+            case 71: if (minsert) minsert->setRows(static_cast<int>(Integer(tag.value))); break;
             case 44: if (minsert) minsert->setColumnSpacing(v); break;
             case 45: if (minsert) minsert->setRowSpacing(v); break;
             default: break;
@@ -813,11 +821,11 @@ void ReadPolyline2d(AcDb2dPolyline& e, const AcDbRawTags& tags) {
         switch (tag.code) {
             case 30: e.setElevation(v); break;
             case 39: e.setThickness(v); break;
-            case 70: e.setPolylineFlags(static_cast<int>(v)); e.setClosed(static_cast<int>(v) & 1); break;
+            case 70: e.setPolylineFlags(static_cast<int>(Integer(tag.value))); e.setClosed(static_cast<int>(Integer(tag.value)) & 1); break;
             case 40: e.setDefaultStartWidth(v); break;
             case 41: e.setDefaultEndWidth(v); break;
             case 75: {
-                int t = static_cast<int>(v);
+                int t = static_cast<int>(Integer(tag.value));
                 e.setPolyType(t == 5 ? AcDb::k2dQuadSplinePoly : t == 6 ? AcDb::k2dCubicSplinePoly
                               : t == 8 ? AcDb::k2dFitCurvePoly : AcDb::k2dSimplePoly);
                 break;
@@ -850,7 +858,7 @@ void ReadVertexFields(V& v, const AcDbRawTags& tags) {
         double d = Real(tag.value);
         switch (tag.code) {
             case 10: case 20: case 30: SetAxis(v.position, tag.code, 10, d); break;
-            case 70: v.flags = static_cast<int>(d); break;
+            case 70: v.flags = static_cast<int>(Integer(tag.value)); break;
             default:
                 if constexpr (std::is_same_v<V, AcDb2dVertex>) {
                     if (tag.code == 40) v.startWidth = d;
