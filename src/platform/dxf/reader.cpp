@@ -1349,6 +1349,14 @@ void Builder::readHeader(const std::vector<Tag>& record) {
         if (vars.empty()) continue;
         vars.back().second.push_back({t.code, value(t)});
     }
+    // The extents the database keeps, so that a save without a new measure keeps the file's.
+    for (const auto& [name, tags] : vars) {
+        if (name != "$EXTMIN" && name != "$EXTMAX") continue;
+        AcGePoint3d p = name == "$EXTMIN" ? m_db.extmin() : m_db.extmax();
+        for (const auto& t : tags)
+            if (t.code == 10 || t.code == 20 || t.code == 30) SetAxis(p, t.code, 10, Real(t.value));
+        name == "$EXTMIN" ? m_db.setExtmin(p) : m_db.setExtmax(p);
+    }
 }
 
 void Builder::resolveNames() {

@@ -11,7 +11,7 @@ namespace {
 
 const std::string kDrawing =
     "  0\nSECTION\n  2\nHEADER\n  9\n$ACADVER\n  1\nAC1018\n  9\n$DWGCODEPAGE\n  3\nANSI_936\n"
-    "  9\n$HANDSEED\n  5\n100\n  0\nENDSEC\n"
+    "  9\n$HANDSEED\n  5\n100\n  9\n$EXTMIN\n 10\n-1.5\n 20\n-2.5\n 30\n0.0\n  0\nENDSEC\n"
     "  0\nSECTION\n  2\nTABLES\n  0\nENDSEC\n  0\nSECTION\n  2\nBLOCKS\n  0\nENDSEC\n"
     "  0\nSECTION\n  2\nENTITIES\n"
     "  0\nLINE\n  5\n2A\n330\n1F\n100\nAcDbEntity\n  8\nWALLS\n100\nAcDbLine\n 10\n1.0\n 20\n2.0\n"
@@ -43,6 +43,15 @@ TEST(Lossless, UnknownSubclassAndExtensionDataStayInPlaceWhileChangedValuesAreWr
     EXPECT_NE(out.find(" 10\n1.0\n 20\n2.0\n 30\n0.0\n 11\n30.0\n 21\n40.0\n 31\n0.0\n"
                        "100\nAcDbVendorExtra\n 90\n77\n1001\nVENDOR\n1000\nkeep me\n"),
               std::string::npos) << out;
+}
+
+TEST(Lossless, HeaderExtentsSurviveASave) {
+    AcDbDatabase db(false, true);
+    ASSERT_EQ(dxf::ReadDxfBytes(db, kDrawing, "in.dxf"), Acad::eOk);
+    EXPECT_DOUBLE_EQ(db.extmin().x, -1.5);
+    std::string out;
+    dxf::WriteDxfText(db, {}, out);
+    EXPECT_NE(out.find("$EXTMIN\n 10\n-1.5\n 20\n-2.5\n 30\n0.0\n"), std::string::npos) << out;
 }
 
 TEST(Lossless, UnknownEntityIsWrittenWhole) {
