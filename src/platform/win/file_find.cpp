@@ -32,15 +32,15 @@ BOOL CFileFind::FindFile(LPCTSTR name, DWORD) {
     std::wstring pattern = name ? name : L"*.*";
     size_t split = pattern.find_last_of(L"\\/");
     std::wstring folder = split == std::wstring::npos ? Host().currentDirectory : pattern.substr(0, split);
-    std::wstring spec = split == std::wstring::npos ? pattern : pattern.substr(split + 1);
+    std::wstring namePattern = split == std::wstring::npos ? pattern : pattern.substr(split + 1);
     while (folder.size() > 1 && (folder.back() == L'\\' || folder.back() == L'/')) folder.pop_back();
-    if (spec.empty()) return FALSE;
+    if (namePattern.empty()) return FALSE;
     root_ = folder;
     std::wstring lookup = folder.size() == 2 && folder[1] == L':' ? folder + L"\\" : folder;
     fs::path base = ResolvePath(lookup.empty() ? L"\\" : lookup);
 
-    if (!HasWildcards(spec)) {
-        fs::path file = ResolvePath(lookup + L"\\" + spec);
+    if (!HasWildcards(namePattern)) {
+        fs::path file = ResolvePath(lookup + L"\\" + namePattern);
         std::error_code error;
         if (!fs::exists(file, error)) return FALSE;
         hits_.push_back(MakeHit(WideFromUtf8(file.filename().string()), file));
@@ -49,11 +49,11 @@ BOOL CFileFind::FindFile(LPCTSTR name, DWORD) {
     std::error_code error;
     for (const fs::directory_entry& entry : fs::directory_iterator(base, error)) {
         std::wstring entryName = WideFromUtf8(entry.path().filename().string());
-        if (MatchFileSpec(spec, entryName)) hits_.push_back(MakeHit(entryName, entry.path()));
+        if (MatchFileSpec(namePattern, entryName)) hits_.push_back(MakeHit(entryName, entry.path()));
     }
     if (!IsRootFolder(folder)) {
         for (const wchar_t* dots : {L".", L".."})
-            if (MatchFileSpec(spec, dots)) hits_.push_back({dots, FILE_ATTRIBUTE_DIRECTORY, 0});
+            if (MatchFileSpec(namePattern, dots)) hits_.push_back({dots, FILE_ATTRIBUTE_DIRECTORY, 0});
     }
     std::sort(hits_.begin(), hits_.end(),
               [](const Hit& a, const Hit& b) { return UpperCase(a.name) < UpperCase(b.name); });

@@ -45,27 +45,27 @@ std::vector<BYTE> Utf16ToWideBytes(const std::vector<BYTE>& utf16) {
     return WideBytes(text);
 }
 
-bool ParseValue(std::wstring_view spec, RegistryValue& value) {
-    if (spec.starts_with(L"\"")) {
+bool ParseValue(std::wstring_view valueText, RegistryValue& value) {
+    if (valueText.starts_with(L"\"")) {
         size_t pos = 0;
-        value = {REG_SZ, WideBytes(ReadQuoted(spec, pos))};
+        value = {REG_SZ, WideBytes(ReadQuoted(valueText, pos))};
         return true;
     }
-    if (spec.starts_with(L"dword:")) {
-        DWORD number = static_cast<DWORD>(std::wcstoul(std::wstring(spec.substr(6)).c_str(), nullptr, 16));
+    if (valueText.starts_with(L"dword:")) {
+        DWORD number = static_cast<DWORD>(std::wcstoul(std::wstring(valueText.substr(6)).c_str(), nullptr, 16));
         value = {REG_DWORD, std::vector<BYTE>(4)};
         std::memcpy(value.data.data(), &number, 4);
         return true;
     }
-    if (spec.starts_with(L"hex:")) {
-        value = {REG_BINARY, HexBytes(spec.substr(4))};
+    if (valueText.starts_with(L"hex:")) {
+        value = {REG_BINARY, HexBytes(valueText.substr(4))};
         return true;
     }
-    if (spec.starts_with(L"hex(")) {
-        size_t close = spec.find(L"):");
+    if (valueText.starts_with(L"hex(")) {
+        size_t close = valueText.find(L"):");
         if (close == std::wstring_view::npos) return false;
-        DWORD type = static_cast<DWORD>(std::wcstoul(std::wstring(spec.substr(4, close - 4)).c_str(), nullptr, 16));
-        std::vector<BYTE> bytes = HexBytes(spec.substr(close + 2));
+        DWORD type = static_cast<DWORD>(std::wcstoul(std::wstring(valueText.substr(4, close - 4)).c_str(), nullptr, 16));
+        std::vector<BYTE> bytes = HexBytes(valueText.substr(close + 2));
         bool text = type == REG_EXPAND_SZ || type == REG_MULTI_SZ;
         value = {type, text ? Utf16ToWideBytes(bytes) : bytes};
         if (type == REG_MULTI_SZ) value.data.resize(value.data.size() + sizeof(wchar_t), 0);
