@@ -134,6 +134,15 @@ void AppendNumber(std::string& text, long long v) {
     text.append(buffer, ptr);
 }
 
+// Reads one little-endian integer of a binary file and appends it as ASCII text.
+template <typename T>
+bool CopyBinaryInteger(std::string_view data, size_t& pos, std::string& text) {
+    T v = 0;
+    if (!ReadRaw(data, pos, v)) return false;
+    AppendNumber(text, v);
+    return true;
+}
+
 }  // namespace
 
 bool BinaryToText(std::string_view data, std::string& text, std::string& error) {
@@ -168,30 +177,18 @@ bool BinaryToText(std::string_view data, std::string& text, std::string& error) 
                 FormatDouble(d, text);
                 break;
             }
-            case ValueKind::kInt16: {
-                std::int16_t v = 0;
-                ok = ReadRaw(data, pos, v);
-                AppendNumber(text, v);
+            case ValueKind::kInt16:
+                ok = CopyBinaryInteger<std::int16_t>(data, pos, text);
                 break;
-            }
-            case ValueKind::kInt32: {
-                std::int32_t v = 0;
-                ok = ReadRaw(data, pos, v);
-                AppendNumber(text, v);
+            case ValueKind::kInt32:
+                ok = CopyBinaryInteger<std::int32_t>(data, pos, text);
                 break;
-            }
-            case ValueKind::kInt64: {
-                std::int64_t v = 0;
-                ok = ReadRaw(data, pos, v);
-                AppendNumber(text, v);
+            case ValueKind::kInt64:
+                ok = CopyBinaryInteger<std::int64_t>(data, pos, text);
                 break;
-            }
-            case ValueKind::kBool: {
-                std::uint8_t v = 0;
-                ok = ReadRaw(data, pos, v);
-                AppendNumber(text, v);
+            case ValueKind::kBool:
+                ok = CopyBinaryInteger<std::uint8_t>(data, pos, text);
                 break;
-            }
             case ValueKind::kBinary: {
                 std::uint8_t n = 0;
                 ok = ReadRaw(data, pos, n) && pos + n <= data.size();
