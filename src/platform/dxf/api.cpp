@@ -3,18 +3,14 @@
 
 #include "platform/dxf/dxf.hpp"
 #include "platform/dxf/model.hpp"
+#include "platform/win/codepage.hpp"
+#include "platform/win/paths.hpp"
 
-namespace dxf {
-namespace {
-int g_hostCodePage = 936;
-}
-void SetSaveCodePage(int codePage) { g_hostCodePage = codePage; }
-int SaveCodePage() { return g_hostCodePage; }
-}  // namespace dxf
 
 Acad::ErrorStatus AcDbDatabase::readDwgFile(const ACHAR* fileName, int, bool, const wchar_t*) {
     if (fileName == nullptr) return Acad::eNoFileName;
-    std::string path = dxf::Utf8(fileName);
+    // Drawings are named by Windows paths, resolved through the prefix.
+    std::string path = ResolvePath(fileName).string();
     std::ifstream in(path, std::ios::binary);
     char head[32] = {};
     in.read(head, sizeof head);
@@ -34,8 +30,8 @@ Acad::ErrorStatus AcDbDatabase::readDwgFile(const ACHAR* fileName, int, bool, co
 Acad::ErrorStatus AcDbDatabase::saveAs(const ACHAR* fileName) {
     if (fileName == nullptr) return Acad::eNoFileName;
     dxf::WriteOptions options;
-    options.codePage = dxf::SaveCodePage();
-    return dxf::WriteDxfFile(*this, dxf::Utf8(fileName), options);
+    options.codePage = static_cast<int>(HostCodePage());  // the host writes in its ANSI code page
+    return dxf::WriteDxfFile(*this, ResolvePath(fileName).string(), options);
 }
 
 Acad::ErrorStatus acdbSaveAs2004(AcDbDatabase* db, const ACHAR* fileName) {

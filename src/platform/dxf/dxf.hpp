@@ -52,8 +52,3 @@ AcDb::AcDbDwgVersion VersionFromName(std::string_view name);
 
 }  // namespace dxf
 
-namespace dxf {
-// The host code page that saves through the host's entry points use (936 unless set).
-void SetSaveCodePage(int codePage);
-int SaveCodePage();
-}  // namespace dxf

@@ -112,6 +112,13 @@ BOOL CWinApp::PumpMessage() {
     return TRUE;
 }
 
+Acad::ErrorStatus AcApDocManager::setDefaultFormatForSave(int format) {
+    Editor().defaultSaveFormat = format;
+    return Acad::eOk;
+}
+
+int AcApDocManager::defaultFormatForSave() const { return Editor().defaultSaveFormat; }
+
 CView* acedGetAcadDwgView() {
     static CView view;
     return &view;

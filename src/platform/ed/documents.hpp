@@ -70,6 +70,10 @@ public:
     void executeInApplicationContext(void (*function)(void*), void* data);
     bool isApplicationContext() const;
     Acad::ErrorStatus setCurDocument(AcApDocument* document);
+    // The file format of later saves (24: the 2004 drawing format); kept, and read back by
+    // defaultFormatForSave.
+    Acad::ErrorStatus setDefaultFormatForSave(int format);
+    int defaultFormatForSave() const;
     void addReactor(AcApDocManagerReactor* reactor);
     void removeReactor(AcApDocManagerReactor* reactor);
 };

@@ -12,6 +12,7 @@
 #include "platform/ed/input.hpp"
 #include "platform/ed/modules.hpp"
 #include "platform/ed/status_bar.hpp"
+#include "platform/ed/views.hpp"
 
 struct LispFunction {
     std::wstring name;
@@ -40,6 +41,8 @@ struct EditorState {
     ProgressMeter progress;
     bool drawProgress = false;  // true when stderr is a terminal
     HostInputSource input;      // the command line's source of lines
+    CurrentViewRecord currentView;
+    int defaultSaveFormat = 24;
 };
 
 EditorState& Editor();

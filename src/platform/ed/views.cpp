@@ -1,0 +1,12 @@
+#include "platform/ed/views.hpp"
+
+#include "platform/db/symbol_tables.hpp"
+#include "platform/ed/editor_state.hpp"
+
+Acad::ErrorStatus acedSetCurrentView(AcDbViewTableRecord* view, AcDbViewport*) {
+    if (view == nullptr) return Acad::eNullObjectPointer;
+    Editor().currentView = {true, view->centerPoint(), view->width(), view->height()};
+    return Acad::eOk;
+}
+
+const CurrentViewRecord& CurrentView() { return Editor().currentView; }
