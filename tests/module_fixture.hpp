@@ -27,6 +27,11 @@ protected:
         std::ofstream(file, std::ios::binary) << bytes;
         return file;
     }
+    // Writes a text encoded in a code page at a Windows path.
+    std::filesystem::path WriteText(std::wstring_view windowsPath, std::wstring_view text,
+                                    UINT codePage = 936) {
+        return WriteAt(windowsPath, Encoded(text, codePage));
+    }
     std::string ReadAt(std::wstring_view windowsPath) { return ReadBytes(ResolvePath(windowsPath)); }
     bool ExistsAt(std::wstring_view windowsPath) {
         return std::filesystem::exists(ResolvePath(windowsPath));

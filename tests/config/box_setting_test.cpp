@@ -10,13 +10,10 @@ namespace {
 
 constexpr const wchar_t* kPath = L"D:\\Tool\\config\\标准图框\\boxsetting.txt";
 
-class Box : public ModuleTest {
-protected:
-    void Write(const std::wstring& text) { WriteAt(kPath, Encoded(text)); }
-};
+using Box = ModuleTest;
 
 TEST_F(Box, RowsOfBothSectionsAreReadInFileOrder) {
-    Write(L"[SHTWCH]\r\n*-A*, a3.dwg \r\n*,a4.dwg\r\n[ATTWCH]\r\n设计,张三\r\n");
+    WriteText(kPath, L"[SHTWCH]\r\n*-A*, a3.dwg \r\n*,a4.dwg\r\n[ATTWCH]\r\n设计,张三\r\n");
     BoxSetting box(kPath);
     ASSERT_EQ(box.frameMatches.size(), 2u);
     EXPECT_EQ(box.frameMatches[0].pattern, L"*-A*");
@@ -31,7 +28,7 @@ TEST_F(Box, RowsOfBothSectionsAreReadInFileOrder) {
 }
 
 TEST_F(Box, ReadTwiceTheArraysHoldTheRowsOnce) {
-    Write(L"[SHTWCH]\r\nP*,A3.DWG\r\n[ATTWCH]\r\nMAT,P20\r\n");
+    WriteText(kPath, L"[SHTWCH]\r\nP*,A3.DWG\r\n[ATTWCH]\r\nMAT,P20\r\n");
     BoxSetting box(kPath);
     box.Read();
     EXPECT_EQ(box.frameMatches.size(), 1u);
@@ -39,7 +36,7 @@ TEST_F(Box, ReadTwiceTheArraysHoldTheRowsOnce) {
 }
 
 TEST_F(Box, AReadDropsTheAttributesThatASheetAdded) {
-    Write(L"[ATTWCH]\r\nMAT,P20\r\n");
+    WriteText(kPath, L"[ATTWCH]\r\nMAT,P20\r\n");
     BoxSetting box(kPath);
     box.attributes.push_back({L"PART", L"P-1", AcDbObjectId::kNull});
     box.Read();
@@ -48,7 +45,7 @@ TEST_F(Box, AReadDropsTheAttributesThatASheetAdded) {
 }
 
 TEST_F(Box, ALineAheadOfTheFirstSectionGoesToShtwchOnTheFirstRead) {
-    Write(L"P*,A3.DWG\r\n[ATTWCH]\r\nMAT,P20\r\n");
+    WriteText(kPath, L"P*,A3.DWG\r\n[ATTWCH]\r\nMAT,P20\r\n");
     BoxSetting box(kPath);
     ASSERT_EQ(box.frameMatches.size(), 1u);
     EXPECT_EQ(box.frameMatches[0].pattern, L"P*");
@@ -56,7 +53,7 @@ TEST_F(Box, ALineAheadOfTheFirstSectionGoesToShtwchOnTheFirstRead) {
 }
 
 TEST_F(Box, OnALaterReadItGoesToTheSectionTheFileEndedWith) {
-    Write(L"P*,A3.DWG\r\n[ATTWCH]\r\nMAT,P20\r\n");
+    WriteText(kPath, L"P*,A3.DWG\r\n[ATTWCH]\r\nMAT,P20\r\n");
     BoxSetting box(kPath);
     box.Read();
     EXPECT_TRUE(box.frameMatches.empty());
@@ -66,7 +63,7 @@ TEST_F(Box, OnALaterReadItGoesToTheSectionTheFileEndedWith) {
 }
 
 TEST_F(Box, PatternsAreUpperCaseAfterTheRead) {
-    Write(L"[shtwch]\r\nplate-?,frame_a3.dwg\r\n");
+    WriteText(kPath, L"[shtwch]\r\nplate-?,frame_a3.dwg\r\n");
     BoxSetting box(kPath);
     ASSERT_EQ(box.frameMatches.size(), 1u);
     EXPECT_EQ(box.frameMatches[0].pattern, L"PLATE-?");
@@ -74,14 +71,14 @@ TEST_F(Box, PatternsAreUpperCaseAfterTheRead) {
 }
 
 TEST_F(Box, CommentsEmptyLinesAndLinesWithoutCommaAreSkipped) {
-    Write(L"[SHTWCH]\r\n// P*,A2.DWG\r\n;Q*,A1.DWG\r\n\r\nR* A0.DWG\r\nS*,A4.DWG\r\n");
+    WriteText(kPath, L"[SHTWCH]\r\n// P*,A2.DWG\r\n;Q*,A1.DWG\r\n\r\nR* A0.DWG\r\nS*,A4.DWG\r\n");
     BoxSetting box(kPath);
     ASSERT_EQ(box.frameMatches.size(), 1u);
     EXPECT_EQ(box.frameMatches[0].pattern, L"S*");
 }
 
 TEST_F(Box, AMissingFileLeavesBothArraysEmpty) {
-    Write(L"[SHTWCH]\r\nP*,A3.DWG\r\n[ATTWCH]\r\nMAT,P20\r\n");
+    WriteText(kPath, L"[SHTWCH]\r\nP*,A3.DWG\r\n[ATTWCH]\r\nMAT,P20\r\n");
     BoxSetting box(kPath);
     std::filesystem::remove(ResolvePath(kPath));
     box.Read();

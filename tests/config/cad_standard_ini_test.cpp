@@ -32,13 +32,10 @@ constexpr const wchar_t* kFullFile =
     L"[SCRSET]\r\n"
     L"1,_red\r\n3,_green\r\n5,_blue\r\n";
 
-class CadStandard : public ModuleTest {
-protected:
-    void Write(const std::wstring& text) { WriteAt(kPath, Encoded(text)); }
-};
+using CadStandard = ModuleTest;
 
 TEST_F(CadStandard, EveryKeyOfLayerIsAnUpperCaseName) {
-    Write(kFullFile);
+    WriteText(kPath, kFullFile);
     CadStandardIni ini(kPath);
     const LayerKeys& k = ini.layer;
     EXPECT_EQ(k.USTAND, L"USTAND");
@@ -56,7 +53,7 @@ TEST_F(CadStandard, EveryKeyOfLayerIsAnUpperCaseName) {
 }
 
 TEST_F(CadStandard, EveryKeyOfDimstyleHasItsType) {
-    Write(kFullFile);
+    WriteText(kPath, kFullFile);
     CadStandardIni ini(kPath);
     const DimStyleKeys& k = ini.dimStyle;
     EXPECT_EQ(k.DIMSTYLE, L"ISO-25");
@@ -84,7 +81,7 @@ TEST_F(CadStandard, EveryKeyOfDimstyleHasItsType) {
 }
 
 TEST_F(CadStandard, EveryKeyOfSundryHasItsType) {
-    Write(kFullFile);
+    WriteText(kPath, kFullFile);
     CadStandardIni ini(kPath);
     const SundryKeys& k = ini.sundry;
     EXPECT_EQ(k.HOLECA, 0);
@@ -118,7 +115,7 @@ TEST_F(CadStandard, EveryKeyOfSundryHasItsType) {
 }
 
 TEST_F(CadStandard, ScrsetRowsAreColourNumbersAndSuffixes) {
-    Write(kFullFile);
+    WriteText(kPath, kFullFile);
     CadStandardIni ini(kPath);
     ASSERT_EQ(ini.colorLayers.size(), 3u);
     EXPECT_EQ(ini.colorLayers[0].color, 1);
@@ -128,7 +125,7 @@ TEST_F(CadStandard, ScrsetRowsAreColourNumbersAndSuffixes) {
 }
 
 TEST_F(CadStandard, AfterTwoReadsThreeScrsetRowsStandSixTimesAndTheFirstMatchIsUnchanged) {
-    Write(L"[SCRSET]\r\n1,_A\r\n2,_B\r\n1,_C\r\n");
+    WriteText(kPath, L"[SCRSET]\r\n1,_A\r\n2,_B\r\n1,_C\r\n");
     CadStandardIni ini(kPath);
     ini.Read();
     ASSERT_EQ(ini.colorLayers.size(), 6u);
@@ -139,7 +136,7 @@ TEST_F(CadStandard, AfterTwoReadsThreeScrsetRowsStandSixTimesAndTheFirstMatchIsU
 }
 
 TEST_F(CadStandard, ALineAheadOfTheFirstSectionGoesToLayerOnTheFirstRead) {
-    Write(L"DIM,dimlayer\r\n[SUNDRY]\r\nSAVEQ,1\r\n");
+    WriteText(kPath, L"DIM,dimlayer\r\n[SUNDRY]\r\nSAVEQ,1\r\n");
     CadStandardIni ini(kPath);
     EXPECT_EQ(ini.layer.DIM, L"DIMLAYER");
     EXPECT_FALSE(ini.sundry.DIM);
@@ -147,7 +144,7 @@ TEST_F(CadStandard, ALineAheadOfTheFirstSectionGoesToLayerOnTheFirstRead) {
 }
 
 TEST_F(CadStandard, OnALaterReadItGoesToTheSectionTheFileEndedWith) {
-    Write(L"DIM,1\r\n[SUNDRY]\r\nSAVEQ,1\r\n");
+    WriteText(kPath, L"DIM,1\r\n[SUNDRY]\r\nSAVEQ,1\r\n");
     CadStandardIni ini(kPath);
     EXPECT_EQ(ini.layer.DIM, L"1");
     EXPECT_FALSE(ini.sundry.DIM);
@@ -156,17 +153,17 @@ TEST_F(CadStandard, OnALaterReadItGoesToTheSectionTheFileEndedWith) {
 }
 
 TEST_F(CadStandard, DimtihZeroIsFalseAndTwoIsTrue) {
-    Write(L"[DIMSTYLE]\r\nDIMTIH,0\r\nDIMTOH,2\r\n");
+    WriteText(kPath, L"[DIMSTYLE]\r\nDIMTIH,0\r\nDIMTOH,2\r\n");
     CadStandardIni ini(kPath);
     EXPECT_FALSE(ini.dimStyle.DIMTIH);
     EXPECT_TRUE(ini.dimStyle.DIMTOH);
-    Write(L"[DIMSTYLE]\r\nDIMTIH,2\r\n");
+    WriteText(kPath, L"[DIMSTYLE]\r\nDIMTIH,2\r\n");
     ini.Read();
     EXPECT_TRUE(ini.dimStyle.DIMTIH);
 }
 
 TEST_F(CadStandard, RedTolerReadsFirstAsMinusTheLowerAndSecondAsTheUpper) {
-    Write(L"[SUNDRY]\r\nRedToler,0.02^0.01\r\n");
+    WriteText(kPath, L"[SUNDRY]\r\nRedToler,0.02^0.01\r\n");
     CadStandardIni ini(kPath);
     EXPECT_DOUBLE_EQ(ini.sundry.RedToler.first, -0.01);
     EXPECT_DOUBLE_EQ(ini.sundry.RedToler.second, 0.02);
@@ -204,37 +201,37 @@ TEST_F(CadStandard, NumbersNearZeroBecomeZeroAndUnreadableTextZero) {
 }
 
 TEST_F(CadStandard, DimdecIsTheNumberTruncatedAndNotTheIntegerReading) {
-    Write(L"[DIMSTYLE]\r\nDIMDEC,1E1\r\nDIMTDEC,1E1\r\n");
+    WriteText(kPath, L"[DIMSTYLE]\r\nDIMDEC,1E1\r\nDIMTDEC,1E1\r\n");
     CadStandardIni ini(kPath);
     EXPECT_EQ(ini.dimStyle.DIMDEC, 10);
     EXPECT_EQ(ini.dimStyle.DIMTDEC, 1);
-    Write(L"[DIMSTYLE]\r\nDIMDEC,-2.9\r\n");
+    WriteText(kPath, L"[DIMSTYLE]\r\nDIMDEC,-2.9\r\n");
     ini.Read();
     EXPECT_EQ(ini.dimStyle.DIMDEC, -2);
 }
 
 TEST_F(CadStandard, LowerCaseLayerNamesArriveInUpperCase) {
-    Write(L"[layer]\r\nbigfram,frame-lines\r\n");
+    WriteText(kPath, L"[layer]\r\nbigfram,frame-lines\r\n");
     CadStandardIni ini(kPath);
     EXPECT_EQ(ini.layer.BIGFRAM, L"FRAME-LINES");
 }
 
 TEST_F(CadStandard, KeysAreMatchedWithoutRegardToCase) {
-    Write(L"[SUNDRY]\r\nREDDEC,3\r\nreddec2,4\r\n  conertoler , 0.1^0.2 \r\n");
+    WriteText(kPath, L"[SUNDRY]\r\nREDDEC,3\r\nreddec2,4\r\n  conertoler , 0.1^0.2 \r\n");
     CadStandardIni ini(kPath);
     EXPECT_EQ(ini.sundry.Reddec, 3);
     EXPECT_DOUBLE_EQ(ini.sundry.ConerToler.second, 0.1);
 }
 
 TEST_F(CadStandard, AValueWithACommaLosesAllBehindTheComma) {
-    Write(L"[SUNDRY]\r\nCOMPANY,Acme,Moulds\r\nXMAX,1,5\r\n");
+    WriteText(kPath, L"[SUNDRY]\r\nCOMPANY,Acme,Moulds\r\nXMAX,1,5\r\n");
     CadStandardIni ini(kPath);
     EXPECT_EQ(ini.sundry.COMPANY, L"ACME");
     EXPECT_DOUBLE_EQ(ini.sundry.XMAX, 1.0);
 }
 
 TEST_F(CadStandard, ACommentBehindAValueBecomesPartOfIt) {
-    Write(L"[LAYER]\r\nFRONT,VIEW1 // main view\r\n// TOP,X\r\n;LEFT,Y\r\n");
+    WriteText(kPath, L"[LAYER]\r\nFRONT,VIEW1 // main view\r\n// TOP,X\r\n;LEFT,Y\r\n");
     CadStandardIni ini(kPath);
     EXPECT_EQ(ini.layer.FRONT, L"VIEW1 // MAIN VIEW");
     EXPECT_EQ(ini.layer.TOP, L"");
@@ -242,14 +239,14 @@ TEST_F(CadStandard, ACommentBehindAValueBecomesPartOfIt) {
 }
 
 TEST_F(CadStandard, TheSameKeyDimIsANameInLayerAndASwitchInSundry) {
-    Write(L"[LAYER]\r\nDIM,dims\r\n[SUNDRY]\r\nDIM,1\r\n");
+    WriteText(kPath, L"[LAYER]\r\nDIM,dims\r\n[SUNDRY]\r\nDIM,1\r\n");
     CadStandardIni ini(kPath);
     EXPECT_EQ(ini.layer.DIM, L"DIMS");
     EXPECT_TRUE(ini.sundry.DIM);
 }
 
 TEST_F(CadStandard, AKeyOfAnotherSectionIsDropped) {
-    Write(L"[LAYER]\r\nSAVEQ,1\r\nDIMTXT,3\r\n[DIMSTYLE]\r\nFRONT,X\r\n");
+    WriteText(kPath, L"[LAYER]\r\nSAVEQ,1\r\nDIMTXT,3\r\n[DIMSTYLE]\r\nFRONT,X\r\n");
     CadStandardIni ini(kPath);
     EXPECT_FALSE(ini.sundry.SAVEQ);
     EXPECT_EQ(ini.dimStyle.DIMTXT, 0.0);
@@ -257,26 +254,26 @@ TEST_F(CadStandard, AKeyOfAnotherSectionIsDropped) {
 }
 
 TEST_F(CadStandard, AnUnknownSectionLeavesTheFormerInForce) {
-    Write(L"[SUNDRY]\r\n[OTHER]\r\nSAVEQ,1\r\n");
+    WriteText(kPath, L"[SUNDRY]\r\n[OTHER]\r\nSAVEQ,1\r\n");
     CadStandardIni ini(kPath);
     EXPECT_TRUE(ini.sundry.SAVEQ);
     EXPECT_EQ(ini.section, 2);
 }
 
 TEST_F(CadStandard, TextBehindASectionNameIsIgnored) {
-    Write(L"[SUNDRY] 杂项设置\r\nSAVEQ,1\r\n");
+    WriteText(kPath, L"[SUNDRY] 杂项设置\r\nSAVEQ,1\r\n");
     CadStandardIni ini(kPath);
     EXPECT_TRUE(ini.sundry.SAVEQ);
 }
 
 TEST_F(CadStandard, ALineWithoutACommaIsSkipped) {
-    Write(L"[SUNDRY]\r\nSAVEQ 1\r\nSAVEQ,\r\n");
+    WriteText(kPath, L"[SUNDRY]\r\nSAVEQ 1\r\nSAVEQ,\r\n");
     CadStandardIni ini(kPath);
     EXPECT_FALSE(ini.sundry.SAVEQ);
 }
 
 TEST_F(CadStandard, AMissingFileSetsMissingAndKeepsEveryValue) {
-    Write(L"[SUNDRY]\r\nSAVEQ,1\r\n");
+    WriteText(kPath, L"[SUNDRY]\r\nSAVEQ,1\r\n");
     CadStandardIni ini(kPath);
     EXPECT_FALSE(ini.missing);
     std::filesystem::remove(ResolvePath(kPath));
@@ -286,9 +283,9 @@ TEST_F(CadStandard, AMissingFileSetsMissingAndKeepsEveryValue) {
 }
 
 TEST_F(CadStandard, AKeyAbsentFromTheFileKeepsWhatAnEarlierReadGaveIt) {
-    Write(L"[SUNDRY]\r\nXMAX,300\r\nYMAX,200\r\n");
+    WriteText(kPath, L"[SUNDRY]\r\nXMAX,300\r\nYMAX,200\r\n");
     CadStandardIni ini(kPath);
-    Write(L"[SUNDRY]\r\nYMAX,100\r\n");
+    WriteText(kPath, L"[SUNDRY]\r\nYMAX,100\r\n");
     ini.Read();
     EXPECT_DOUBLE_EQ(ini.sundry.XMAX, 300.0);
     EXPECT_DOUBLE_EQ(ini.sundry.YMAX, 100.0);

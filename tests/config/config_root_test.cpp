@@ -19,8 +19,6 @@ protected:
         ModuleTest::SetUp();
         SetRegistry(std::wstring(kEnvironmentKey) + L"\"CZConfig\"=\"D:\\\\Tool\"\r\n");
     }
-    // Writes standard.csv in GBK with CRLF line ends.
-    void WriteTable(const std::wstring& text) { WriteAt(kTable, Encoded(text)); }
 };
 
 TEST_F(ConfigRoot, WithoutTheRegistryValueTheRootIsEmpty) {
@@ -44,57 +42,57 @@ TEST_F(ConfigRoot, WithoutStandardCsvTheRootIsTheConfigFolder) {
 }
 
 TEST_F(ConfigRoot, ARowMarkedValidAddsItsFolder) {
-    WriteTable(L"文件夹名称,有效配置\r\nA,Y\r\nB,N\r\n");
+    WriteText(kTable, L"文件夹名称,有效配置\r\nA,Y\r\nB,N\r\n");
     EXPECT_EQ(GetConfigRoot(), L"D:\\Tool\\config\\A");
 }
 
 TEST_F(ConfigRoot, TwoRowsMarkedValidGiveANestedPath) {
-    WriteTable(L"文件夹名称,有效配置\r\nA,Y\r\nB,Y\r\n");
+    WriteText(kTable, L"文件夹名称,有效配置\r\nA,Y\r\nB,Y\r\n");
     EXPECT_EQ(GetConfigRoot(), L"D:\\Tool\\config\\A\\B");
 }
 
 TEST_F(ConfigRoot, LowerCaseYCountsButABlankBeforeItDoesNot) {
-    WriteTable(L"文件夹名称,有效配置\r\nA,y\r\nB, Y\r\nC,Y \r\n");
+    WriteText(kTable, L"文件夹名称,有效配置\r\nA,y\r\nB, Y\r\nC,Y \r\n");
     EXPECT_EQ(GetConfigRoot(), L"D:\\Tool\\config\\A");
 }
 
 TEST_F(ConfigRoot, ColumnsAreFoundByNameInAnyOrder) {
-    WriteTable(L"说明,有效配置,文件夹名称\r\n旧,N,Old\r\n新,Y,New\r\n");
+    WriteText(kTable, L"说明,有效配置,文件夹名称\r\n旧,N,Old\r\n新,Y,New\r\n");
     EXPECT_EQ(GetConfigRoot(), L"D:\\Tool\\config\\New");
 }
 
 TEST_F(ConfigRoot, AFolderNameInAMissingThirdFieldCountsAsAbsent) {
-    WriteTable(L"说明,有效配置,文件夹名称\r\nx,Y\r\n");
+    WriteText(kTable, L"说明,有效配置,文件夹名称\r\nx,Y\r\n");
     EXPECT_EQ(GetConfigRoot(), L"D:\\Tool\\config");
 }
 
 TEST_F(ConfigRoot, AnEmptyLineInTheTableIsNoRow) {
-    WriteTable(L"文件夹名称,有效配置\r\n\r\nA,Y\r\n");
+    WriteText(kTable, L"文件夹名称,有效配置\r\n\r\nA,Y\r\n");
     EXPECT_EQ(GetConfigRoot(), L"D:\\Tool\\config\\A");
 }
 
 TEST_F(ConfigRoot, AMissingColumnGivesTheConfigFolder) {
-    WriteTable(L"文件夹名称,有效\r\nA,Y\r\n");
+    WriteText(kTable, L"文件夹名称,有效\r\nA,Y\r\n");
     EXPECT_EQ(GetConfigRoot(), L"D:\\Tool\\config");
 }
 
 TEST_F(ConfigRoot, AHeaderOnlyGivesTheConfigFolder) {
-    WriteTable(L"文件夹名称,有效配置\r\n");
+    WriteText(kTable, L"文件夹名称,有效配置\r\n");
     EXPECT_EQ(GetConfigRoot(), L"D:\\Tool\\config");
 }
 
 TEST_F(ConfigRoot, NoRowMarkedValidGivesTheConfigFolder) {
-    WriteTable(L"文件夹名称,有效配置\r\nA,N\r\nB,\r\n");
+    WriteText(kTable, L"文件夹名称,有效配置\r\nA,N\r\nB,\r\n");
     EXPECT_EQ(GetConfigRoot(), L"D:\\Tool\\config");
 }
 
 TEST_F(ConfigRoot, AValidRowWithoutFolderNameIsSkipped) {
-    WriteTable(L"文件夹名称,有效配置\r\n,Y\r\nB,Y\r\n");
+    WriteText(kTable, L"文件夹名称,有效配置\r\n,Y\r\nB,Y\r\n");
     EXPECT_EQ(GetConfigRoot(), L"D:\\Tool\\config\\B");
 }
 
 TEST_F(ConfigRoot, AChineseFolderNameComesBackWide) {
-    WriteTable(L"文件夹名称,有效配置\r\n标准配置,Y\r\n");
+    WriteText(kTable, L"文件夹名称,有效配置\r\n标准配置,Y\r\n");
     EXPECT_EQ(GetConfigRoot(), L"D:\\Tool\\config\\标准配置");
 }
 
@@ -110,9 +108,9 @@ TEST_F(ConfigRoot, AUtf8TableDoesNotMatchTheGbkHeaders) {
 }
 
 TEST_F(ConfigRoot, EachCallReadsTheTableAfresh) {
-    WriteTable(L"文件夹名称,有效配置\r\nA,Y\r\n");
+    WriteText(kTable, L"文件夹名称,有效配置\r\nA,Y\r\n");
     EXPECT_EQ(GetConfigRoot(), L"D:\\Tool\\config\\A");
-    WriteTable(L"文件夹名称,有效配置\r\nB,Y\r\n");
+    WriteText(kTable, L"文件夹名称,有效配置\r\nB,Y\r\n");
     EXPECT_EQ(GetConfigRoot(), L"D:\\Tool\\config\\B");
 }
 

@@ -11,13 +11,10 @@ namespace {
 
 constexpr const wchar_t* kPath = L"D:\\Tool\\config\\CAD\\CAD_layerug.ini";
 
-class LayerUg : public ModuleTest {
-protected:
-    void Write(const std::wstring& text) { WriteAt(kPath, Encoded(text)); }
-};
+using LayerUg = ModuleTest;
 
 TEST_F(LayerUg, AConvertRowInLowerCaseArrivesInUpperCase) {
-    Write(L"[convert]\r\n ug_layer_1 , cad-outline \r\n");
+    WriteText(kPath, L"[convert]\r\n ug_layer_1 , cad-outline \r\n");
     LayerUgIni ini(kPath);
     ASSERT_EQ(ini.conversions.size(), 1u);
     EXPECT_EQ(ini.conversions[0].from, L"UG_LAYER_1");
@@ -27,7 +24,7 @@ TEST_F(LayerUg, AConvertRowInLowerCaseArrivesInUpperCase) {
 }
 
 TEST_F(LayerUg, AFillayNumberStaysText) {
-    Write(L"[FILLAY]\r\n3,轮廓线\r\n03,hidden\r\n");
+    WriteText(kPath, L"[FILLAY]\r\n3,轮廓线\r\n03,hidden\r\n");
     LayerUgIni ini(kPath);
     ASSERT_EQ(ini.fillLayers.size(), 2u);
     EXPECT_EQ(ini.fillLayers[0].number, L"3");
@@ -37,19 +34,19 @@ TEST_F(LayerUg, AFillayNumberStaysText) {
 }
 
 TEST_F(LayerUg, OfTwoSpecialRowsTheLastIsKeptWhole) {
-    Write(L"[SPECIAL]\r\nfirst,1\r\n second , 2 \r\n");
+    WriteText(kPath, L"[SPECIAL]\r\nfirst,1\r\n second , 2 \r\n");
     LayerUgIni ini(kPath);
     EXPECT_EQ(ini.special, L"SECOND , 2");
 }
 
 TEST_F(LayerUg, ASpecialLineWithoutACommaDoesNotReachSpecial) {
-    Write(L"[SPECIAL]\r\nkept,1\r\nno comma here\r\n");
+    WriteText(kPath, L"[SPECIAL]\r\nkept,1\r\nno comma here\r\n");
     LayerUgIni ini(kPath);
     EXPECT_EQ(ini.special, L"KEPT,1");
 }
 
 TEST_F(LayerUg, RowsAreKeptInFileOrderAcrossSections) {
-    Write(L"[CONVERT]\r\nA,1\r\n[FILLAY]\r\n1,X\r\n[CONVERT]\r\nB,2\r\n// C,3\r\n;D,4\r\n");
+    WriteText(kPath, L"[CONVERT]\r\nA,1\r\n[FILLAY]\r\n1,X\r\n[CONVERT]\r\nB,2\r\n// C,3\r\n;D,4\r\n");
     LayerUgIni ini(kPath);
     ASSERT_EQ(ini.conversions.size(), 2u);
     EXPECT_EQ(ini.conversions[0].from, L"A");
@@ -58,7 +55,7 @@ TEST_F(LayerUg, RowsAreKeptInFileOrderAcrossSections) {
 }
 
 TEST_F(LayerUg, LinesAheadOfTheFirstSectionAreIgnoredOnEveryRead) {
-    Write(L"A,1\r\n[CONVERT]\r\nB,2\r\n");
+    WriteText(kPath, L"A,1\r\n[CONVERT]\r\nB,2\r\n");
     LayerUgIni ini(kPath);
     ini.Read();
     ASSERT_EQ(ini.conversions.size(), 2u);
@@ -67,7 +64,7 @@ TEST_F(LayerUg, LinesAheadOfTheFirstSectionAreIgnoredOnEveryRead) {
 }
 
 TEST_F(LayerUg, EachReadAppendsAllRowsAgain) {
-    Write(L"[CONVERT]\r\nA,1\r\nB,2\r\n[FILLAY]\r\n1,X\r\n");
+    WriteText(kPath, L"[CONVERT]\r\nA,1\r\nB,2\r\n[FILLAY]\r\n1,X\r\n");
     LayerUgIni ini(kPath);
     ini.Read();
     ini.Read();
@@ -77,7 +74,7 @@ TEST_F(LayerUg, EachReadAppendsAllRowsAgain) {
 }
 
 TEST_F(LayerUg, AMissingFileSetsMissingAndKeepsTheRows) {
-    Write(L"[CONVERT]\r\nA,1\r\n");
+    WriteText(kPath, L"[CONVERT]\r\nA,1\r\n");
     LayerUgIni ini(kPath);
     std::filesystem::remove(ResolvePath(kPath));
     ini.Read();
