@@ -31,7 +31,7 @@ bool ReadSettingLines(const std::wstring& path, UINT openFlags,
         std::vector<std::wstring> pieces;
         SplitString(line, L",", pieces);
         if (pieces.size() < 2) continue;
-        onSetting({line, UpperCase(TrimBlanks(pieces[0])), TrimBlanks(pieces[1])});
+        onSetting({line, TrimBlanks(pieces[0]), TrimBlanks(pieces[1])});  // upper case already
     }
     file.Close();
     return true;

@@ -119,6 +119,12 @@ TEST_F(ConfigRoot, ChineseToolFolderInTheRegistryComesBackWide) {
     EXPECT_EQ(GetConfigRoot(), L"D:\\工具\\config");
 }
 
+TEST_F(ConfigRoot, FindingTheRootLeavesTheProcessInTheUserLocale) {
+    ASSERT_FALSE(Host().crtUserLocale);
+    GetConfigRoot();
+    EXPECT_TRUE(Host().crtUserLocale);
+}
+
 TEST_F(ConfigRoot, RegistryRootsAreNumberedFromClassesRoot) {
     SetRegistry(L"[HKEY_CURRENT_USER\\Software\\T]\r\n\"V\"=\"user\"\r\n"
                 L"[HKEY_LOCAL_MACHINE\\Software\\T]\r\n\"V\"=\"machine\"\r\n");

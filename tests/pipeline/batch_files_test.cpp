@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "module_fixture.hpp"
+#include "pipeline/logs.hpp"
 #include "platform/win/crt.hpp"
 #include "platform/win/files.hpp"
 
@@ -75,11 +76,21 @@ TEST_F(BatchFiles, AFolderWhoseNameEndsInTheExtensionFindsNothing) {
     EXPECT_TRUE(files.empty());
 }
 
-TEST_F(BatchFiles, AnEmptyExtensionFindsNothing) {
+TEST_F(BatchFiles, ASecondHandOffLineWithoutPointFindsNothing) {
     MakeFolder();
-    WriteAt(L"D:\\in\\README", "x");
+    WriteAt(L"D:\\in\\P-dwg", "x");
+    std::wstring line = L"P-dwg";
+    EXPECT_EQ(FileTitle(line), L"");
     Lines files;
-    ListFilesByExtension(files, L"D:\\in", L"");
+    ListFilesByExtension(files, L"D:\\in", FileExtension(line));
+    EXPECT_TRUE(files.empty());
+}
+
+TEST_F(BatchFiles, AnEmptySecondHandOffLineFindsNothing) {
+    MakeFolder();
+    EXPECT_EQ(FileTitle(L""), L"");
+    Lines files;
+    ListFilesByExtension(files, L"D:\\in", FileExtension(L""));
     EXPECT_TRUE(files.empty());
 }
 
