@@ -171,24 +171,24 @@ TEST_F(CadStandard, RedTolerReadsFirstAsMinusTheLowerAndSecondAsTheUpper) {
 }
 
 TEST_F(CadStandard, AZeroToleranceIsOff) {
-    ToleranceSpec spec = ParseToleranceSpec(L"0^0");
-    EXPECT_EQ(spec.off, 1);
+    ToleranceSpec tolerance = ParseToleranceSpec(L"0^0");
+    EXPECT_EQ(tolerance.off, 1);
     EXPECT_EQ(ParseToleranceSpec(L"0.000001^-0.000009").off, 1);
     EXPECT_EQ(ParseToleranceSpec(L"0^0.00001").off, 0);
 }
 
 TEST_F(CadStandard, AToleranceWithoutCaretIsOffAndNotReadAsANumber) {
-    ToleranceSpec spec = ParseToleranceSpec(L"0.02");
-    EXPECT_EQ(spec.first, 0.0);
-    EXPECT_EQ(spec.second, 0.0);
-    EXPECT_EQ(spec.off, 1);
+    ToleranceSpec tolerance = ParseToleranceSpec(L"0.02");
+    EXPECT_EQ(tolerance.first, 0.0);
+    EXPECT_EQ(tolerance.second, 0.0);
+    EXPECT_EQ(tolerance.off, 1);
     EXPECT_EQ(ParseToleranceSpec(L"0.02^").off, 1);
 }
 
 TEST_F(CadStandard, ToleranceValuesAreNotSnappedToZero) {
-    ToleranceSpec spec = ParseToleranceSpec(L"0.000005^0.5");
-    EXPECT_DOUBLE_EQ(spec.second, 0.000005);
-    EXPECT_DOUBLE_EQ(spec.first, -0.5);
+    ToleranceSpec tolerance = ParseToleranceSpec(L"0.000005^0.5");
+    EXPECT_DOUBLE_EQ(tolerance.second, 0.000005);
+    EXPECT_DOUBLE_EQ(tolerance.first, -0.5);
 }
 
 TEST_F(CadStandard, NumbersNearZeroBecomeZeroAndUnreadableTextZero) {
