@@ -195,6 +195,13 @@ std::string CodePageName(int codePage) {
     return "ANSI_" + std::to_string(codePage == 65001 ? 1252 : codePage);
 }
 
+bool DecodesUnchanged(std::string_view bytes, int codePage) {
+    unsigned char highBit = codePage == 65001 ? 0 : 0x80;
+    for (char c : bytes)
+        if (c == '\\' || (static_cast<unsigned char>(c) & highBit) != 0) return false;
+    return true;
+}
+
 void DecodeText(std::string_view bytes, int codePage, std::string& out) {
     out.clear();
     std::string decoded;

@@ -16,6 +16,9 @@ std::string CodePageName(int codePage);
 // Bytes of a code page to UTF-8, with \U+ and \M+ escapes decoded. Bytes that do not decode
 // become U+FFFD. codePage 65001 means the bytes already are UTF-8.
 void DecodeText(std::string_view bytes, int codePage, std::string& out);
+// True when DecodeText would give the bytes back as they are (ASCII without escapes, or UTF-8
+// without escapes): the common case that needs no copy.
+bool DecodesUnchanged(std::string_view bytes, int codePage);
 // UTF-8 to the bytes of a code page; characters the code page lacks become \U+XXXX.
 // codePage 65001 copies the UTF-8 as it is.
 void EncodeText(std::string_view utf8, int codePage, std::string& out);

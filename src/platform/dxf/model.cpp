@@ -1,6 +1,7 @@
 #include "platform/dxf/model.hpp"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 
 #include "platform/db/arc.hpp"
@@ -22,8 +23,16 @@
 
 namespace dxf {
 
-bool Subclass::owns(int code) const {
-    return std::find(owned.begin(), owned.end(), code) != owned.end();
+void Model::clear() {
+    subclasses.clear();
+    fields.clear();
+    owned.clear();
+}
+
+bool Model::owns(const Subclass& s, int code) const {
+    auto first = owned.begin() + static_cast<long>(s.ownedBegin);
+    auto last = owned.begin() + static_cast<long>(s.ownedEnd);
+    return std::find(first, last, code) != last;
 }
 
 std::string Utf8(std::wstring_view text) {
@@ -68,10 +77,18 @@ std::wstring Wide(std::string_view s) {
     return out;
 }
 
-std::string HandleText(AcDbHandle handle) {
+void AppendHex(std::uint64_t value, std::string& out) {
     char buffer[20];
-    std::snprintf(buffer, sizeof buffer, "%llX", static_cast<unsigned long long>(handle.value()));
-    return buffer;
+    auto [end, ec] = std::to_chars(buffer, buffer + sizeof buffer, value, 16);
+    for (char* c = buffer; c != end; ++c)
+        if (*c >= 'a') *c = static_cast<char>(*c - 'a' + 'A');
+    out.append(buffer, end);
+}
+
+std::string HandleText(AcDbHandle handle) {
+    std::string text;
+    AppendHex(handle.value(), text);
+    return text;
 }
 
 std::wstring RecordName(AcDbObjectId id) {
@@ -80,79 +97,78 @@ std::wstring RecordName(AcDbObjectId id) {
     return record ? record->name() : std::wstring();
 }
 
+void ModelWriter::subclass(std::string_view marker) {
+    size_t f = m_model.fields.size(), o = m_model.owned.size();
+    m_model.subclasses.push_back({marker, f, f, o, o});
+}
+
+void ModelWriter::own(std::initializer_list<int> codes) {
+    m_model.owned.insert(m_model.owned.end(), codes.begin(), codes.end());
+    m_model.subclasses.back().ownedEnd = m_model.owned.size();
+}
+
+Field& ModelWriter::add(int code, Field::Kind kind) {
+    Field& f = m_model.fields.emplace_back();
+    f.code = code;
+    f.kind = kind;
+    f.run = m_run;
+    f.optional = m_optional;
+    m_model.owned.push_back(code);
+    Subclass& s = m_model.subclasses.back();
+    s.fieldEnd = m_model.fields.size();
+    s.ownedEnd = m_model.owned.size();
+    return f;
+}
+
+void ModelWriter::text(int code, std::string_view value) {
+    add(code, Field::Kind::kText).text = value;
+    m_optional = false;
+}
+
+void ModelWriter::wide(int code, const std::wstring& value) { text(code, Utf8(value)); }
+
+void ModelWriter::real(int code, double value) {
+    add(code, Field::Kind::kReal).real = value;
+    m_optional = false;
+}
+
+void ModelWriter::angle(int code, double radians) { real(code, radians * kDegrees); }
+
+void ModelWriter::integer(int code, long long value) {
+    add(code, Field::Kind::kInteger).integer = value;
+    m_optional = false;
+}
+
+void ModelWriter::handle(int code, AcDbHandle h) {
+    add(code, Field::Kind::kHandle).integer = static_cast<long long>(h.value());
+    m_optional = false;
+}
+
+void ModelWriter::id(int code, AcDbObjectId id) {
+    handle(code, id.isNull() ? AcDbHandle() : id.handle());
+}
+
+void ModelWriter::point(int code, const AcGePoint3d& p) {
+    for (int k = 0; k < 3; ++k) add(code + 10 * k, Field::Kind::kReal).real = p[k];
+    m_optional = false;
+}
+
+void ModelWriter::point2d(int code, const AcGePoint2d& p) {
+    add(code, Field::Kind::kReal).real = p.x;
+    add(code + 10, Field::Kind::kReal).real = p.y;
+    m_optional = false;
+}
+
+void ModelWriter::normal(const AcGeVector3d& n) {
+    optional(n.x == 0.0 && n.y == 0.0 && n.z == 1.0).vector(210, n);
+}
+
+void ModelWriter::name(int code, AcDbObjectId id) {
+    std::wstring n = RecordName(id);
+    if (!n.empty()) wide(code, n);
+}
+
 namespace {
-
-bool IsZAxis(const AcGeVector3d& v) { return v.x == 0.0 && v.y == 0.0 && v.z == 1.0; }
-
-// Appends fields to a model, one subclass at a time.
-class ModelWriter {
-public:
-    ModelWriter(Model& model, bool hasTemplate) : m_model(model), m_hasTemplate(hasTemplate) {}
-    bool hasTemplate() const { return m_hasTemplate; }
-
-    void subclass(std::string marker) { m_model.subclasses.push_back({std::move(marker), {}, {}}); }
-    void own(std::initializer_list<int> codes) {
-        auto& o = current().owned;
-        o.insert(o.end(), codes.begin(), codes.end());
-    }
-    // Marks the values of the next call as optional when they are at their default.
-    ModelWriter& optional(bool atDefault) {
-        m_optional = atDefault;
-        return *this;
-    }
-    void text(int code, std::string value) {
-        add(code, std::move(value));
-        m_optional = false;
-    }
-    void wide(int code, const std::wstring& value) { text(code, Utf8(value)); }
-    void real(int code, double value) {
-        addReal(code, value);
-        m_optional = false;
-    }
-    void angle(int code, double radians) { real(code, radians * kDegrees); }
-    void integer(int code, long long value) { text(code, std::to_string(value)); }
-    void handle(int code, AcDbHandle h) { text(code, HandleText(h)); }
-    void id(int code, AcDbObjectId id) { handle(code, id.isNull() ? AcDbHandle() : id.handle()); }
-    void point(int code, const AcGePoint3d& p) {
-        addReal(code, p.x);
-        addReal(code + 10, p.y);
-        addReal(code + 20, p.z);
-        m_optional = false;
-    }
-    void point2d(int code, const AcGePoint2d& p) {
-        addReal(code, p.x);
-        addReal(code + 10, p.y);
-        m_optional = false;
-    }
-    void vector(int code, const AcGeVector3d& v) { point(code, {v.x, v.y, v.z}); }
-    // The extrusion direction, written only when it is not the z axis.
-    void normal(const AcGeVector3d& n) { optional(IsZAxis(n)).vector(210, n); }
-    void thickness(double t) { optional(t == 0.0).real(39, t); }
-    // A name reference: owned only when it resolves, so an unresolved name of the file stays.
-    void name(int code, AcDbObjectId id) {
-        std::wstring n = RecordName(id);
-        if (!n.empty()) wide(code, n);
-    }
-    void beginRun() { m_run = ++m_runCount; }
-    void endRun() { m_run = 0; }
-
-private:
-    Subclass& current() { return m_model.subclasses.back(); }
-    void add(int code, std::string value) {
-        current().fields.push_back({code, std::move(value), m_run, m_optional});
-        current().owned.push_back(code);
-    }
-    void addReal(int code, double value) {
-        std::string s;
-        FormatDouble(value, s);
-        add(code, std::move(s));
-    }
-    Model& m_model;
-    bool m_hasTemplate;
-    int m_run = 0;
-    int m_runCount = 0;
-    bool m_optional = false;
-};
 
 void HeadOf(const AcDbObject& o, ModelWriter& w, int handleCode = 5) {
     w.subclass("");
@@ -270,10 +286,10 @@ void MTextContents(const std::string& text, ModelWriter& w) {
     while (text.size() - pos > 250) {
         size_t n = 250;
         while (n > 0 && (static_cast<unsigned char>(text[pos + n]) & 0xC0) == 0x80) --n;
-        w.text(3, text.substr(pos, n));
+        w.text(3, std::string_view(text).substr(pos, n));
         pos += n;
     }
-    w.text(1, text.substr(pos));
+    w.text(1, std::string_view(text).substr(pos));
     w.endRun();
 }
 
@@ -597,7 +613,7 @@ void DictionaryModel(const AcDbDictionary& d, ModelWriter& w, bool hardOwner) {
 }
 
 bool UsesHardOwnership(const AcDbObject& o) {
-    for (const auto& t : o.fileTags())
+    for (const AcDbRawTag& t : o.fileTags())
         if (t.code == 360) return true;
     return false;
 }
@@ -642,7 +658,7 @@ void RecordModel(const AcDbSymbolTableRecord& r, ModelWriter& w) {
 std::string TypeName(const AcDbObject& o);
 
 void BuildModel(const AcDbObject& object, bool hasTemplate, Model& model) {
-    model.subclasses.clear();
+    model.clear();
     model.type = TypeName(object);
     ModelWriter w(model, hasTemplate);
     bool isDimStyle = AcDbDimStyleTableRecord::cast(&object) != nullptr;
@@ -662,25 +678,25 @@ void BuildModel(const AcDbObject& object, bool hasTemplate, Model& model) {
 }
 
 void DimVarsToXData(const AcDbDimVars& vars, AcDbRawTags& tags) {
-    tags.push_back({1000, "DSTYLE"});
-    tags.push_back({1002, "{"});
+    tags.push_back(1000, "DSTYLE");
+    tags.push_back(1002, "{");
     for (const auto& [code, v] : vars) {
-        tags.push_back({1070, std::to_string(code)});
+        tags.push_back(1070, std::to_string(code));
         switch (v.kind) {
             case AcDbDimVarValue::kReal: {
                 std::string s;
                 FormatDouble(v.real, s);
-                tags.push_back({1040, s});
+                tags.push_back(1040, s);
                 break;
             }
-            case AcDbDimVarValue::kInt: tags.push_back({1070, std::to_string(v.integer)}); break;
-            case AcDbDimVarValue::kString: tags.push_back({1000, Utf8(v.text)}); break;
+            case AcDbDimVarValue::kInt: tags.push_back(1070, std::to_string(v.integer)); break;
+            case AcDbDimVarValue::kString: tags.push_back(1000, Utf8(v.text)); break;
             case AcDbDimVarValue::kHandle:
-                tags.push_back({1005, HandleText(v.id.isNull() ? AcDbHandle() : v.id.handle())});
+                tags.push_back(1005, HandleText(v.id.isNull() ? AcDbHandle() : v.id.handle()));
                 break;
         }
     }
-    tags.push_back({1002, "}"});
+    tags.push_back(1002, "}");
 }
 
 }  // namespace dxf

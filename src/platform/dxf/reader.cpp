@@ -260,7 +260,7 @@ private:
     // ---- tags ----
     void toRawTags(const std::vector<Tag>& record, AcDbRawTags& tags,
                    std::vector<AcDbObject::XDataGroup>* xdata);
-    std::string value(const Tag& tag);
+    std::string_view value(const Tag& tag);
     AcDbObjectId idOf(std::string_view handleText);
     AcDbHandle handleOf(const AcDbRawTags& tags);
 
@@ -298,36 +298,44 @@ private:
     std::vector<std::pair<AcDbDimension*, std::wstring>> m_dimBlockNames;
     std::vector<std::pair<AcDbLayerTableRecord*, std::wstring>> m_layerLinetypes;
     std::string m_scratch;
+    AcDbRawTags m_packed;
 };
 
-std::string Builder::value(const Tag& tag) {
+// The value as the database keeps it: strings in UTF-8, integers without a plus sign or a
+// fraction. Most values are kept as the file has them.
+std::string_view Builder::value(const Tag& tag) {
     ValueKind kind = KindOfCode(tag.code);
     if (kind == ValueKind::kString) {
+        if (DecodesUnchanged(tag.value, m_facts.codePage)) return tag.value;
         DecodeText(tag.value, m_facts.codePage, m_scratch);
         return m_scratch;
     }
     if (IsIntegerKind(kind)) {
         long long i;
-        if (!ParseInteger(tag.value, i)) return std::to_string(Integer(tag.value));
-        if (!tag.value.empty() && tag.value.front() == '+') return std::to_string(i);
+        bool plain = ParseInteger(tag.value, i);
+        if (!plain || tag.value.front() == '+') {
+            m_scratch = std::to_string(plain ? i : Integer(tag.value));
+            return m_scratch;
+        }
     }
-    return std::string(tag.value);
+    return tag.value;
 }
 
+// Packs the record's tags onto a list (the extension data apart when xdata is given). The tags
+// are packed into a buffer kept between records, so that the list grows once, by their size.
 void Builder::toRawTags(const std::vector<Tag>& record, AcDbRawTags& tags,
                         std::vector<AcDbObject::XDataGroup>* xdata) {
-    tags.reserve(record.size());
+    m_packed.clear();
+    AcDbRawTags* into = &m_packed;
     for (const Tag& t : record) {
         if (xdata && t.code == 1001) {
             xdata->push_back({Wide(value(t)), {}});
+            into = &xdata->back().tags;
             continue;
         }
-        if (xdata && !xdata->empty()) {
-            xdata->back().tags.push_back({t.code, value(t)});
-            continue;
-        }
-        tags.push_back({t.code, value(t)});
+        into->push_back(t.code, value(t));
     }
+    tags.append(m_packed);
 }
 
 AcDbObjectId Builder::idOf(std::string_view text) {
@@ -361,22 +369,21 @@ AcDbObjectId Builder::add(AcDbObject* object, AcDbHandle handle) {
 // The record's head: owner, reactors and extension dictionary.
 void Builder::readHead(AcDbObject& o) {
     const auto& tags = o.fileTags();
+    if (tags.empty()) return;
     bool ownerSeen = false;
-    for (size_t i = 1; i < tags.size(); ++i) {
-        const auto& t = tags[i];
-        if (t.code == 100) break;
-        if (t.code == 102 && t.value == "{ACAD_REACTORS") {
-            for (++i; i < tags.size() && tags[i].code != 102; ++i)
-                if (tags[i].code == 330) {
-                    AcDbObjectId id = idOf(tags[i].value);
+    for (auto it = std::next(tags.begin()), end = tags.end(); it != end && it->code != 100; ++it) {
+        AcDbRawTag t = *it;
+        if (t.code == 102) {
+            bool reactors = t.value == "{ACAD_REACTORS", xdict = t.value == "{ACAD_XDICTIONARY";
+            for (++it; it != end && it->code != 102; ++it) {
+                if (reactors && it->code == 330) {
+                    AcDbObjectId id = idOf(it->value);
                     if (!id.isNull()) o.persistentReactors().append(id);
+                } else if (xdict && it->code == 360) {
+                    o.setExtensionDictionary(idOf(it->value));
                 }
-        } else if (t.code == 102 && t.value == "{ACAD_XDICTIONARY") {
-            for (++i; i < tags.size() && tags[i].code != 102; ++i)
-                if (tags[i].code == 360) o.setExtensionDictionary(idOf(tags[i].value));
-        } else if (t.code == 102) {
-            while (i + 1 < tags.size() && tags[i + 1].code != 102) ++i;
-            ++i;
+            }
+            if (it == end) break;
         } else if (t.code == 330 && !ownerSeen) {
             ownerSeen = true;
             o.setOwnerId(idOf(t.value));
@@ -388,17 +395,19 @@ void Builder::readHead(AcDbObject& o) {
 // groups and stopping at an embedded object.
 template <typename Fn>
 void ForEachBodyTag(const AcDbRawTags& tags, Fn fn) {
+    if (tags.empty()) return;
     std::string_view marker;
-    for (size_t i = 1; i < tags.size(); ++i) {
-        const auto& t = tags[i];
+    for (auto it = std::next(tags.begin()), end = tags.end(); it != end; ++it) {
+        AcDbRawTag t = *it;
         if (t.code == 101) return;
         if (t.code == 100) {
             marker = t.value;
             continue;
         }
         if (t.code == 102) {
-            while (i + 1 < tags.size() && tags[i + 1].code != 102) ++i;
-            ++i;
+            do ++it;
+            while (it != end && it->code != 102);
+            if (it == end) return;
             continue;
         }
         if (marker.empty() && (t.code == 5 || t.code == 105 || t.code == 330)) continue;
@@ -408,7 +417,7 @@ void ForEachBodyTag(const AcDbRawTags& tags, Fn fn) {
 
 void ReadCommon(AcDbEntity& e, std::string_view marker, const AcDbRawTag& t) {
     if (!marker.empty() && marker != "AcDbEntity") return;
-    const std::string& v = t.value;
+    std::string_view v = t.value;
     switch (t.code) {
         case 8: e.setLayerName(Wide(v)); break;
         case 6: e.setLinetypeName(Wide(v)); break;
@@ -509,7 +518,7 @@ void ReadText(T& e, const AcDbRawTags& tags, AcDbDatabase& db, bool attribute) {
     bool hasAlignment = false;
     ForEachBodyTag(tags, [&](std::string_view m, const AcDbRawTag& tag) {
         if (!InEntityPart(m)) return;
-        const std::string& s = tag.value;
+        std::string_view s = tag.value;
         switch (tag.code) {
             case 10: case 20: case 30: SetAxis(p, tag.code, 10, Real(s)); break;
             case 11: case 21: case 31: SetAxis(a, tag.code, 11, Real(s)); hasAlignment = true; break;
@@ -577,7 +586,7 @@ void ReadMText(AcDbMText& e, const AcDbRawTags& tags, AcDbDatabase& db) {
     bool hasDirection = false;
     ForEachBodyTag(tags, [&](std::string_view m, const AcDbRawTag& tag) {
         if (m != "AcDbMText" && !m.empty()) return;
-        const std::string& s = tag.value;
+        std::string_view s = tag.value;
         switch (tag.code) {
             case 10: case 20: case 30: SetAxis(p, tag.code, 10, Real(s)); break;
             case 11: case 21: case 31: SetAxis(d, tag.code, 11, Real(s)); hasDirection = true; break;
@@ -731,7 +740,7 @@ void ReadDimension(AcDbDimension& e, const AcDbRawTags& tags, AcDbDatabase& db,
     DimensionPoints d;
     ForEachBodyTag(tags, [&](std::string_view m, const AcDbRawTag& tag) {
         if (!InEntityPart(m)) return;
-        const std::string& s = tag.value;
+        std::string_view s = tag.value;
         int c = tag.code;
         if (c >= 10 && c <= 36 && c % 10 <= 6) {
             d.p[c % 10][c / 10 - 1] = Real(s);
@@ -938,7 +947,7 @@ void Builder::readDimStyleXData(AcDbDimension& d) {
     auto& groups = d.xData();
     for (size_t g = 0; g < groups.size(); ++g) {
         if (groups[g].appName != L"ACAD") continue;
-        auto& tags = groups[g].tags;
+        std::vector<AcDbRawTag> tags(groups[g].tags.begin(), groups[g].tags.end());
         for (size_t i = 0; i + 1 < tags.size(); ++i) {
             if (tags[i].code != 1000 || tags[i].value != "DSTYLE" || tags[i + 1].code != 1002) continue;
             size_t j = i + 2;
@@ -954,10 +963,14 @@ void Builder::readDimStyleXData(AcDbDimension& d) {
                 d.dimVarOverrides()[static_cast<int>(Integer(tags[j].value))] = value;
             }
             if (j < tags.size() && tags[j].code == 1002) ++j;
-            tags.erase(tags.begin() + static_cast<long>(i), tags.begin() + static_cast<long>(j));
+            // The group without the overrides, which the dimension now holds.
+            AcDbRawTags rest;
+            for (size_t k = 0; k < tags.size(); ++k)
+                if (k < i || k >= j) rest.push_back(tags[k]);
+            groups[g].tags = std::move(rest);
             break;
         }
-        if (tags.empty()) groups.erase(groups.begin() + static_cast<long>(g));
+        if (groups[g].tags.empty()) groups.erase(groups.begin() + static_cast<long>(g));
         return;
     }
 }
@@ -1072,7 +1085,7 @@ void ReadRecordFields(AcDbSymbolTableRecord& r, const AcDbRawTags& tags,
     double height = 1.0, widthOrAspect = 1.0;
     std::vector<double> dashes;
     ForEachBodyTag(tags, [&](std::string_view, const AcDbRawTag& t) {
-        const std::string& s = t.value;
+        std::string_view s = t.value;
         int c = t.code;
         if (c == 2) { r.setName(Wide(s)); return; }
         if (c == 70 && !block) {
@@ -1221,8 +1234,7 @@ void Builder::readEntityRecord(const std::vector<Tag>& record) {
             p3->setSeqEndHandle(h);
             p3->seqEndTags() = std::move(tags);
         } else if (m_openPolyline) {
-            auto& t = m_openPolyline->fileTags();
-            t.insert(t.end(), tags.begin(), tags.end());
+            m_openPolyline->fileTags().append(tags);
         }
         m_openInsert = nullptr;
         m_openPolyline = nullptr;
@@ -1244,8 +1256,7 @@ void Builder::readEntityRecord(const std::vector<Tag>& record) {
             v.fileTags = std::move(tags);
             p3->vertices().push_back(std::move(v));
         } else {
-            auto& t = m_openPolyline->fileTags();
-            t.insert(t.end(), tags.begin(), tags.end());
+            m_openPolyline->fileTags().append(tags);
         }
         return;
     }

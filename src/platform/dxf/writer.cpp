@@ -1,9 +1,10 @@
 // Writing: every object's record as read is the template; the values the database models are
 // laid over it in place, and what it does not model is written back as it was.
+#include <unistd.h>
+
+#include <charconv>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <unistd.h>
 
 #include "platform/db/block_reference.hpp"
 #include "platform/db/block_table_record.hpp"
@@ -20,7 +21,7 @@ namespace dxf {
 
 std::string TypeName(const AcDbObject& o) {
     const auto& t = o.fileTags();
-    if (!t.empty() && t[0].code == 0) return t[0].value;
+    if (!t.empty() && t.front().code == 0) return std::string(t.front().value);
     if (auto* u = AcDbUnknownEntity::cast(&o)) return Utf8(u->dxfName());
     if (auto* u = AcDbUnknownObject::cast(&o)) return Utf8(u->dxfName());
     if (AcDbDimension::cast(&o)) return "DIMENSION";
@@ -34,7 +35,16 @@ std::string TypeName(const AcDbObject& o) {
 
 namespace {
 
-bool SameValue(int code, const std::string& a, const std::string& b) {
+bool EqualIgnoringCase(std::string_view a, std::string_view b) {
+    if (a.size() != b.size()) return false;
+    for (size_t i = 0; i < a.size(); ++i)
+        if (std::toupper(static_cast<unsigned char>(a[i])) != std::toupper(static_cast<unsigned char>(b[i])))
+            return false;
+    return true;
+}
+
+// True when two texts of a group code's value stand for the same value.
+bool SameText(int code, std::string_view a, std::string_view b) {
     if (a == b) return true;
     ValueKind kind = KindOfCode(code);
     if (kind == ValueKind::kDouble) {
@@ -45,14 +55,65 @@ bool SameValue(int code, const std::string& a, const std::string& b) {
         long long x, y;
         return ParseInteger(a, x) && ParseInteger(b, y) && x == y;
     }
-    if (kind == ValueKind::kHandle) return strcasecmp(a.c_str(), b.c_str()) == 0;
+    if (kind == ValueKind::kHandle) return EqualIgnoringCase(a, b);
     return false;
 }
 
+void AppendInteger(long long value, std::string& out) {
+    char buffer[24];
+    auto [end, ec] = std::to_chars(buffer, buffer + sizeof buffer, value);
+    out.append(buffer, end);
+}
+
+// Appends the text of a field's value.
+void AppendField(const Field& f, std::string& out) {
+    switch (f.kind) {
+        case Field::Kind::kText: out += f.text; break;
+        case Field::Kind::kReal: FormatDouble(f.real, out); break;
+        case Field::Kind::kInteger: AppendInteger(f.integer, out); break;
+        case Field::Kind::kHandle: AppendHex(static_cast<std::uint64_t>(f.integer), out); break;
+    }
+}
+
+// True when the template's text stands for the field's value, so that the text is kept as read.
+// Numbers of their own kind compare without formatting the field.
+bool SameValue(const Field& f, std::string_view text) {
+    ValueKind kind = KindOfCode(f.code);
+    if (f.kind == Field::Kind::kReal && kind == ValueKind::kDouble) {
+        double x;
+        return ParseDouble(text, x) && x == f.real;
+    }
+    if (f.kind == Field::Kind::kInteger && IsIntegerKind(kind)) {
+        long long x;
+        return ParseInteger(text, x) && x == f.integer;
+    }
+    if (f.kind == Field::Kind::kText && kind == ValueKind::kString) return text == f.text;
+    std::string own;
+    AppendField(f, own);
+    return SameText(f.code, text, own);
+}
+
+// The state of one subclass while its template segment is walked.
+struct SegmentMerge {
+    bool active = false;
+    Subclass subclass;
+    std::span<const Field> fields;
+    std::vector<char> used;
+    void start(const Model& model, const Subclass& s) {
+        active = true;
+        subclass = s;
+        fields = model.fieldsOf(s);
+        used.assign(fields.size(), 0);
+    }
+};
+
+// Output is written through a buffer of this size when it goes to a file.
+constexpr size_t kFlushBytes = 1 << 20;
+
 class Writer {
 public:
-    Writer(AcDbDatabase& db, const WriteOptions& options, std::string& out)
-        : m_db(db), m_out(out) {
+    Writer(AcDbDatabase& db, const WriteOptions& options, std::string& out, std::FILE* file)
+        : m_db(db), m_out(out), m_file(file) {
         AcDb::AcDbDwgVersion read = db.originalFileVersion();
         m_version = options.keepVersion || read < AcDb::kDHL_1015 ? read : options.version;
         if (m_version == AcDb::kDHL_Unknown) m_version = AcDb::kDHL_1018;
@@ -61,16 +122,22 @@ public:
         m_textCodePage = m_version >= AcDb::kDHL_1021 ? 65001
                          : options.codePage == 65001 ? 20127 : options.codePage;
     }
-    void write();
+    // False when the file could not be written.
+    bool write();
 
 private:
     // ---- output ----
+    void code(int code);
     void tag(int code, std::string_view value);
+    void field(const Field& f);
     void raw(const AcDbRawTags& tags) {
-        for (const auto& t : tags) tag(t.code, t.value);
+        for (const AcDbRawTag& t : tags) tag(t.code, t.value);
     }
+    void flush();
     void object(const AcDbObject& o);
     void merge(const AcDbObject& o, const AcDbRawTags& tmpl, const Model& model);
+    void emitRun(int run);
+    void mergeOwned(const AcDbRawTag& t);
     void xdata(const AcDbObject& o);
 
     // ---- preparation ----
@@ -88,57 +155,67 @@ private:
     void blocks();
     void blockEntities(const AcDbBlockTableRecord& block);
     void entity(const AcDbEntity& e);
+    ModelWriter partModel(std::string_view type, AcDbHandle handle, AcDbHandle owner, bool fresh,
+                          const std::wstring& layer);
     void seqEnd(const AcDbEntity& owner, AcDbHandle handle, const AcDbRawTags& tmpl);
+    template <typename V>
+    void vertex(const V& v, const AcDbEntity& owner);
     void marker(const AcDbBlockTableRecord& block, const AcDbBlockTableRecord::FileMarker& m, bool begin);
     void objects();
 
     AcDbDatabase& m_db;
     std::string& m_out;
+    std::FILE* m_file;  // null when the text stays in m_out
+    bool m_failed = false;
     AcDb::AcDbDwgVersion m_version;
     bool m_r12;
     int m_headerCodePage;
     int m_textCodePage;
-    std::string m_encoded;
+    // Kept from one record to the next, for their storage.
     Model m_model;
+    Model m_partModel;  // of the records that belong to an object (vertices, markers)
+    std::vector<AcDbRawTag> m_template;
+    SegmentMerge m_segment;
 };
 
-void Writer::tag(int code, std::string_view value) {
+void Writer::flush() {
+    if (!m_file) return;
+    if (std::fwrite(m_out.data(), 1, m_out.size(), m_file) != m_out.size()) m_failed = true;
+    m_out.clear();
+}
+
+// The group code line, right-aligned in three columns as the format's writers do.
+void Writer::code(int code) {
+    if (m_file && m_out.size() >= kFlushBytes) flush();
     char buffer[16];
-    int n = std::snprintf(buffer, sizeof buffer, "%3d\n", code);
-    m_out.append(buffer, static_cast<size_t>(n));
-    ValueKind kind = KindOfCode(code);
-    if (kind == ValueKind::kString && m_textCodePage != 65001) {
-        m_encoded.clear();
-        EncodeText(value, m_textCodePage, m_encoded);
-        m_out.append(m_encoded);
-    } else {
-        m_out.append(value);
-    }
+    auto [end, ec] = std::to_chars(buffer, buffer + sizeof buffer, code);
+    auto n = static_cast<size_t>(end - buffer);
+    if (n < 3) m_out.append(3 - n, ' ');
+    m_out.append(buffer, n);
     m_out += '\n';
 }
 
-// The state of one subclass while its template segment is walked.
-struct SegmentMerge {
-    const Subclass* model = nullptr;
-    std::vector<bool> used;
-    std::vector<bool> runDone;
-    void start(const Subclass* s) {
-        model = s;
-        used.assign(s ? s->fields.size() : 0, false);
-        runDone.assign(64, false);
+void Writer::tag(int code, std::string_view value) {
+    this->code(code);
+    if (m_textCodePage != 65001 && KindOfCode(code) == ValueKind::kString)
+        EncodeText(value, m_textCodePage, m_out);
+    else
+        m_out.append(value);
+    m_out += '\n';
+}
+
+void Writer::field(const Field& f) {
+    if (f.kind == Field::Kind::kText) {
+        tag(f.code, f.text);
+        return;
     }
-};
+    code(f.code);
+    AppendField(f, m_out);
+    m_out += '\n';
+}
 
 void Writer::merge(const AcDbObject& o, const AcDbRawTags& tmpl, const Model& model) {
-    auto emitRun = [&](SegmentMerge& seg, int run) {
-        if (run < 64) seg.runDone[static_cast<size_t>(run)] = true;
-        for (size_t i = 0; i < seg.model->fields.size(); ++i)
-            if (seg.model->fields[i].run == run) {
-                seg.used[i] = true;
-                if (!seg.model->fields[i].optional)
-                    tag(seg.model->fields[i].code, seg.model->fields[i].text);
-            }
-    };
+    SegmentMerge& seg = m_segment;
     auto headGroups = [&](bool xdict, bool reactors) {
         if (m_r12) return;
         if (xdict && !o.extensionDictionary().isNull()) {
@@ -152,131 +229,136 @@ void Writer::merge(const AcDbObject& o, const AcDbRawTags& tmpl, const Model& mo
             tag(102, "}");
         }
     };
-    auto finish = [&](SegmentMerge& seg, bool head) {
-        if (!seg.model) return;
+    auto finish = [&](bool head) {
+        if (!seg.active) return;
+        seg.active = false;
         if (head && m_r12) return;  // R12 records get no handles or owners they did not have
-        for (size_t i = 0; i < seg.model->fields.size(); ++i) {
-            const Field& f = seg.model->fields[i];
+        for (size_t i = 0; i < seg.fields.size(); ++i) {
+            const Field& f = seg.fields[i];
             if (seg.used[i] || (f.optional && f.run == 0)) continue;
             if (m_r12 && (f.code == 5 || f.code == 105 || f.code == 330)) continue;
-            if (f.run != 0) emitRun(seg, f.run);
-            else tag(f.code, f.text);
+            if (f.run != 0) emitRun(f.run);
+            else field(f);
         }
-        seg.model = nullptr;
     };
     auto writeSubclass = [&](const Subclass& s) {
         if (!m_r12) tag(100, s.marker);
-        for (const Field& f : s.fields)
-            if (!f.optional) tag(f.code, f.text);
+        for (const Field& f : model.fieldsOf(s))
+            if (!f.optional) field(f);
     };
 
     if (tmpl.empty()) {
         tag(0, model.type);
-        const Subclass& head = model.subclasses[0];
-        for (const Field& f : head.fields)
-            if (f.code != 330) tag(f.code, f.text);
+        std::span<const Field> head = model.fieldsOf(model.subclasses[0]);
+        for (const Field& f : head)
+            if (f.code != 330) field(f);
         headGroups(true, true);
-        for (const Field& f : head.fields)
-            if (f.code == 330 && !m_r12) tag(f.code, f.text);
+        for (const Field& f : head)
+            if (f.code == 330 && !m_r12) field(f);
         for (size_t k = 1; k < model.subclasses.size(); ++k) writeSubclass(model.subclasses[k]);
         return;
     }
 
-    bool flat = true;
-    for (const auto& t : tmpl)
-        if (t.code == 100) { flat = false; break; }
-    Subclass merged;
-    if (flat) {
-        for (const auto& s : model.subclasses) {
-            merged.fields.insert(merged.fields.end(), s.fields.begin(), s.fields.end());
-            merged.owned.insert(merged.owned.end(), s.owned.begin(), s.owned.end());
-        }
-    }
-    SegmentMerge seg;
-    seg.start(flat ? &merged : &model.subclasses[0]);
+    std::vector<AcDbRawTag>& t = m_template;
+    t.assign(tmpl.begin(), tmpl.end());
+    bool flat = std::none_of(t.begin(), t.end(), [](const AcDbRawTag& x) { return x.code == 100; });
+    seg.start(model, flat ? model.whole() : model.subclasses[0]);
     bool inHead = true;
     bool verbatim = false;
     bool xdictDone = false, reactorsDone = false;
     size_t matched = 0;  // the last model subclass given a template segment
-    tag(0, tmpl[0].value);
-    for (size_t i = 1; i < tmpl.size(); ++i) {
-        const AcDbRawTag& t = tmpl[i];
+    tag(0, t[0].value);
+    for (size_t i = 1; i < t.size(); ++i) {
         if (verbatim) {
-            tag(t.code, t.value);
+            tag(t[i].code, t[i].value);
             continue;
         }
-        if (t.code == 0 || t.code == 101) {
+        if (t[i].code == 0 || t[i].code == 101) {
             // Records carried inside this one, or an embedded object: as read from here on.
-            finish(seg, inHead && !flat);
+            finish(inHead && !flat);
             if (inHead && !flat) headGroups(!xdictDone, !reactorsDone);
             verbatim = true;
-            tag(t.code, t.value);
+            tag(t[i].code, t[i].value);
             continue;
         }
-        if (t.code == 100 && !flat) {
-            finish(seg, inHead);
+        if (t[i].code == 100 && !flat) {
+            finish(inHead);
             if (inHead) headGroups(!xdictDone, !reactorsDone);
             inHead = false;
             size_t found = 0;
             for (size_t k = matched + 1; k < model.subclasses.size(); ++k)
-                if (model.subclasses[k].marker == t.value) { found = k; break; }
+                if (model.subclasses[k].marker == t[i].value) { found = k; break; }
             if (found) {
                 for (size_t k = matched + 1; k < found; ++k) writeSubclass(model.subclasses[k]);
                 matched = found;
-                seg.start(&model.subclasses[found]);
+                seg.start(model, model.subclasses[found]);
             }
-            tag(100, t.value);
+            tag(100, t[i].value);
             continue;
         }
-        if (t.code == 102 && t.value.size() > 1 && t.value[0] == '{') {
-            bool reactors = t.value == "{ACAD_REACTORS", xdict = t.value == "{ACAD_XDICTIONARY";
+        if (t[i].code == 102 && t[i].value.size() > 1 && t[i].value[0] == '{') {
+            bool reactors = t[i].value == "{ACAD_REACTORS", xdict = t[i].value == "{ACAD_XDICTIONARY";
             if ((reactors || xdict) && (inHead || flat)) {
-                while (i + 1 < tmpl.size() && tmpl[i + 1].code != 102) ++i;
+                while (i + 1 < t.size() && t[i + 1].code != 102) ++i;
                 ++i;
                 headGroups(xdict, reactors);
                 (reactors ? reactorsDone : xdictDone) = true;
                 continue;
             }
-            tag(t.code, t.value);
-            for (++i; i < tmpl.size(); ++i) {
-                tag(tmpl[i].code, tmpl[i].value);
-                if (tmpl[i].code == 102) break;
+            tag(t[i].code, t[i].value);
+            for (++i; i < t.size(); ++i) {
+                tag(t[i].code, t[i].value);
+                if (t[i].code == 102) break;
             }
             continue;
         }
-        if (!seg.model || !seg.model->owns(t.code)) {
-            tag(t.code, t.value);
+        if (!seg.active || !model.owns(seg.subclass, t[i].code)) {
+            tag(t[i].code, t[i].value);
             continue;
         }
-        bool handled = false;
-        for (size_t k = 0; k < seg.model->fields.size(); ++k) {
-            const Field& f = seg.model->fields[k];
-            if (f.code != t.code || seg.used[k]) continue;
-            if (f.run != 0) {
-                if (f.run >= 64 || !seg.runDone[static_cast<size_t>(f.run)]) emitRun(seg, f.run);
-            } else {
-                seg.used[k] = true;
-                tag(f.code, SameValue(f.code, t.value, f.text) ? t.value : f.text);
-            }
-            handled = true;
-            break;
-        }
-        if (!handled) {
-            // An owned code without a current value (left out at default, or a run already
-            // written) is dropped; a second tag of a single value is kept as read.
-            bool single = false;
-            for (const Field& f : seg.model->fields)
-                if (f.code == t.code && f.run == 0) single = true;
-            if (single) tag(t.code, t.value);
-        }
+        mergeOwned(t[i]);
     }
     if (!verbatim) {
-        finish(seg, inHead && !flat);
+        finish(inHead && !flat);
         if (inHead && !flat) headGroups(!xdictDone, !reactorsDone);
         if (!flat)
             for (size_t k = matched + 1; k < model.subclasses.size(); ++k)
                 writeSubclass(model.subclasses[k]);
     }
+}
+
+// The fields of a repeating block, all at once where the template's block begins.
+void Writer::emitRun(int run) {
+    SegmentMerge& seg = m_segment;
+    for (size_t i = 0; i < seg.fields.size(); ++i)
+        if (seg.fields[i].run == run) {
+            seg.used[i] = 1;
+            if (!seg.fields[i].optional) field(seg.fields[i]);
+        }
+}
+
+// A template tag of a code the current subclass models: the model's value in its place.
+void Writer::mergeOwned(const AcDbRawTag& t) {
+    SegmentMerge& seg = m_segment;
+    for (size_t k = 0; k < seg.fields.size(); ++k) {
+        const Field& f = seg.fields[k];
+        if (f.code != t.code || seg.used[k]) continue;
+        if (f.run != 0) {
+            emitRun(f.run);
+        } else {
+            seg.used[k] = 1;
+            if (SameValue(f, t.value)) tag(f.code, t.value);
+            else field(f);
+        }
+        return;
+    }
+    // An owned code without a current value (left out at default, or a run already written)
+    // is dropped; a second tag of a single value is kept as read.
+    for (const Field& f : seg.fields)
+        if (f.code == t.code && f.run == 0) {
+            tag(t.code, t.value);
+            return;
+        }
 }
 
 void Writer::xdata(const AcDbObject& o) {
@@ -486,6 +568,17 @@ void Writer::prepare() {
     }
 }
 
+// A header variable's tags, with the values that differ from the database's replaced.
+AcDbRawTags Updated(const AcDbRawTags& old, const AcDbRawTags& now) {
+    AcDbRawTags out;
+    for (AcDbRawTag t : old) {
+        for (const AcDbRawTag& n : now)
+            if (t.code == n.code && !SameText(n.code, t.value, n.value)) t.value = n.value;
+        out.push_back(t);
+    }
+    return out;
+}
+
 void Writer::header() {
     tag(0, "SECTION");
     tag(2, "HEADER");
@@ -497,7 +590,7 @@ void Writer::header() {
         for (int k = 0; k < 3; ++k) {
             std::string s;
             FormatDouble(p[k], s);
-            t.push_back({10 * (k + 1), s});
+            t.push_back(10 * (k + 1), s);
         }
         return t;
     };
@@ -516,10 +609,7 @@ void Writer::header() {
         for (auto& [n, t] : vars)
             if (n == name) {
                 present = true;
-                for (auto& old : t)
-                    for (const auto& now : tags)
-                        if (old.code == now.code && !SameValue(now.code, old.value, now.value))
-                            old.value = now.value;
+                t = Updated(t, tags);
             }
         if (!present && (fromScratch || name == "$DWGCODEPAGE" || name == "$ACADVER") &&
             !(m_r12 && name == "$HANDSEED"))
@@ -551,10 +641,14 @@ void Writer::table(AcDbDatabase::TableKind kind, const char* name) {
         if (kind == AcDbDatabase::kDimStyleTable && !m_r12) tag(100, "AcDbDimStyleTable");
         xdata(*t);
     } else {
-        Model model;
+        Model& model = m_partModel;
+        model.clear();
         model.type = "TABLE";
-        model.subclasses.push_back({"", {{5, HandleText(t->getHandle())}}, {5}});
-        model.subclasses.push_back({"AcDbSymbolTable", {{70, std::to_string(count)}}, {70}});
+        ModelWriter w(model, true);
+        w.subclass("");
+        w.handle(5, t->getHandle());
+        w.subclass("AcDbSymbolTable");
+        w.integer(70, count);
         merge(*t, t->fileTags(), model);
         xdata(*t);
     }
@@ -583,70 +677,63 @@ void Writer::tables() {
     tag(0, "ENDSEC");
 }
 
+// Starts the model of a record that belongs to another object (block markers, vertices,
+// sequence ends): its handle, its owner, and the layer that a new record needs.
+ModelWriter Writer::partModel(std::string_view type, AcDbHandle handle, AcDbHandle owner,
+                              bool fresh, const std::wstring& layer) {
+    m_partModel.clear();
+    m_partModel.type = type;
+    ModelWriter w(m_partModel, !fresh);
+    w.subclass("");
+    w.handle(5, handle);
+    w.handle(330, owner);
+    w.subclass("AcDbEntity");
+    if (fresh) w.wide(8, layer);
+    return w;
+}
+
 void Writer::marker(const AcDbBlockTableRecord& block, const AcDbBlockTableRecord::FileMarker& m,
                     bool begin) {
-    Model model;
-    model.type = begin ? "BLOCK" : "ENDBLK";
-    bool fresh = m.tags.empty();
-    model.subclasses.push_back({"", {{5, HandleText(m.handle)}, {330, HandleText(block.getHandle())}}, {5, 330}});
-    model.subclasses.push_back({"AcDbEntity", {}, {}});
-    if (fresh) model.subclasses.back().fields.push_back({8, "0"});
+    ModelWriter w = partModel(begin ? "BLOCK" : "ENDBLK", m.handle, block.getHandle(),
+                              m.tags.empty(), L"0");
     if (begin) {
-        Subclass s{"AcDbBlockBegin", {}, {2, 70, 10, 20, 30, 3, 1, 4}};
-        std::string name = Utf8(block.name());
-        std::string x, y, z;
-        FormatDouble(block.origin().x, x);
-        FormatDouble(block.origin().y, y);
-        FormatDouble(block.origin().z, z);
-        s.fields = {{2, name}, {70, std::to_string(block.flagBits())}, {10, x}, {20, y}, {30, z},
-                    {3, name}, {1, Utf8(block.pathName())}};
-        if (!block.comments().empty()) s.fields.push_back({4, Utf8(block.comments())});
-        model.subclasses.push_back(std::move(s));
+        w.subclass("AcDbBlockBegin");
+        w.own({4});
+        w.wide(2, block.name());
+        w.integer(70, block.flagBits());
+        w.point(10, block.origin());
+        w.wide(3, block.name());
+        w.wide(1, block.pathName());
+        if (!block.comments().empty()) w.wide(4, block.comments());
     } else {
-        model.subclasses.push_back({"AcDbBlockEnd", {}, {}});
+        w.subclass("AcDbBlockEnd");
     }
-    merge(block, m.tags, model);
+    merge(block, m.tags, m_partModel);
 }
 
 void Writer::seqEnd(const AcDbEntity& owner, AcDbHandle handle, const AcDbRawTags& tmpl) {
-    Model model;
-    model.type = "SEQEND";
-    model.subclasses.push_back({"", {{5, HandleText(handle)}, {330, HandleText(owner.getHandle())}}, {5, 330}});
-    model.subclasses.push_back({"AcDbEntity", {}, {}});
-    if (tmpl.empty()) model.subclasses.back().fields.push_back({8, Utf8(owner.layer())});
-    merge(owner, tmpl, model);
+    partModel("SEQEND", handle, owner.getHandle(), tmpl.empty(), owner.layer());
+    merge(owner, tmpl, m_partModel);
 }
 
 template <typename V>
-void VertexModel(const V& v, const AcDbEntity& owner, Model& model) {
+void Writer::vertex(const V& v, const AcDbEntity& owner) {
     constexpr bool twoD = std::is_same_v<V, AcDb2dVertex>;
-    model.type = "VERTEX";
-    model.subclasses.clear();
-    model.subclasses.push_back({"", {{5, HandleText(v.handle)}, {330, HandleText(owner.getHandle())}}, {5, 330}});
-    model.subclasses.push_back({"AcDbEntity", {}, {}});
-    if (v.fileTags.empty()) model.subclasses.back().fields.push_back({8, Utf8(owner.layer())});
-    model.subclasses.push_back({"AcDbVertex", {}, {}});
-    Subclass s{twoD ? "AcDb2dVertex" : "AcDb3dPolylineVertex", {}, {10, 20, 30, 40, 41, 42, 70, 50}};
-    for (int k = 0; k < 3; ++k) {
-        std::string t;
-        FormatDouble(v.position[k], t);
-        s.fields.push_back({10 * (k + 1), t});
-    }
+    ModelWriter w = partModel("VERTEX", v.handle, owner.getHandle(), v.fileTags.empty(), owner.layer());
+    w.subclass("AcDbVertex");
+    w.subclass(twoD ? "AcDb2dVertex" : "AcDb3dPolylineVertex");
+    w.own({10, 20, 30, 40, 41, 42, 70, 50});
+    w.point(10, v.position);
     if constexpr (twoD) {
-        auto real = [&](int code, double d) {
-            std::string t;
-            FormatDouble(d, t);
-            s.fields.push_back({code, t});
-        };
-        if (v.startWidth != 0.0) real(40, v.startWidth);
-        if (v.endWidth != 0.0) real(41, v.endWidth);
-        if (v.bulge != 0.0) real(42, v.bulge);
-        s.fields.push_back({70, std::to_string(v.flags)});
-        if (v.tangent != 0.0) real(50, v.tangent * kDegrees);
+        if (v.startWidth != 0.0) w.real(40, v.startWidth);
+        if (v.endWidth != 0.0) w.real(41, v.endWidth);
+        if (v.bulge != 0.0) w.real(42, v.bulge);
+        w.integer(70, v.flags);
+        if (v.tangent != 0.0) w.angle(50, v.tangent);
     } else {
-        s.fields.push_back({70, std::to_string(v.flags | 32)});
+        w.integer(70, v.flags | 32);
     }
-    model.subclasses.push_back(std::move(s));
+    merge(owner, v.fileTags, m_partModel);
 }
 
 void Writer::entity(const AcDbEntity& e) {
@@ -661,18 +748,10 @@ void Writer::entity(const AcDbEntity& e) {
         }
         if (any) seqEnd(e, r->seqEndHandle(), r->seqEndTags());
     } else if (auto* p = AcDb2dPolyline::cast(&e)) {
-        Model model;
-        for (const auto& v : p->vertices()) {
-            VertexModel(v, e, model);
-            merge(e, v.fileTags, model);
-        }
+        for (const auto& v : p->vertices()) vertex(v, e);
         seqEnd(e, p->seqEndHandle(), p->seqEndTags());
     } else if (auto* p3 = AcDb3dPolyline::cast(&e)) {
-        Model model;
-        for (const auto& v : p3->vertices()) {
-            VertexModel(v, e, model);
-            merge(e, v.fileTags, model);
-        }
+        for (const auto& v : p3->vertices()) vertex(v, e);
         seqEnd(e, p3->seqEndHandle(), p3->seqEndTags());
     }
 }
@@ -731,7 +810,7 @@ void Writer::objects() {
     tag(0, "ENDSEC");
 }
 
-void Writer::write() {
+bool Writer::write() {
     prepare();
     header();
     if (!m_r12) {
@@ -755,33 +834,32 @@ void Writer::write() {
         tag(0, "ENDSEC");
     }
     tag(0, "EOF");
+    flush();
+    return !m_failed;
 }
 
 }  // namespace
 
 Acad::ErrorStatus WriteDxfText(AcDbDatabase& db, const WriteOptions& options, std::string& out) {
     out.clear();
-    Writer writer(db, options, out);
+    Writer writer(db, options, out, nullptr);
     writer.write();
     return Acad::eOk;
 }
 
 Acad::ErrorStatus WriteDxfFile(AcDbDatabase& db, const std::string& path, const WriteOptions& options) {
-    std::string text;
-    WriteDxfText(db, options, text);
     std::string temp = path + ".tmp" + std::to_string(::getpid());
     auto fail = [&](const std::string& reason) {
         std::remove(temp.c_str());
         db.setLastError(Wide(path + ":0: DXF008 " + reason));
         return Acad::eFileAccessErr;
     };
-    {
-        std::ofstream out(temp, std::ios::binary | std::ios::trunc);
-        if (!out) return fail("cannot create " + temp);
-        out.write(text.data(), static_cast<std::streamsize>(text.size()));
-        out.flush();
-        if (!out) return fail("cannot write " + temp);
-    }
+    std::FILE* file = std::fopen(temp.c_str(), "wb");
+    if (!file) return fail("cannot create " + temp);
+    // The text goes out in pieces: a large drawing is never held whole in memory.
+    std::string buffer;
+    bool written = Writer(db, options, buffer, file).write();
+    if (std::fclose(file) != 0 || !written) return fail("cannot write " + temp);
     if (std::rename(temp.c_str(), path.c_str()) != 0) return fail("cannot rename into place");
     db.setFilename(Wide(path));
     db.setLastError(L"");
