@@ -18,6 +18,19 @@ AcDbDatabase::~AcDbDatabase() {
         acdbHostApplicationServices()->setWorkingDatabase(nullptr);
 }
 
+void AcDbDatabase::discardContents() {
+    m_stubs.clear();
+    m_byHandle.clear();
+    m_handseed = AcDbHandle(1);
+    for (AcDbObjectId& table : m_tables) table = AcDbObjectId::kNull;
+    m_namedObjects = m_clayer = m_celtype = m_textstyle = m_dimstyle = AcDbObjectId::kNull;
+    m_extmin = AcGePoint3d(1e20, 1e20, 1e20);
+    m_extmax = AcGePoint3d(-1e20, -1e20, -1e20);
+    m_headerVars.clear();
+    m_classes.clear();
+    m_thumbnail.clear();
+}
+
 // ---- Objects ----
 
 AcDbStub& AcDbDatabase::newStub(AcDbHandle handle) {

@@ -148,6 +148,9 @@ public:
                              bool preserveSourceDatabase = true);
     // Reduces ids to those that nothing in the database refers to.
     Acad::ErrorStatus purge(AcDbObjectIdArray& ids) const;
+    // Drops every object and header value, leaving the database as one built without a default
+    // drawing: reading a drawing file replaces what the database held.
+    void discardContents();
 
 private:
     AcDbStub& newStub(AcDbHandle handle);

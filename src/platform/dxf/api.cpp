@@ -24,6 +24,7 @@ Acad::ErrorStatus AcDbDatabase::readDwgFile(const ACHAR* fileName, int, bool, co
                      L":0: DXF002 a DWG drawing; only DXF drawings can be read");
         return Acad::eUnknownDxfFileFormat;
     }
+    discardContents();
     return dxf::ReadDxfFile(*this, path);
 }
 

@@ -363,6 +363,8 @@ AcDbObjectId Builder::add(AcDbObject* object, AcDbHandle handle) {
         // A handle used twice: the later object takes a fresh one.
         m_db.addAcDbObjectWithHandle(id, object, AcDbHandle(m_nextHandle++));
     }
+    // The reader fills the object's fields directly; a drawing read leaves nothing open.
+    object->close();
     return id;
 }
 

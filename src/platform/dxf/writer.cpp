@@ -35,6 +35,13 @@ std::string TypeName(const AcDbObject& o) {
 
 namespace {
 
+// Adds an object that the writer needs and the drawing lacks; it is not left open, so that
+// the drawing can still be opened after the save.
+void AddClosed(AcDbDatabase& db, AcDbObjectId& id, AcDbObject* object) {
+    db.addAcDbObject(id, object);
+    object->close();
+}
+
 bool EqualIgnoringCase(std::string_view a, std::string_view b) {
     if (a.size() != b.size()) return false;
     for (size_t i = 0; i < a.size(); ++i)
@@ -420,7 +427,7 @@ AcDbSymbolTable* Writer::ensureTable(AcDbDatabase::TableKind kind) {
     if (auto* t = AcDbSymbolTable::cast(ObjectOf(m_db.tableId(kind)))) return t;
     AcDbSymbolTable* table = NewTableOf(kind);
     AcDbObjectId id;
-    m_db.addAcDbObject(id, table);
+    AddClosed(m_db, id, table);
     m_db.setTableId(kind, id);
     return table;
 }
@@ -435,7 +442,7 @@ void Writer::ensureRecord(AcDbDatabase::TableKind kind, const std::wstring& name
     record->setName(name);
     record->setOwnerId(table->objectId());
     AcDbObjectId id;
-    m_db.addAcDbObject(id, record);
+    AddClosed(m_db, id, record);
     table->attachRecord(id);
 }
 
@@ -444,7 +451,7 @@ AcDbDictionary* EnsureEntry(AcDbDatabase& db, AcDbDictionary& parent, const std:
     if (parent.getAt(key, id) == Acad::eOk)
         if (auto* d = AcDbDictionary::cast(ObjectOf(id))) return d;
     auto* d = new AcDbDictionary();
-    db.addAcDbObject(id, d);
+    AddClosed(db, id, d);
     d->setOwnerId(parent.objectId());
     parent.setAtId(key, id);
     return d;
@@ -488,7 +495,7 @@ void Writer::ensureDimensionBlocks() {
         block->setFlagBits(1);
         block->setOwnerId(blocks->objectId());
         AcDbObjectId id;
-        m_db.addAcDbObject(id, block);
+        AddClosed(m_db, id, block);
         blocks->attachRecord(id);
         d->setDimBlockId(id);
     }
@@ -499,7 +506,7 @@ void Writer::ensureLayouts() {
     if (!root) {
         root = new AcDbDictionary();
         AcDbObjectId id;
-        m_db.addAcDbObject(id, root);
+        AddClosed(m_db, id, root);
         m_db.setNamedObjectsDictionaryId(id);
     }
     EnsureEntry(m_db, *root, L"ACAD_GROUP");
@@ -514,7 +521,7 @@ void Writer::ensureLayouts() {
         std::string layoutName = tab == 0 ? "Model" : "Layout1";
         auto* layout = new AcDbUnknownObject(L"LAYOUT");
         AcDbObjectId id;
-        m_db.addAcDbObject(id, layout);
+        AddClosed(m_db, id, layout);
         layout->fileTags() = LayoutTags(layoutName, tab, block->objectId().handle());
         layout->setOwnerId(layouts->objectId());
         layouts->setAtId(Wide(layoutName), id);
