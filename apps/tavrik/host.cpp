@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <sstream>
@@ -46,6 +47,13 @@ struct LineSource {
 
 enum class ReadResult { kLine, kEnd, kTimeout };
 
+// Tavrik.arx beside the program: the module the host loads when no --module is given.
+std::string DefaultModulePath() {
+    std::error_code error;
+    std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
+    return (program.parent_path() / kDefaultModuleName).string();
+}
+
 bool ParseOptions(int argc, char** argv, HostOptions& options) {
     for (int i = 1; i < argc; ++i) {
         std::string_view arg = argv[i];
@@ -58,6 +66,7 @@ bool ParseOptions(int argc, char** argv, HostOptions& options) {
             return false;
         }
     }
+    if (options.modules.empty()) options.modules.push_back(DefaultModulePath());
     if (options.prefix.empty()) {
         const char* fromEnvironment = std::getenv(kPrefixEnvironmentVariable);
         options.prefix = fromEnvironment ? fromEnvironment : "";

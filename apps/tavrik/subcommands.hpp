@@ -9,6 +9,7 @@ int RunPrefix(int argc, char** argv);  // prefix init DIR
 // exists; main reports the subcommand as unavailable while it is missing.
 [[gnu::weak]] int RunConvert(int argc, char** argv);
 
+inline constexpr const char* kDefaultModuleName = "Tavrik.arx";
 inline constexpr int kExitOk = 0;
 inline constexpr int kExitFailure = 1;
 inline constexpr int kExitUsage = 2;

@@ -1,0 +1,128 @@
+"""Runs the batch on a copy of the example workshop and checks what a drawing office would:
+
+- the host ends by itself (the quit timer) with status 0 while its input stays open;
+- the merged drawing stands at the name built from ugm.log, ezdxf reads and audits it without
+  errors, and it holds the part geometry of every sheet at its own coordinates;
+- Cg.log holds the expected trace, line for line; msg.txt, the hand-off files and the single
+  drawings are gone;
+- a second run without a hand-off changes nothing and leaves the host open for commands.
+
+Usage: check_batch.py TAVRIK DWGVER WORKSHOP EXPECTED_CG_LOG
+"""
+import collections
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+
+import ezdxf
+from ezdxf import recover
+
+HAND_OFF = pathlib.Path("drives/c/Users/cad/AppData/Local/Convert")
+LOGS = pathlib.Path("drives/d/Mytool/cad")
+MERGED = pathlib.Path("drives/d/成品图/MP2305.dxf")
+# The exporter's construction layers, which the batch erases (HOLECA 0 in the workshop).
+CONSTRUCTION = {"BIGFRAM", "USTAND", "URECT", "FRONT", "LEFT", "TOP", "STAND", "RECT"}
+
+failures = []
+
+
+def check(condition, message):
+    if not condition:
+        failures.append(message)
+
+
+def run_host(tavrik, prefix, commands=None, timeout=300):
+    """Runs tavrik on the prefix. Without commands its input stays open, so only the module
+    can end it."""
+    process = subprocess.Popen([tavrik, "--prefix", str(prefix)], stdin=subprocess.PIPE,
+                               stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+    try:
+        if commands is None:
+            out, err = process.communicate(timeout=timeout)  # input never closed by us
+        else:
+            out, err = process.communicate(commands.encode(), timeout=timeout)
+    except subprocess.TimeoutExpired:
+        process.kill()
+        out, err = process.communicate()
+        failures.append("tavrik did not end within %d s (stderr: %s)" % (timeout, err.decode(errors="replace")))
+    return process.returncode, out.decode(errors="replace"), err.decode(errors="replace")
+
+
+def signature(entity):
+    """What must survive the merge: kind, layer and the coordinates that place the entity."""
+    kind = entity.dxftype()
+    points = []
+    for name in ("start", "end", "center", "location", "insert"):
+        if entity.dxf.hasattr(name):
+            points.append(tuple(round(v, 6) for v in entity.dxf.get(name)))
+    if kind == "CIRCLE" or kind == "ARC":
+        points.append(round(entity.dxf.radius, 6))
+    if kind in ("TEXT", "MTEXT"):
+        points.append(entity.dxf.text if kind == "TEXT" else entity.text)
+    return (kind, entity.dxf.layer.upper(), tuple(points))
+
+
+def part_geometry(paths):
+    found = collections.Counter()
+    for path in paths:
+        doc = ezdxf.readfile(path)
+        for entity in doc.modelspace():
+            if entity.dxf.layer.upper() not in CONSTRUCTION:
+                found[signature(entity)] += 1
+    return found
+
+
+def main():
+    tavrik, dwgver, workshop, expected_log = sys.argv[1:5]
+    with tempfile.TemporaryDirectory(prefix="tavrik-e2e-") as scratch:
+        prefix = pathlib.Path(scratch) / "workshop"
+        shutil.copytree(workshop, prefix)
+        shutil.copy(dwgver, prefix / "drives/d/Mytool/application/dwgver.dll")
+        exports = sorted(p for p in (prefix / HAND_OFF).glob("*.dxf"))
+        expected_geometry = part_geometry(exports)
+
+        status, out, err = run_host(tavrik, prefix)
+        check(status == 0, "first run: status %s, stderr: %s" % (status, err))
+
+        merged = prefix / MERGED
+        check(merged.is_file(), "no merged drawing at %s" % MERGED)
+        if merged.is_file():
+            doc, auditor = recover.readfile(merged)
+            check(not auditor.has_errors, "ezdxf recover errors: %s" % auditor.errors)
+            audit = doc.audit()
+            check(not audit.has_errors, "ezdxf audit errors: %s" % audit.errors)
+            # Read as the exports were, so that texts compare in the same form.
+            merged_geometry = part_geometry([merged])
+            missing = expected_geometry - merged_geometry
+            check(not missing, "geometry of the sheets missing in the merged drawing: %s" % list(missing)[:5])
+
+        log = (prefix / LOGS / "Cg.log").read_bytes()
+        expected = pathlib.Path(expected_log).read_bytes()
+        if log != expected:
+            failures.append("Cg.log differs from the expected trace:\n%s\n--- expected ---\n%s" % (
+                log.decode("gbk", errors="replace"), expected.decode("gbk", errors="replace")))
+        check(not (prefix / LOGS / "msg.txt").exists(), "msg.txt is still there")
+        left = sorted(p.name for p in (prefix / HAND_OFF).iterdir())
+        check(left == [], "hand-off folder still holds %s" % left)
+
+        # Second run: no hand-off. The command line stays open: InsertSheet runs the batch by
+        # hand, which again finds nothing to do.
+        merged_bytes = merged.read_bytes() if merged.is_file() else b""
+        status, out, err = run_host(tavrik, prefix, commands="InsertSheet\n")
+        check(status == 0, "second run: status %s, stderr: %s" % (status, err))
+        check("Command:" not in err and "unknown command" not in err, "second run: %s" % err)
+        check(merged.is_file() and merged.read_bytes() == merged_bytes, "second run changed the merged drawing")
+        after = (prefix / LOGS / "Cg.log").read_bytes()
+        check(after == log + b"20191115\r\n20191115\r\n",
+              "second run logged more than two build stamps: %r" % after[len(log):])
+
+    for failure in failures:
+        print("FAIL:", failure)
+    print("end-to-end batch:", "ok" if not failures else "%d failures" % len(failures))
+    return 1 if failures else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
