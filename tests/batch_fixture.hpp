@@ -60,13 +60,14 @@ protected:
 
     // The conversion library at its fixed path, as an installation has it (for the suites
     // that are given it).
-    void InstallConversionLibrary() {
+    void InstallConversionLibrary(const char* library = nullptr) {
 #ifdef TAVRIK_DWGVER_LIBRARY
+        if (!library) library = TAVRIK_DWGVER_LIBRARY;
+#endif
+        if (!library) return;
         std::filesystem::path target = ResolvePath(kDwgVerLibraryPath);
         std::filesystem::create_directories(target.parent_path());
-        std::filesystem::copy_file(TAVRIK_DWGVER_LIBRARY, target,
-                                   std::filesystem::copy_options::overwrite_existing);
-#endif
+        std::filesystem::copy_file(library, target, std::filesystem::copy_options::overwrite_existing);
     }
 
     void WriteText(std::wstring_view windowsPath, std::wstring_view text) {

@@ -158,4 +158,22 @@ TEST_F(Batch, EveryDrawingOfThePartIsLoggedAsFinished) {
     EXPECT_NE(log.find(L"合并后的文件 D:\\out\\P.dxf ,正确合并\n"), std::wstring::npos);
 }
 
+TEST_F(Batch, UnreadableDrawingOfThePartIsLoggedFinishedAndLeftOutOfTheMerge) {
+    WriteHandOff(L"D:\\out\\\r\nP-.dxf\r\n");
+    SaveExport(HandOff(L"P-1.dxf"));
+    WriteAt(HandOff(L"P-2.dxf"), "0\nSECTION\n2\nENTITIES\n");
+    RunBatch();
+    std::wstring log = CgLog();
+    EXPECT_NE(log.find(L"\n文件 " + HandOff(L"P-2.dxf") + L"处理完成"), std::wstring::npos);
+    size_t read = log.find(L"读入文件：" + HandOff(L"P-2.dxf") + L" \n");
+    ASSERT_NE(read, std::wstring::npos);
+    EXPECT_EQ(log.find(L"0读入成功\n", read), std::wstring::npos);  // a non-zero status, then the text
+    EXPECT_NE(log.find(L"读入成功\n", read), std::wstring::npos);
+    auto merged = ReadDrawing(L"D:\\out\\P.dxf");
+    ASSERT_TRUE(merged);
+    EXPECT_EQ(CountOnLayer(*merged, L"PART"), 1);
+    EXPECT_TRUE(Host().timers.size() == 1);
+    EXPECT_FALSE(ExistsAt(HandOff(L"P-2.dxf")));
+}
+
 }  // namespace
