@@ -26,8 +26,29 @@ protected:
         AcDbDatabase db(false, true);
         return db.readDwgFile(path.c_str(), 0x10, false, nullptr);
     }
+    // The temporary folder of the tool, as an installation has it.
+    static void MakeFallbackFolder() { std::filesystem::create_directories(ResolvePath(L"d:\\Mytool\\temp")); }
+    // A file where the folder "D:\out" should be, so that nothing can be saved below it.
+    void BlockTheOutFolder() { WriteAt(L"D:\\out", "a file where the folder should be"); }
     int Merge(const std::vector<std::wstring>& files, std::wstring& target) {
         return MergeDrawings(files, target, 0, 1);
+    }
+    // What a merge printed on the command line and showed in alerts.
+    struct Shown {
+        std::string printed;
+        std::string alerts;
+    };
+    Shown MergeShowing(const std::vector<std::wstring>& files, std::wstring& target) {
+        testing::internal::CaptureStdout();
+        testing::internal::CaptureStderr();
+        Merge(files, target);
+        Shown shown;
+        shown.alerts = testing::internal::GetCapturedStderr();
+        shown.printed = testing::internal::GetCapturedStdout();
+        return shown;
+    }
+    static std::string FallbackAlert() {
+        return "文件名 D:\\out\\P.dxf 无效!\n\n已保存到 d:\\Mytool\\temp\\Dorvault.dwg \n";
     }
 };
 
@@ -91,32 +112,38 @@ TEST_F(SheetMerge, AllFilesUnreadableSaveAnEmptyDrawingWithTheDefaultContent) {
 TEST_F(SheetMerge, BlankInTheTargetNameIsRemovedBeforeTheSaveWithoutFallback) {
     std::wstring a = SaveLine(L"D:\\parts\\P-1.dxf", AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0));
     std::wstring target = L"D:\\out\\my part.dxf";
-    testing::internal::CaptureStderr();
-    Merge({a}, target);
-    std::string alerts = testing::internal::GetCapturedStderr();
+    Shown shown = MergeShowing({a}, target);
     EXPECT_EQ(target, L"D:\\out\\mypart.dxf");
     EXPECT_TRUE(ExistsAt(L"D:\\out\\mypart.dxf"));
     EXPECT_FALSE(ExistsAt(L"D:\\out\\my part.dxf"));
     EXPECT_FALSE(ExistsAt(kFallback));
-    EXPECT_EQ(alerts, "");
+    EXPECT_EQ(shown.alerts, "");
 }
 
 TEST_F(SheetMerge, FailedSaveFallsBackToDorvaultNamesItInTheTargetAndAlerts) {
     std::wstring a = SaveLine(L"D:\\parts\\P-1.dxf", AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0));
-    WriteAt(L"D:\\out", "a file where the folder should be");
+    MakeFallbackFolder();
+    BlockTheOutFolder();
     std::wstring target = L"D:\\out\\P.dxf";
-    testing::internal::CaptureStdout();
-    testing::internal::CaptureStderr();
-    Merge({a}, target);
-    std::string alerts = testing::internal::GetCapturedStderr();
-    std::string printed = testing::internal::GetCapturedStdout();
+    Shown shown = MergeShowing({a}, target);
     EXPECT_EQ(target, kFallback);
     auto saved = ReadDrawing(kFallback);
     ASSERT_TRUE(saved);
     EXPECT_EQ(CountOnLayer(*saved, L"PART"), 1);
-    EXPECT_EQ(printed, "\n保存 d:\\Mytool\\temp\\Dorvault.dwg 成功!");
-    EXPECT_EQ(alerts, "文件名 D:\\out\\P.dxf 无效!\n\n已保存到 d:\\Mytool\\temp\\Dorvault.dwg \n");
+    EXPECT_EQ(shown.printed, "\n保存 d:\\Mytool\\temp\\Dorvault.dwg 成功!");
+    EXPECT_EQ(shown.alerts, FallbackAlert());
     EXPECT_EQ(CgLog(), ReadLine(a) + kFallback);
+}
+
+TEST_F(SheetMerge, FailedFallbackSaveStillAlertsAndNamesTheFallback) {
+    std::wstring a = SaveLine(L"D:\\parts\\P-1.dxf", AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0));
+    BlockTheOutFolder();
+    std::wstring target = L"D:\\out\\P.dxf";
+    Shown shown = MergeShowing({a}, target);
+    EXPECT_EQ(shown.printed, "");
+    EXPECT_EQ(shown.alerts, FallbackAlert());
+    EXPECT_EQ(target, kFallback);
+    EXPECT_FALSE(ExistsAt(kFallback));
 }
 
 TEST_F(SheetMerge, AFolderAtTheTargetHidesTheFailedSave) {
@@ -254,6 +281,14 @@ TEST_F(SymbolInsert, UnreadableFileAnswers76AndLeavesTheScratchDrawingWorking) {
     AcDbDatabase* working = acdbHostApplicationServices()->workingDatabase();
     EXPECT_NE(working, drawing_.get());
     EXPECT_NE(working, hostDrawing_.get());
+}
+
+TEST_F(SymbolInsert, SymbolWithoutABlockAfterTheAttemptAnswers16) {
+    std::wstring file = SaveSymbol(L"D:\\sym\\HOLE");
+    EXPECT_EQ(Insert(file), 16);
+    EXPECT_TRUE(entities_.isEmpty());
+    EXPECT_EQ(CgLog().find(L"打散块"), std::wstring::npos);
+    EXPECT_NE(CgLog().find(L"已插入\n"), std::wstring::npos);
 }
 
 }  // namespace
