@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "drawing_queries.hpp"
 #include "host/module_state.hpp"
 #include "module_fixture.hpp"
 #include "pipeline/drawing_pipeline.hpp"
@@ -153,19 +154,13 @@ protected:
     }
     // The model-space entities of a drawing on a layer (any layer when empty).
     static int CountOnLayer(AcDbDatabase& db, const std::wstring& layer = L"") {
-        AcDbBlockTable* blocks = nullptr;
-        db.getSymbolTable(blocks, AcDb::kForRead);
-        AcDbBlockTableRecord* model = nullptr;
-        blocks->getAt(ACDB_MODEL_SPACE, model, AcDb::kForRead);
-        blocks->close();
         int count = 0;
-        for (const AcDbObjectId& id : model->entityIds()) {
+        for (const AcDbObjectId& id : ModelSpaceIds(db)) {
             AcDbEntity* entity = nullptr;
             if (acdbOpenAcDbEntity(entity, id, AcDb::kForRead) != Acad::eOk) continue;
             if (layer.empty() || EqualNoCase(entity->layer(), layer)) ++count;
             entity->close();
         }
-        model->close();
         return count;
     }
 

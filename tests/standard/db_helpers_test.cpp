@@ -53,6 +53,13 @@ protected:
         return id;
     }
     static AcDbLine* NewLine() { return new AcDbLine(AcGePoint3d(0, 0, 0), AcGePoint3d(1, 1, 0)); }
+    // Runs a purge of one table that holds the records UNUSED and USED: only UNUSED goes.
+    template <typename Table>
+    void ExpectOnlyTheUnusedRecordPurged(int (*purge)(AcDbDatabase*)) {
+        EXPECT_EQ(purge(&Drawing()), 0);
+        EXPECT_FALSE(Has<Table>(L"UNUSED"));
+        EXPECT_TRUE(Has<Table>(L"USED"));
+    }
 };
 
 TEST_F(DbHelpers, AppendToModelSpaceAnswersOneGivesTheIdAndLeavesTheEntityOpen) {
@@ -141,9 +148,7 @@ TEST_F(DbHelpers, ZoomExtentsOnAnEmptyModelSpaceStillMakesAViewCurrent) {
 TEST_F(DbHelpers, PurgeLayersErasesUnusedLayersAndKeepsUsedOnes) {
     AddRecord<AcDbLayerTable, AcDbLayerTableRecord>(L"UNUSED");
     Add(Drawing(), NewLine(), L"USED");
-    EXPECT_EQ(PurgeLayers(&Drawing()), 0);
-    EXPECT_FALSE(Has<AcDbLayerTable>(L"UNUSED"));
-    EXPECT_TRUE(Has<AcDbLayerTable>(L"USED"));
+    ExpectOnlyTheUnusedRecordPurged<AcDbLayerTable>(PurgeLayers);
     EXPECT_TRUE(Has<AcDbLayerTable>(L"0"));
 }
 
@@ -151,9 +156,7 @@ TEST_F(DbHelpers, PurgeBlocksErasesUnreferencedBlocksAndKeepsReferencedOnes) {
     AddRecord<AcDbBlockTable, AcDbBlockTableRecord>(L"UNUSED");
     AcDbObjectId used = AddRecord<AcDbBlockTable, AcDbBlockTableRecord>(L"USED");
     Add(Drawing(), new AcDbBlockReference(AcGePoint3d(0, 0, 0), used));
-    EXPECT_EQ(PurgeBlocks(&Drawing()), 0);
-    EXPECT_FALSE(Has<AcDbBlockTable>(L"UNUSED"));
-    EXPECT_TRUE(Has<AcDbBlockTable>(L"USED"));
+    ExpectOnlyTheUnusedRecordPurged<AcDbBlockTable>(PurgeBlocks);
     EXPECT_TRUE(Has<AcDbBlockTable>(ACDB_MODEL_SPACE));
 }
 
@@ -164,9 +167,7 @@ TEST_F(DbHelpers, PurgeLinetypesErasesUnusedLinetypesAndKeepsUsedOnes) {
     acdbOpenAcDbEntity(line, Add(Drawing(), NewLine()), AcDb::kForWrite);
     line->setLinetype(used);
     line->close();
-    EXPECT_EQ(PurgeLinetypes(&Drawing()), 0);
-    EXPECT_FALSE(Has<AcDbLinetypeTable>(L"UNUSED"));
-    EXPECT_TRUE(Has<AcDbLinetypeTable>(L"USED"));
+    ExpectOnlyTheUnusedRecordPurged<AcDbLinetypeTable>(PurgeLinetypes);
     EXPECT_TRUE(Has<AcDbLinetypeTable>(L"CONTINUOUS"));
 }
 
@@ -176,9 +177,7 @@ TEST_F(DbHelpers, PurgeDimStylesErasesUnusedStylesAndKeepsUsedOnes) {
     auto* dimension = new AcDbAlignedDimension;
     dimension->setDimensionStyle(used);
     Add(Drawing(), dimension);
-    EXPECT_EQ(PurgeDimStyles(&Drawing()), 0);
-    EXPECT_FALSE(Has<AcDbDimStyleTable>(L"UNUSED"));
-    EXPECT_TRUE(Has<AcDbDimStyleTable>(L"USED"));
+    ExpectOnlyTheUnusedRecordPurged<AcDbDimStyleTable>(PurgeDimStyles);
 }
 
 TEST_F(DbHelpers, OpenModelSpaceIteratorWalksTheModelSpace) {
