@@ -103,11 +103,7 @@ protected:
         layers->close();
         entity->setDatabaseDefaults(&db);
         entity->setLayerName(layer);
-        AcDbBlockTable* blocks = nullptr;
-        db.getSymbolTable(blocks, AcDb::kForRead);
-        AcDbBlockTableRecord* model = nullptr;
-        blocks->getAt(ACDB_MODEL_SPACE, model, AcDb::kForWrite);
-        blocks->close();
+        AcDbBlockTableRecord* model = OpenModelSpace(db, AcDb::kForWrite);
         AcDbObjectId id;
         model->appendAcDbEntity(id, entity);
         model->close();

@@ -1,6 +1,6 @@
 #pragma once
-// What tests ask of a drawing: the entities of its model space, the lines and their end points,
-// the text style of a text, and text styles made for a test.
+// What tests ask of a drawing: its model space and the entities in it, the lines and their end
+// points, the text style of a text, and text styles made for a test.
 #include <string>
 #include <utility>
 #include <vector>
@@ -12,13 +12,19 @@
 #include "platform/db/symbol_tables.hpp"
 #include "platform/db/text.hpp"
 
-// The ids of the model space's entities, in drawing order.
-inline AcDbObjectIdArray ModelSpaceIds(AcDbDatabase& db) {
+// The model space's record, open in `mode`, for the caller to close.
+inline AcDbBlockTableRecord* OpenModelSpace(AcDbDatabase& db, AcDb::OpenMode mode) {
     AcDbBlockTable* blocks = nullptr;
     db.getSymbolTable(blocks, AcDb::kForRead);
     AcDbBlockTableRecord* model = nullptr;
-    blocks->getAt(ACDB_MODEL_SPACE, model, AcDb::kForRead);
+    blocks->getAt(ACDB_MODEL_SPACE, model, mode);
     blocks->close();
+    return model;
+}
+
+// The ids of the model space's entities, in drawing order.
+inline AcDbObjectIdArray ModelSpaceIds(AcDbDatabase& db) {
+    AcDbBlockTableRecord* model = OpenModelSpace(db, AcDb::kForRead);
     AcDbObjectIdArray ids;
     for (const AcDbObjectId& id : model->entityIds()) {
         AcDbEntity* entity = nullptr;
