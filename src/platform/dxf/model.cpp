@@ -37,7 +37,12 @@ bool Model::owns(const Subclass& s, int code) const {
 
 std::string Utf8(std::wstring_view text) {
     std::string out;
-    out.reserve(text.size());
+    Utf8Into(text, out);
+    return out;
+}
+
+void Utf8Into(std::wstring_view text, std::string& out) {
+    out.reserve(out.size() + text.size());
     for (wchar_t wc : text) {
         auto cp = static_cast<unsigned>(wc);
         if (cp < 0x80) {
@@ -56,7 +61,6 @@ std::string Utf8(std::wstring_view text) {
             out += static_cast<char>(0x80 | (cp & 0x3F));
         }
     }
-    return out;
 }
 
 std::wstring Wide(std::string_view s) {
@@ -125,7 +129,10 @@ void ModelWriter::text(int code, std::string_view value) {
     m_optional = false;
 }
 
-void ModelWriter::wide(int code, const std::wstring& value) { text(code, Utf8(value)); }
+void ModelWriter::wide(int code, std::wstring_view value) {
+    Utf8Into(value, add(code, Field::Kind::kText).text);
+    m_optional = false;
+}
 
 void ModelWriter::real(int code, double value) {
     add(code, Field::Kind::kReal).real = value;
@@ -177,15 +184,21 @@ void HeadOf(const AcDbObject& o, ModelWriter& w, int handleCode = 5) {
     if (!o.ownerId().isNull()) w.id(330, o.ownerId());
 }
 
+bool IsByLayer(std::wstring_view linetype) {
+    constexpr std::wstring_view kByLayer = L"BYLAYER";
+    if (linetype.size() != kByLayer.size()) return false;
+    for (size_t i = 0; i < linetype.size(); ++i)
+        if (std::towupper(linetype[i]) != static_cast<std::wint_t>(kByLayer[i])) return false;
+    return true;
+}
+
 void EntityCommon(const AcDbEntity& e, ModelWriter& w) {
     w.subclass("AcDbEntity");
     w.own({67, 8, 6, 62, 420, 430, 370, 48, 60});
     w.optional(!e.inPaperSpace()).integer(67, e.inPaperSpace() ? 1 : 0);
     w.wide(8, e.layer());
     std::wstring lt = e.linetype();
-    std::wstring upper = lt;
-    for (auto& c : upper) c = static_cast<wchar_t>(std::towupper(c));
-    w.optional(!(!lt.empty() && upper != L"BYLAYER")).wide(6, lt);
+    w.optional(lt.empty() || IsByLayer(lt)).wide(6, lt);
     AcCmColor c = e.color();
     w.optional(!(c.colorIndex() != 256)).integer(62, c.colorIndex());
     w.optional(!(c.hasTrueColor())).integer(420, c.trueColor());
@@ -654,8 +667,6 @@ void RecordModel(const AcDbSymbolTableRecord& r, ModelWriter& w) {
 }
 
 }  // namespace
-
-std::string TypeName(const AcDbObject& o);
 
 void BuildModel(const AcDbObject& object, bool hasTemplate, Model& model) {
     model.clear();

@@ -66,7 +66,7 @@ public:
         return *this;
     }
     void text(int code, std::string_view value);
-    void wide(int code, const std::wstring& value);
+    void wide(int code, std::wstring_view value);
     void real(int code, double value);
     void angle(int code, double radians);
     void integer(int code, long long value);
@@ -96,8 +96,16 @@ private:
 // (values that only a new record needs are then left to the template).
 void BuildModel(const AcDbObject& object, bool hasTemplate, Model& model);
 
+// The record type name of an object: as read, or by its class.
+std::string TypeName(const AcDbObject& object);
+// True when the writer gives back an entity's record as read from the database's values alone,
+// as it writes an entity made in memory: the reader then need not keep the record. r12 tells
+// whether records are written the R12 way (no subclass markers).
+bool WritesAsRead(const AcDbObject& object, bool r12, Model& model);
+
 // Text conversions between the database's wide strings and the codec's UTF-8.
 std::string Utf8(std::wstring_view text);
+void Utf8Into(std::wstring_view text, std::string& out);  // appends
 std::wstring Wide(std::string_view utf8);
 std::string HandleText(AcDbHandle handle);
 // Appends a handle's value as the format writes it: upper-case hexadecimal.

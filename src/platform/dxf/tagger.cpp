@@ -100,8 +100,31 @@ bool ParseInteger(std::string_view text, long long& value) {
     return !text.empty() && ec == std::errc() && ptr == text.data() + text.size();
 }
 
+namespace {
+
+// Whole numbers below 1e15 as integer digits and ".0", where that is the shortest form: the
+// common case, and much cheaper than the general conversion.
+bool FormatWholeNumber(double value, std::string& out) {
+    if (value != std::trunc(value) || std::fabs(value) >= 1e15) return false;
+    char buffer[24];
+    auto [end, ec] = std::to_chars(buffer, buffer + sizeof buffer, static_cast<long long>(value));
+    const char* first = buffer[0] == '-' ? buffer + 1 : buffer;
+    auto digits = static_cast<int>(end - first);
+    int zeros = 0;
+    while (zeros < digits - 1 && end[-1 - zeros] == '0') ++zeros;
+    int significant = digits - zeros;
+    // The exponent form "d.ddde+XX" is chosen when it is shorter.
+    if (digits > significant + (significant > 1 ? 1 : 0) + 4) return false;
+    out.append(buffer, end);
+    out.append(".0");
+    return true;
+}
+
+}  // namespace
+
 void FormatDouble(double value, std::string& out) {
     if (value == 0.0) value = 0.0;  // no "-0.0"
+    if (FormatWholeNumber(value, out)) return;
     char buffer[32];
     auto [ptr, ec] = std::to_chars(buffer, buffer + sizeof buffer, value);
     std::string_view s(buffer, static_cast<size_t>(ptr - buffer));
