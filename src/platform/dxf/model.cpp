@@ -25,7 +25,7 @@ namespace dxf {
 
 void Model::clear() {
     subclasses.clear();
-    fields.clear();
+    fieldCount = 0;
     owned.clear();
 }
 
@@ -102,7 +102,7 @@ std::wstring RecordName(AcDbObjectId id) {
 }
 
 void ModelWriter::subclass(std::string_view marker) {
-    size_t f = m_model.fields.size(), o = m_model.owned.size();
+    size_t f = m_model.fieldCount, o = m_model.owned.size();
     m_model.subclasses.push_back({marker, f, f, o, o});
 }
 
@@ -112,14 +112,16 @@ void ModelWriter::own(std::initializer_list<int> codes) {
 }
 
 Field& ModelWriter::add(int code, Field::Kind kind) {
-    Field& f = m_model.fields.emplace_back();
+    if (m_model.fieldCount == m_model.fields.size()) m_model.fields.emplace_back();
+    Field& f = m_model.fields[m_model.fieldCount++];
     f.code = code;
     f.kind = kind;
     f.run = m_run;
     f.optional = m_optional;
+    f.text.clear();
     m_model.owned.push_back(code);
     Subclass& s = m_model.subclasses.back();
-    s.fieldEnd = m_model.fields.size();
+    s.fieldEnd = m_model.fieldCount;
     s.ownedEnd = m_model.owned.size();
     return f;
 }

@@ -39,7 +39,9 @@ struct Subclass {
 struct Model {
     std::string type;
     std::vector<Subclass> subclasses;
+    // The first fieldCount are the object's; the rest stay for their storage.
     std::vector<Field> fields;
+    size_t fieldCount = 0;
     std::vector<int> owned;
 
     void clear();
@@ -48,7 +50,7 @@ struct Model {
     }
     bool owns(const Subclass& s, int code) const;
     // All subclasses as one, for records written without subclass markers.
-    Subclass whole() const { return {"", 0, fields.size(), 0, owned.size()}; }
+    Subclass whole() const { return {"", 0, fieldCount, 0, owned.size()}; }
 };
 
 // Appends fields to a model, one subclass at a time.

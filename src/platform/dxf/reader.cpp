@@ -152,7 +152,7 @@ bool ParseHandle(std::string_view text, std::uint64_t& value) {
 bool ValidNumber(ValueKind kind, std::string_view v) {
     if (kind == ValueKind::kDouble) {
         double d;
-        return ParseDouble(v, d);
+        return IsPlainDecimal(v) || ParseDouble(v, d);
     }
     if (IsIntegerKind(kind)) {
         long long i;

@@ -177,7 +177,7 @@ private:
 };
 
 // Output is written through a buffer of this size when it goes to a file.
-constexpr size_t kFlushBytes = 1 << 20;
+constexpr size_t kFlushBytes = 256 << 10;
 
 class Writer {
 public:
@@ -257,11 +257,17 @@ void Writer::flush() {
 // The group code line, right-aligned in three columns as the format's writers do.
 void Writer::code(int code) {
     if (m_file && m_out.size() >= kFlushBytes) flush();
+    if (code >= 0 && code < 1000) {
+        char line[4] = {' ', ' ', ' ', '\n'};
+        int i = 2;
+        do line[i--] = static_cast<char>('0' + code % 10);
+        while ((code /= 10) != 0);
+        m_out.append(line, 4);
+        return;
+    }
     char buffer[16];
     auto [end, ec] = std::to_chars(buffer, buffer + sizeof buffer, code);
-    auto n = static_cast<size_t>(end - buffer);
-    if (n < 3) m_out.append(3 - n, ' ');
-    m_out.append(buffer, n);
+    m_out.append(buffer, end);
     m_out += '\n';
 }
 
