@@ -25,7 +25,7 @@ namespace dxf {
 
 void Model::clear() {
     subclasses.clear();
-    fields.clear();
+    fieldCount = 0;
     owned.clear();
 }
 
@@ -37,7 +37,12 @@ bool Model::owns(const Subclass& s, int code) const {
 
 std::string Utf8(std::wstring_view text) {
     std::string out;
-    out.reserve(text.size());
+    Utf8Into(text, out);
+    return out;
+}
+
+void Utf8Into(std::wstring_view text, std::string& out) {
+    out.reserve(out.size() + text.size());
     for (wchar_t wc : text) {
         auto cp = static_cast<unsigned>(wc);
         if (cp < 0x80) {
@@ -56,7 +61,6 @@ std::string Utf8(std::wstring_view text) {
             out += static_cast<char>(0x80 | (cp & 0x3F));
         }
     }
-    return out;
 }
 
 std::wstring Wide(std::string_view s) {
@@ -98,7 +102,7 @@ std::wstring RecordName(AcDbObjectId id) {
 }
 
 void ModelWriter::subclass(std::string_view marker) {
-    size_t f = m_model.fields.size(), o = m_model.owned.size();
+    size_t f = m_model.fieldCount, o = m_model.owned.size();
     m_model.subclasses.push_back({marker, f, f, o, o});
 }
 
@@ -108,14 +112,16 @@ void ModelWriter::own(std::initializer_list<int> codes) {
 }
 
 Field& ModelWriter::add(int code, Field::Kind kind) {
-    Field& f = m_model.fields.emplace_back();
+    if (m_model.fieldCount == m_model.fields.size()) m_model.fields.emplace_back();
+    Field& f = m_model.fields[m_model.fieldCount++];
     f.code = code;
     f.kind = kind;
     f.run = m_run;
     f.optional = m_optional;
+    f.text.clear();
     m_model.owned.push_back(code);
     Subclass& s = m_model.subclasses.back();
-    s.fieldEnd = m_model.fields.size();
+    s.fieldEnd = m_model.fieldCount;
     s.ownedEnd = m_model.owned.size();
     return f;
 }
@@ -125,7 +131,10 @@ void ModelWriter::text(int code, std::string_view value) {
     m_optional = false;
 }
 
-void ModelWriter::wide(int code, const std::wstring& value) { text(code, Utf8(value)); }
+void ModelWriter::wide(int code, std::wstring_view value) {
+    Utf8Into(value, add(code, Field::Kind::kText).text);
+    m_optional = false;
+}
 
 void ModelWriter::real(int code, double value) {
     add(code, Field::Kind::kReal).real = value;
@@ -177,15 +186,21 @@ void HeadOf(const AcDbObject& o, ModelWriter& w, int handleCode = 5) {
     if (!o.ownerId().isNull()) w.id(330, o.ownerId());
 }
 
+bool IsByLayer(std::wstring_view linetype) {
+    constexpr std::wstring_view kByLayer = L"BYLAYER";
+    if (linetype.size() != kByLayer.size()) return false;
+    for (size_t i = 0; i < linetype.size(); ++i)
+        if (std::towupper(linetype[i]) != static_cast<std::wint_t>(kByLayer[i])) return false;
+    return true;
+}
+
 void EntityCommon(const AcDbEntity& e, ModelWriter& w) {
     w.subclass("AcDbEntity");
     w.own({67, 8, 6, 62, 420, 430, 370, 48, 60});
     w.optional(!e.inPaperSpace()).integer(67, e.inPaperSpace() ? 1 : 0);
     w.wide(8, e.layer());
     std::wstring lt = e.linetype();
-    std::wstring upper = lt;
-    for (auto& c : upper) c = static_cast<wchar_t>(std::towupper(c));
-    w.optional(!(!lt.empty() && upper != L"BYLAYER")).wide(6, lt);
+    w.optional(lt.empty() || IsByLayer(lt)).wide(6, lt);
     AcCmColor c = e.color();
     w.optional(!(c.colorIndex() != 256)).integer(62, c.colorIndex());
     w.optional(!(c.hasTrueColor())).integer(420, c.trueColor());
@@ -654,8 +669,6 @@ void RecordModel(const AcDbSymbolTableRecord& r, ModelWriter& w) {
 }
 
 }  // namespace
-
-std::string TypeName(const AcDbObject& o);
 
 void BuildModel(const AcDbObject& object, bool hasTemplate, Model& model) {
     model.clear();

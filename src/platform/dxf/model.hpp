@@ -39,7 +39,9 @@ struct Subclass {
 struct Model {
     std::string type;
     std::vector<Subclass> subclasses;
+    // The first fieldCount are the object's; the rest stay for their storage.
     std::vector<Field> fields;
+    size_t fieldCount = 0;
     std::vector<int> owned;
 
     void clear();
@@ -48,7 +50,7 @@ struct Model {
     }
     bool owns(const Subclass& s, int code) const;
     // All subclasses as one, for records written without subclass markers.
-    Subclass whole() const { return {"", 0, fields.size(), 0, owned.size()}; }
+    Subclass whole() const { return {"", 0, fieldCount, 0, owned.size()}; }
 };
 
 // Appends fields to a model, one subclass at a time.
@@ -66,7 +68,7 @@ public:
         return *this;
     }
     void text(int code, std::string_view value);
-    void wide(int code, const std::wstring& value);
+    void wide(int code, std::wstring_view value);
     void real(int code, double value);
     void angle(int code, double radians);
     void integer(int code, long long value);
@@ -96,8 +98,16 @@ private:
 // (values that only a new record needs are then left to the template).
 void BuildModel(const AcDbObject& object, bool hasTemplate, Model& model);
 
+// The record type name of an object: as read, or by its class.
+std::string TypeName(const AcDbObject& object);
+// True when the writer gives back an entity's record as read from the database's values alone,
+// as it writes an entity made in memory: the reader then need not keep the record. r12 tells
+// whether records are written the R12 way (no subclass markers).
+bool WritesAsRead(const AcDbObject& object, bool r12, Model& model);
+
 // Text conversions between the database's wide strings and the codec's UTF-8.
 std::string Utf8(std::wstring_view text);
+void Utf8Into(std::wstring_view text, std::string& out);  // appends
 std::wstring Wide(std::string_view utf8);
 std::string HandleText(AcDbHandle handle);
 // Appends a handle's value as the format writes it: upper-case hexadecimal.

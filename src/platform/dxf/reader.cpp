@@ -1,9 +1,13 @@
 // Reading: a validating pass over the tags (nothing enters the database when it fails), then a
 // building pass that turns records into objects and keeps every tag as the record's template.
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <fstream>
 #include <iterator>
 #include <map>
 #include <unordered_map>
@@ -77,6 +81,52 @@ struct ReadError {
     Acad::ErrorStatus status = Acad::eOk;
 };
 
+// A drawing file mapped into memory. Each pass gives back the pages it has gone past, so that
+// a large file is never resident whole: the database keeps its own copy of what it needs.
+class MappedFile {
+public:
+    MappedFile() = default;
+    MappedFile(const MappedFile&) = delete;
+    MappedFile& operator=(const MappedFile&) = delete;
+    ~MappedFile() {
+        if (m_data) ::munmap(m_data, m_size);
+    }
+    bool open(const std::string& path) {
+        int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+        if (fd < 0) return false;
+        struct stat info{};
+        bool ok = ::fstat(fd, &info) == 0 && S_ISREG(info.st_mode);
+        m_size = ok ? static_cast<size_t>(info.st_size) : 0;
+        if (ok && m_size > 0) {
+            void* data = ::mmap(nullptr, m_size, PROT_READ, MAP_PRIVATE, fd, 0);
+            ok = data != MAP_FAILED;
+            m_data = ok ? static_cast<char*>(data) : nullptr;
+            if (ok) ::madvise(m_data, m_size, MADV_SEQUENTIAL);
+        }
+        ::close(fd);
+        return ok;
+    }
+    std::string_view bytes() const { return {m_data, m_data ? m_size : 0}; }
+    // Gives back the whole pages before p, a quarter megabyte at a time; they are read again
+    // from the file if a later pass goes over them.
+    void releaseBefore(const char* p) {
+        if (!m_data || p < m_data || p > m_data + m_size) return;
+        size_t upTo = static_cast<size_t>(p - m_data) & ~(kPage - 1);
+        if (upTo < m_released + kStep) return;
+        ::madvise(m_data + m_released, upTo - m_released, MADV_DONTNEED);
+        m_released = upTo;
+    }
+    // A new pass starts at the beginning.
+    void rewind() { m_released = 0; }
+
+private:
+    static constexpr size_t kPage = 4096;
+    static constexpr size_t kStep = size_t{256} << 10;
+    char* m_data = nullptr;
+    size_t m_size = 0;
+    size_t m_released = 0;
+};
+
 // What the validating pass learns for the building pass.
 struct FileFacts {
     AcDb::AcDbDwgVersion version = AcDb::kDHL_1009;
@@ -102,7 +152,7 @@ bool ParseHandle(std::string_view text, std::uint64_t& value) {
 bool ValidNumber(ValueKind kind, std::string_view v) {
     if (kind == ValueKind::kDouble) {
         double d;
-        return ParseDouble(v, d);
+        return IsPlainDecimal(v) || ParseDouble(v, d);
     }
     if (IsIntegerKind(kind)) {
         long long i;
@@ -113,7 +163,7 @@ bool ValidNumber(ValueKind kind, std::string_view v) {
 }
 
 // The validating pass: group codes, numbers, section structure, handles in order.
-ReadError Validate(std::string_view text, FileFacts& facts) {
+ReadError Validate(std::string_view text, FileFacts& facts, MappedFile* file) {
     TagCursor cursor(text);
     Tag tag;
     std::string section;
@@ -122,6 +172,7 @@ ReadError Validate(std::string_view text, FileFacts& facts) {
     std::vector<std::string> sections;
     int lastLine = 0;
     while (cursor.next(tag)) {
+        if (file) file->releaseBefore(tag.value.data());
         lastLine = tag.line;
         ValueKind kind = KindOfCode(tag.code);
         if (kind == ValueKind::kInvalid)
@@ -254,7 +305,7 @@ public:
     Builder(AcDbDatabase& db, const FileFacts& facts) : m_db(db), m_facts(facts) {
         m_nextHandle = std::max(facts.maxHandle, facts.handseed == 0 ? 0 : facts.handseed - 1) + 1;
     }
-    ReadError build(std::string_view text);
+    ReadError build(std::string_view text, MappedFile* file);
 
 private:
     // ---- tags ----
@@ -274,18 +325,18 @@ private:
     // ---- objects ----
     AcDbObjectId add(AcDbObject* object, AcDbHandle handle);
     void readHead(AcDbObject& o);
-    AcDbEntity* newEntity(const std::string& type, const AcDbRawTags& tags);
+    AcDbEntity* newEntity(std::string_view type, const AcDbRawTags& tags);
     void readEntity(AcDbEntity& e);
     AcDbSymbolTable* tableFor(const std::string& name);
     AcDbBlockTableRecord* blockRecordNamed(const std::wstring& name);
     void attachEntity(AcDbEntity* e, AcDbObjectId id);
+    void forgetRecordIfRebuilt(AcDbEntity& e);
     void readDimStyleXData(AcDbDimension& d);
     void resolveNames();
 
     AcDbDatabase& m_db;
     const FileFacts& m_facts;
     std::uint64_t m_nextHandle;
-    std::string m_section;
     std::string m_tableName;
     AcDbSymbolTable* m_table = nullptr;
     std::map<std::string, AcDbSymbolTable*> m_tables;
@@ -299,6 +350,7 @@ private:
     std::vector<std::pair<AcDbLayerTableRecord*, std::wstring>> m_layerLinetypes;
     std::string m_scratch;
     AcDbRawTags m_packed;
+    Model m_model;
 };
 
 // The value as the database keeps it: strings in UTF-8, integers without a plus sign or a
@@ -890,8 +942,8 @@ int PolylineFlags(const AcDbRawTags& tags) {
     return flags;
 }
 
-AcDbEntity* NewCarried(const std::string& type) {
-    static const std::map<std::string, AcDbEntity* (*)()> carried = {
+AcDbEntity* NewCarried(std::string_view type) {
+    static const std::map<std::string_view, AcDbEntity* (*)()> carried = {
         {"LEADER", [] () -> AcDbEntity* { return new AcDbLeader(); }},
         {"MULTILEADER", [] () -> AcDbEntity* { return new AcDbMLeader(); }},
         {"MLEADER", [] () -> AcDbEntity* { return new AcDbMLeader(); }},
@@ -915,7 +967,7 @@ AcDbEntity* NewCarried(const std::string& type) {
     return it != carried.end() ? it->second() : new AcDbUnknownEntity(Wide(type));
 }
 
-AcDbEntity* Builder::newEntity(const std::string& type, const AcDbRawTags& tags) {
+AcDbEntity* Builder::newEntity(std::string_view type, const AcDbRawTags& tags) {
     if (type == "LINE") return new AcDbLine();
     if (type == "CIRCLE") return new AcDbCircle();
     if (type == "ARC") return new AcDbArc();
@@ -1030,7 +1082,7 @@ AcDbSymbolTable* NewTable(const std::string& name, AcDbDatabase::TableKind& kind
     return it->second.second();
 }
 
-AcDbSymbolTableRecord* NewRecord(const std::string& type) {
+AcDbSymbolTableRecord* NewRecord(std::string_view type) {
     if (type == "LAYER") return new AcDbLayerTableRecord();
     if (type == "STYLE") return new AcDbTextStyleTableRecord();
     if (type == "LTYPE") return new AcDbLinetypeTableRecord();
@@ -1181,7 +1233,7 @@ void ReadRecordFields(AcDbSymbolTableRecord& r, const AcDbRawTags& tags,
 }
 
 void Builder::readTableRecord(const std::vector<Tag>& record) {
-    std::string type(record[0].value);
+    std::string_view type = record[0].value;
     if (type == "TABLE") {
         m_tableName = record.size() > 1 && record[1].code == 2 ? std::string(record[1].value) : "";
         AcDbDatabase::TableKind kind;
@@ -1221,7 +1273,7 @@ void Builder::attachEntity(AcDbEntity* e, AcDbObjectId id) {
 }
 
 void Builder::readEntityRecord(const std::vector<Tag>& record) {
-    std::string type(record[0].value);
+    std::string_view type = record[0].value;
     if (type == "SEQEND") {
         AcDbRawTags tags;
         toRawTags(record, tags, nullptr);
@@ -1274,24 +1326,34 @@ void Builder::readEntityRecord(const std::vector<Tag>& record) {
     if (type == "ATTRIB" && m_openInsert) {
         e->setOwnerId(m_openInsert->objectId());
         m_openInsert->attachAttribute(id);
-        return;
+    } else {
+        attachEntity(e, id);
+        m_openInsert = nullptr;
+        m_openPolyline = nullptr;
+        if (auto* insert = AcDbBlockReference::cast(e)) {
+            bool follows = false;
+            ForEachBodyTag(e->fileTags(), [&](std::string_view m, const AcDbRawTag& t) {
+                if (t.code == 66 && InEntityPart(m) && Integer(t.value) != 0) follows = true;
+            });
+            if (follows) m_openInsert = insert;
+        } else if (type == "POLYLINE") {
+            m_openPolyline = e;
+        }
     }
-    attachEntity(e, id);
-    m_openInsert = nullptr;
-    m_openPolyline = nullptr;
-    if (auto* insert = AcDbBlockReference::cast(e)) {
-        bool follows = false;
-        ForEachBodyTag(e->fileTags(), [&](std::string_view m, const AcDbRawTag& t) {
-            if (t.code == 66 && InEntityPart(m) && Integer(t.value) != 0) follows = true;
-        });
-        if (follows) m_openInsert = insert;
-    } else if (type == "POLYLINE") {
-        m_openPolyline = e;
-    }
+    if (e != m_openPolyline) forgetRecordIfRebuilt(*e);
+}
+
+// A record that the writer gives back as read from the entity's values alone is not kept:
+// most records of a large drawing hold nothing else. (An open polyline's record still takes
+// the records that follow it.)
+void Builder::forgetRecordIfRebuilt(AcDbEntity& e) {
+    if (!WritesAsRead(e, m_facts.version <= AcDb::kDHL_1009, m_model)) return;
+    AcDbRawTags none;
+    std::swap(e.fileTags(), none);  // the record's buffer goes with `none`
 }
 
 void Builder::readBlockRecord(const std::vector<Tag>& record) {
-    std::string type(record[0].value);
+    std::string_view type = record[0].value;
     if (type == "BLOCK") {
         AcDbRawTags tags;
         toRawTags(record, tags, nullptr);
@@ -1332,7 +1394,7 @@ void Builder::readBlockRecord(const std::vector<Tag>& record) {
 }
 
 void Builder::readObjectRecord(const std::vector<Tag>& record) {
-    std::string type(record[0].value);
+    std::string_view type = record[0].value;
     AcDbObject* o = nullptr;
     if (type == "DICTIONARY" || type == "ACDBDICTIONARYWDFLT") o = new AcDbDictionary();
     else o = new AcDbUnknownObject(Wide(type));
@@ -1388,7 +1450,7 @@ void Builder::resolveNames() {
     }
 }
 
-ReadError Builder::build(std::string_view text) {
+ReadError Builder::build(std::string_view text, MappedFile* file) {
     // Stubs in file order, so that the database lists objects as the file did.
     for (std::uint64_t h : m_facts.handles) {
         AcDbObjectId id;
@@ -1396,24 +1458,26 @@ ReadError Builder::build(std::string_view text) {
     }
     RecordReader reader(text);
     std::vector<Tag> record;
+    std::string_view section;  // in the text, which stays mapped while the pass runs
     while (reader.next(record)) {
+        if (file) file->releaseBefore(record[0].value.data());
         std::string_view type = record[0].value;
         if (type == "SECTION") {
-            m_section = record.size() > 1 ? std::string(record[1].value) : "";
-            if (m_section == "HEADER") readHeader(record);
+            section = record.size() > 1 ? record[1].value : "";
+            if (section == "HEADER") readHeader(record);
             continue;
         }
         if (type == "ENDSEC") {
-            m_section.clear();
+            section = {};
             continue;
         }
         if (type == "EOF") break;
-        if (m_section == "CLASSES") toRawTags(record, m_db.classesSection(), nullptr);
-        else if (m_section == "TABLES") readTableRecord(record);
-        else if (m_section == "BLOCKS") readBlockRecord(record);
-        else if (m_section == "ENTITIES") readEntityRecord(record);
-        else if (m_section == "OBJECTS") readObjectRecord(record);
-        else if (m_section == "THUMBNAILIMAGE") toRawTags(record, m_db.thumbnailSection(), nullptr);
+        if (section == "CLASSES") toRawTags(record, m_db.classesSection(), nullptr);
+        else if (section == "TABLES") readTableRecord(record);
+        else if (section == "BLOCKS") readBlockRecord(record);
+        else if (section == "ENTITIES") readEntityRecord(record);
+        else if (section == "OBJECTS") readObjectRecord(record);
+        else if (section == "THUMBNAILIMAGE") toRawTags(record, m_db.thumbnailSection(), nullptr);
     }
     // Every drawing has its two layout blocks, whatever the file held.
     blockRecordNamed(ACDB_MODEL_SPACE);
@@ -1427,7 +1491,11 @@ ReadError Builder::build(std::string_view text) {
 
 }  // namespace
 
-Acad::ErrorStatus ReadDxfBytes(AcDbDatabase& db, std::string_view bytes, const std::string& name) {
+namespace {
+
+// Reads bytes held in memory, or mapped from a file (which is then given back as read).
+Acad::ErrorStatus ReadBytes(AcDbDatabase& db, std::string_view bytes, const std::string& name,
+                            MappedFile* file) {
     auto fail = [&](DxfError error, int line, const std::string& reason, Acad::ErrorStatus status) {
         char code[16];
         std::snprintf(code, sizeof code, "DXF%03d", static_cast<int>(error));
@@ -1441,35 +1509,39 @@ Acad::ErrorStatus ReadDxfBytes(AcDbDatabase& db, std::string_view bytes, const s
         if (!BinaryToText(bytes, converted, error))
             return fail(DxfError::kTruncated, 0, error, Acad::eBadDxfFile);
         text = converted;
+        file = nullptr;  // the passes go over the converted text
     } else if (!LooksLikeDxf(bytes)) {
         return fail(DxfError::kNotDxf, 1, "not a DXF file", Acad::eUnknownDxfFileFormat);
     }
     if (text.substr(0, 3) == "\xEF\xBB\xBF") text.remove_prefix(3);
     FileFacts facts;
-    ReadError e = Validate(text, facts);
+    ReadError e = Validate(text, facts, file);
     if (e.error != DxfError::kNone) {
         Acad::ErrorStatus status = e.error == DxfError::kMissingSection ? Acad::eMissingDxfSection
                                    : e.error == DxfError::kBadGroupCode ? Acad::eInvalidDxfCode
                                                                         : Acad::eBadDxfFile;
         return fail(e.error, e.line, e.reason, status);
     }
+    if (file) file->rewind();
     Builder builder(db, facts);
-    builder.build(text);
+    builder.build(text, file);
     db.setLastError(L"");
     return Acad::eOk;
 }
 
+}  // namespace
+
+Acad::ErrorStatus ReadDxfBytes(AcDbDatabase& db, std::string_view bytes, const std::string& name) {
+    return ReadBytes(db, bytes, name, nullptr);
+}
+
 Acad::ErrorStatus ReadDxfFile(AcDbDatabase& db, const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
+    MappedFile file;
+    if (!file.open(path)) {
         db.setLastError(Wide(path + ":0: DXF001 cannot open the file"));
         return Acad::eFileNotFound;
     }
-    in.seekg(0, std::ios::end);
-    std::string bytes(static_cast<size_t>(std::max<std::streamoff>(in.tellg(), 0)), '\0');
-    in.seekg(0, std::ios::beg);
-    in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    Acad::ErrorStatus es = ReadDxfBytes(db, bytes, path);
+    Acad::ErrorStatus es = ReadBytes(db, file.bytes(), path, &file);
     if (es == Acad::eOk) db.setFilename(Wide(path));
     return es;
 }

@@ -1,12 +1,15 @@
 #include "platform/dxf/tagger.hpp"
 
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstring>
 
 namespace dxf {
 
-ValueKind KindOfCode(int code) {
+namespace {
+
+ValueKind KindByRange(int code) {
     if (code < 0) return ValueKind::kInvalid;
     if (code <= 9) return ValueKind::kString;
     if (code <= 59) return ValueKind::kDouble;
@@ -44,26 +47,54 @@ ValueKind KindOfCode(int code) {
     return ValueKind::kInvalid;
 }
 
+constexpr int kCodeCount = 1072;
+
+}  // namespace
+
+ValueKind KindOfCode(int code) {
+    // Every tag asks this: the ranges above, looked up in a table made once.
+    static const auto kinds = [] {
+        std::array<ValueKind, kCodeCount> table{};
+        for (int c = 0; c < kCodeCount; ++c) table[static_cast<size_t>(c)] = KindByRange(c);
+        return table;
+    }();
+    return code >= 0 && code < kCodeCount ? kinds[static_cast<size_t>(code)] : ValueKind::kInvalid;
+}
+
 bool TagCursor::readLine(std::string_view& line) {
     if (m_pos >= m_text.size()) return false;
+    // Lines are short: a plain scan beats a library search here.
     const char* start = m_text.data() + m_pos;
-    const void* nl = std::memchr(start, '\n', m_text.size() - m_pos);
-    size_t end = nl ? static_cast<size_t>(static_cast<const char*>(nl) - m_text.data())
-                    : m_text.size();
-    line = m_text.substr(m_pos, end - m_pos);
+    const char* last = m_text.data() + m_text.size();
+    const char* nl = start;
+    while (nl != last && *nl != '\n') ++nl;
+    line = std::string_view(start, static_cast<size_t>(nl - start));
     if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-    m_pos = nl ? end + 1 : end;
+    m_pos = static_cast<size_t>(nl - m_text.data()) + (nl != last ? 1 : 0);
     ++m_line;
     return true;
 }
 
 namespace {
 std::string_view Trim(std::string_view s) {
+    if (s.empty() || (s.front() != ' ' && s.front() != '\t' && s.back() != ' ' && s.back() != '\t'))
+        return s;
     while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
     while (!s.empty() && (s.back() == ' ' || s.back() == '\t')) s.remove_suffix(1);
     return s;
 }
 }  // namespace
+
+// A group code of up to four digits, the common case, read without the general conversion.
+bool ShortCode(std::string_view t, int& code) {
+    if (t.empty() || t.size() > 4) return false;
+    code = 0;
+    for (char c : t) {
+        if (c < '0' || c > '9') return false;
+        code = code * 10 + (c - '0');
+    }
+    return true;
+}
 
 bool TagCursor::next(Tag& tag) {
     if (!m_error.empty()) return false;
@@ -72,10 +103,12 @@ bool TagCursor::next(Tag& tag) {
     tag.line = m_line;
     std::string_view t = Trim(codeLine);
     int code = 0;
-    auto [ptr, ec] = std::from_chars(t.data(), t.data() + t.size(), code);
-    if (t.empty() || ec != std::errc() || ptr != t.data() + t.size()) {
-        m_error = "invalid group code '" + std::string(t.substr(0, 40)) + "'";
-        return false;
+    if (!ShortCode(t, code)) {
+        auto [ptr, ec] = std::from_chars(t.data(), t.data() + t.size(), code);
+        if (t.empty() || ec != std::errc() || ptr != t.data() + t.size()) {
+            m_error = "invalid group code '" + std::string(t.substr(0, 40)) + "'";
+            return false;
+        }
     }
     std::string_view value;
     if (!readLine(value)) {
@@ -86,6 +119,20 @@ bool TagCursor::next(Tag& tag) {
     ValueKind kind = KindOfCode(code);
     tag.value = (kind == ValueKind::kString) ? value : Trim(value);
     return true;
+}
+
+bool IsPlainDecimal(std::string_view text) {
+    if (text.empty() || text.size() > 300) return false;  // no range to check below 300 digits
+    size_t i = text[0] == '-' ? 1 : 0;
+    size_t digits = 0;
+    bool point = false;
+    for (; i < text.size(); ++i) {
+        char c = text[i];
+        if (c >= '0' && c <= '9') ++digits;
+        else if (c == '.' && !point) point = true;
+        else return false;
+    }
+    return digits > 0;
 }
 
 bool ParseDouble(std::string_view text, double& value) {
@@ -100,8 +147,31 @@ bool ParseInteger(std::string_view text, long long& value) {
     return !text.empty() && ec == std::errc() && ptr == text.data() + text.size();
 }
 
+namespace {
+
+// Whole numbers below 1e15 as integer digits and ".0", where that is the shortest form: the
+// common case, and much cheaper than the general conversion.
+bool FormatWholeNumber(double value, std::string& out) {
+    if (value != std::trunc(value) || std::fabs(value) >= 1e15) return false;
+    char buffer[24];
+    auto [end, ec] = std::to_chars(buffer, buffer + sizeof buffer, static_cast<long long>(value));
+    const char* first = buffer[0] == '-' ? buffer + 1 : buffer;
+    auto digits = static_cast<int>(end - first);
+    int zeros = 0;
+    while (zeros < digits - 1 && end[-1 - zeros] == '0') ++zeros;
+    int significant = digits - zeros;
+    // The exponent form "d.ddde+XX" is chosen when it is shorter.
+    if (digits > significant + (significant > 1 ? 1 : 0) + 4) return false;
+    out.append(buffer, end);
+    out.append(".0");
+    return true;
+}
+
+}  // namespace
+
 void FormatDouble(double value, std::string& out) {
     if (value == 0.0) value = 0.0;  // no "-0.0"
+    if (FormatWholeNumber(value, out)) return;
     char buffer[32];
     auto [ptr, ec] = std::to_chars(buffer, buffer + sizeof buffer, value);
     std::string_view s(buffer, static_cast<size_t>(ptr - buffer));

@@ -47,6 +47,9 @@ bool BinaryToText(std::string_view data, std::string& text, std::string& error);
 
 // Number parsing of values; false when the text is not a number of that kind.
 bool ParseDouble(std::string_view text, double& value);
+// True for a plain decimal ("-12.5", ".5"), which ParseDouble accepts, told by its characters
+// alone; false says nothing (exponents, "inf" and so on need ParseDouble).
+bool IsPlainDecimal(std::string_view text);
 bool ParseInteger(std::string_view text, long long& value);
 // Shortest text that reads back as the same double, always with a decimal point.
 void FormatDouble(double value, std::string& out);

@@ -19,9 +19,10 @@
 
 namespace dxf {
 
-std::string TypeName(const AcDbObject& o) {
-    const auto& t = o.fileTags();
-    if (!t.empty() && t.front().code == 0) return std::string(t.front().value);
+namespace {
+
+// The record type of an object by its class, as an object made in memory is written.
+std::string ClassTypeName(const AcDbObject& o) {
     if (auto* u = AcDbUnknownEntity::cast(&o)) return Utf8(u->dxfName());
     if (auto* u = AcDbUnknownObject::cast(&o)) return Utf8(u->dxfName());
     if (AcDbDimension::cast(&o)) return "DIMENSION";
@@ -31,6 +32,14 @@ std::string TypeName(const AcDbObject& o) {
     if (AcDbBlockTableRecord::cast(&o)) return "BLOCK_RECORD";
     const wchar_t* name = o.isA()->dxfName();
     return name ? Utf8(name) : std::string();
+}
+
+}  // namespace
+
+std::string TypeName(const AcDbObject& o) {
+    const auto& t = o.fileTags();
+    if (!t.empty() && t.front().code == 0) return std::string(t.front().value);
+    return ClassTypeName(o);
 }
 
 namespace {
@@ -114,8 +123,68 @@ struct SegmentMerge {
     }
 };
 
+// The application groups of a record's head: extension dictionary and persistent reactors.
+template <typename Sink>
+void HeadGroups(const AcDbObject& o, bool r12, bool xdict, bool reactors, Sink& sink) {
+    if (r12) return;
+    if (xdict && !o.extensionDictionary().isNull()) {
+        sink.tag(102, "{ACAD_XDICTIONARY");
+        sink.tag(360, HandleText(o.extensionDictionary().handle()));
+        sink.tag(102, "}");
+    }
+    if (reactors && !o.persistentReactors().isEmpty()) {
+        sink.tag(102, "{ACAD_REACTORS");
+        for (const auto& id : o.persistentReactors()) sink.tag(330, HandleText(id.handle()));
+        sink.tag(102, "}");
+    }
+}
+
+// A subclass the template lacks: its marker and the values not at their default.
+template <typename Sink>
+void NewSubclass(const Model& model, const Subclass& s, bool r12, Sink& sink) {
+    if (!r12) sink.tag(100, s.marker);
+    for (const Field& f : model.fieldsOf(s))
+        if (!f.optional) sink.field(f);
+}
+
+// A record without a template: the model alone, in its order.
+template <typename Sink>
+void NewRecord(const AcDbObject& o, const Model& model, bool r12, Sink& sink) {
+    sink.tag(0, model.type);
+    std::span<const Field> head = model.fieldsOf(model.subclasses[0]);
+    for (const Field& f : head)
+        if (f.code != 330) sink.field(f);
+    HeadGroups(o, r12, true, true, sink);
+    for (const Field& f : head)
+        if (f.code == 330 && !r12) sink.field(f);
+    for (size_t k = 1; k < model.subclasses.size(); ++k) NewSubclass(model, model.subclasses[k], r12, sink);
+}
+
+// Compares what a sink is given with the tags of a record as read.
+class RecordMatch {
+public:
+    explicit RecordMatch(const AcDbRawTags& tags) : m_at(tags.begin()), m_end(tags.end()) {}
+    void tag(int code, std::string_view value) {
+        if (!m_same) return;
+        m_same = m_at != m_end && m_at->code == code && m_at->value == value;
+        if (m_same) ++m_at;
+    }
+    void field(const Field& f) {
+        if (f.kind == Field::Kind::kText) return tag(f.code, f.text);
+        m_text.clear();
+        AppendField(f, m_text);
+        tag(f.code, m_text);
+    }
+    bool matched() const { return m_same && m_at == m_end; }
+
+private:
+    AcDbRawTags::const_iterator m_at, m_end;
+    bool m_same = true;
+    std::string m_text;
+};
+
 // Output is written through a buffer of this size when it goes to a file.
-constexpr size_t kFlushBytes = 1 << 20;
+constexpr size_t kFlushBytes = 256 << 10;
 
 class Writer {
 public:
@@ -132,11 +201,12 @@ public:
     // False when the file could not be written.
     bool write();
 
-private:
     // ---- output ----
-    void code(int code);
     void tag(int code, std::string_view value);
     void field(const Field& f);
+
+private:
+    void code(int code);
     void raw(const AcDbRawTags& tags) {
         for (const AcDbRawTag& t : tags) tag(t.code, t.value);
     }
@@ -194,11 +264,17 @@ void Writer::flush() {
 // The group code line, right-aligned in three columns as the format's writers do.
 void Writer::code(int code) {
     if (m_file && m_out.size() >= kFlushBytes) flush();
+    if (code >= 0 && code < 1000) {
+        char line[4] = {' ', ' ', ' ', '\n'};
+        int i = 2;
+        do line[i--] = static_cast<char>('0' + code % 10);
+        while ((code /= 10) != 0);
+        m_out.append(line, 4);
+        return;
+    }
     char buffer[16];
     auto [end, ec] = std::to_chars(buffer, buffer + sizeof buffer, code);
-    auto n = static_cast<size_t>(end - buffer);
-    if (n < 3) m_out.append(3 - n, ' ');
-    m_out.append(buffer, n);
+    m_out.append(buffer, end);
     m_out += '\n';
 }
 
@@ -223,19 +299,7 @@ void Writer::field(const Field& f) {
 
 void Writer::merge(const AcDbObject& o, const AcDbRawTags& tmpl, const Model& model) {
     SegmentMerge& seg = m_segment;
-    auto headGroups = [&](bool xdict, bool reactors) {
-        if (m_r12) return;
-        if (xdict && !o.extensionDictionary().isNull()) {
-            tag(102, "{ACAD_XDICTIONARY");
-            tag(360, HandleText(o.extensionDictionary().handle()));
-            tag(102, "}");
-        }
-        if (reactors && !o.persistentReactors().isEmpty()) {
-            tag(102, "{ACAD_REACTORS");
-            for (const auto& id : o.persistentReactors()) tag(330, HandleText(id.handle()));
-            tag(102, "}");
-        }
-    };
+    auto headGroups = [&](bool xdict, bool reactors) { HeadGroups(o, m_r12, xdict, reactors, *this); };
     auto finish = [&](bool head) {
         if (!seg.active) return;
         seg.active = false;
@@ -248,21 +312,10 @@ void Writer::merge(const AcDbObject& o, const AcDbRawTags& tmpl, const Model& mo
             else field(f);
         }
     };
-    auto writeSubclass = [&](const Subclass& s) {
-        if (!m_r12) tag(100, s.marker);
-        for (const Field& f : model.fieldsOf(s))
-            if (!f.optional) field(f);
-    };
+    auto writeSubclass = [&](const Subclass& s) { NewSubclass(model, s, m_r12, *this); };
 
     if (tmpl.empty()) {
-        tag(0, model.type);
-        std::span<const Field> head = model.fieldsOf(model.subclasses[0]);
-        for (const Field& f : head)
-            if (f.code != 330) field(f);
-        headGroups(true, true);
-        for (const Field& f : head)
-            if (f.code == 330 && !m_r12) field(f);
-        for (size_t k = 1; k < model.subclasses.size(); ++k) writeSubclass(model.subclasses[k]);
+        NewRecord(o, model, m_r12, *this);
         return;
     }
 
@@ -846,6 +899,16 @@ bool Writer::write() {
 }
 
 }  // namespace
+
+bool WritesAsRead(const AcDbObject& o, bool r12, Model& model) {
+    // Dimensions without a record get a new block, and their measurement, on writing.
+    if (!AcDbEntity::cast(&o) || AcDbDimension::cast(&o)) return false;
+    BuildModel(o, false, model);
+    model.type = ClassTypeName(o);
+    RecordMatch match(o.fileTags());
+    NewRecord(o, model, r12, match);
+    return match.matched();
+}
 
 Acad::ErrorStatus WriteDxfText(AcDbDatabase& db, const WriteOptions& options, std::string& out) {
     out.clear();
