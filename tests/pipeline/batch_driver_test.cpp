@@ -158,6 +158,21 @@ TEST_F(Batch, EveryDrawingOfThePartIsLoggedAsFinished) {
     EXPECT_NE(log.find(L"合并后的文件 D:\\out\\P.dxf ,正确合并\n"), std::wstring::npos);
 }
 
+TEST_F(Batch, MissingConfigurationRootRunsTheBatchWithEmptySettings) {
+    SetRegistry(L"");
+    BuildModuleState();
+    WriteHandOff(L"D:\\out\\\r\nP-.dxf\r\n");
+    SaveExport(HandOff(L"P-1.dxf"));
+    RunBatch();
+    EXPECT_EQ(Module().ConfigRoot, L"");
+    EXPECT_TRUE(Module().cadStandardIni.missing);
+    // No marker layer is named, so the drawing ends early, unsaved, and is merged as exported.
+    auto merged = ReadDrawing(L"D:\\out\\P.dxf");
+    ASSERT_TRUE(merged);
+    EXPECT_EQ(CountOnLayer(*merged, L"BIGFRAM"), 4);
+    EXPECT_EQ(Host().timers.size(), 1u);
+}
+
 TEST_F(Batch, UnreadableDrawingOfThePartIsLoggedFinishedAndLeftOutOfTheMerge) {
     WriteHandOff(L"D:\\out\\\r\nP-.dxf\r\n");
     SaveExport(HandOff(L"P-1.dxf"));
