@@ -1,5 +1,6 @@
 #include "platform/win/stdio_file.hpp"
 
+#include <filesystem>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -26,9 +27,14 @@ const char* StreamMode(UINT flags) {
     return "rb";
 }
 
-bool StartsWithBom(int fd) {
+// Read through a descriptor of its own, as a file opened for writing only cannot be read.
+bool StartsWithBom(const std::filesystem::path& file) {
+    int fd = ::open(file.c_str(), O_RDONLY);
+    if (fd < 0) return false;
     char head[3] = {};
-    return ::pread(fd, head, 3, 0) == 3 && std::string_view(head, 3) == kUtf8Bom;
+    bool bom = ::pread(fd, head, 3, 0) == 3 && std::string_view(head, 3) == kUtf8Bom;
+    ::close(fd);
+    return bom;
 }
 
 }  // namespace
@@ -38,14 +44,15 @@ CStdioFile::~CStdioFile() { Close(); }
 BOOL CStdioFile::Open(LPCTSTR fileName, UINT flags, CFileException*) {
     Close();
     if (!fileName) return FALSE;
-    int fd = ::open(ResolvePath(fileName).c_str(), PosixFlags(flags), 0644);
+    std::filesystem::path file = ResolvePath(fileName);
+    int fd = ::open(file.c_str(), PosixFlags(flags), 0644);
     if (fd < 0) return FALSE;
     struct stat info {};
     if (::fstat(fd, &info) != 0 || S_ISDIR(info.st_mode)) {
         ::close(fd);
         return FALSE;
     }
-    utf8_ = StartsWithBom(fd);
+    utf8_ = StartsWithBom(file);
     stream_ = ::fdopen(fd, StreamMode(flags));
     if (!stream_) {
         ::close(fd);

@@ -43,6 +43,16 @@ TEST_F(StdioFile, Utf8ByteOrderMarkIsHonouredUnderCodePage936) {
     EXPECT_EQ(line, L"x");
 }
 
+TEST_F(StdioFile, AppendingToAFileWithAByteOrderMarkOpenedForWritingOnlyWritesUtf8) {
+    WriteBytes("drives/d/log.txt", "\xEF\xBB\xBF" "a");
+    CStdioFile out;
+    ASSERT_TRUE(out.Open(L"D:\\log.txt", CFile::modeCreate | CFile::modeNoTruncate | CFile::modeWrite));
+    out.SeekToEnd();
+    out.WriteString(L"合并");
+    out.Close();
+    EXPECT_EQ(ReadBytes(prefix_ / "drives/d/log.txt"), "\xEF\xBB\xBF" "a合并");
+}
+
 TEST_F(StdioFile, CodePage65001ReadsUtf8WithoutMark) {
     SetHostCodePage(65001);
     WriteBytes("drives/d/u.txt", "合并\n");
