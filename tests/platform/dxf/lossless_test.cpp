@@ -164,6 +164,20 @@ TEST(Lossless, RecordWithValuesTheDatabaseDoesNotModelIsKept) {
     EXPECT_NE(out.find(" 10\n1.50\n"), std::string::npos) << out;
 }
 
+TEST(Lossless, AcdsDataSectionIsWrittenWhole) {
+    const std::string section =
+        "  0\nSECTION\n  2\nACDSDATA\n 70\n2\n 71\n6\n  0\nACDSSCHEMA\n 90\n0\n  1\n"
+        "AcDb3DSolid_ASM_Data\n  2\nAcDbDs::ID\n280\n10\n 91\n8\n  0\nACDSRECORD\n 90\n0\n"
+        "  2\nASM_Data\n280\n15\n 94\n4\n310\n414243FF\n  0\nENDSEC\n";
+    std::string drawing = DrawingWith("");
+    drawing.insert(drawing.find("  0\nEOF\n"), section);
+    AcDbDatabase db(false, true);
+    ASSERT_EQ(dxf::ReadDxfBytes(db, drawing, "in.dxf"), Acad::eOk) << dxf::Utf8(db.lastError());
+    std::string out;
+    ASSERT_EQ(dxf::WriteDxfText(db, {}, out), Acad::eOk);
+    EXPECT_NE(out.find("  0\nENDSEC\n" + section + "  0\nEOF\n"), std::string::npos) << out;
+}
+
 TEST(CodePages, GbkBytesDecodeToUnicode) {
     std::string out;
     dxf::DecodeText("\xD6\xD0\xCE\xC4", 936, out);  // 中文 in GBK
