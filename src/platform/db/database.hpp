@@ -119,6 +119,9 @@ public:
     // The THUMBNAILIMAGE section, kept as read.
     AcDbRawTags& thumbnailSection() { return m_thumbnail; }
     const AcDbRawTags& thumbnailSection() const { return m_thumbnail; }
+    // The ACDSDATA section (data of solids and surfaces), kept as read: the tags after its name.
+    AcDbRawTags& acdsDataSection() { return m_acdsData; }
+    const AcDbRawTags& acdsDataSection() const { return m_acdsData; }
     // Version of the file read (AC1009 ... AC1032); the writer may keep it.
     AcDb::AcDbDwgVersion originalFileVersion() const { return m_fileVersion; }
     void setOriginalFileVersion(AcDb::AcDbDwgVersion v) { m_fileVersion = v; }
@@ -172,6 +175,7 @@ private:
     std::vector<std::pair<std::string, AcDbRawTags>> m_headerVars;
     AcDbRawTags m_classes;
     AcDbRawTags m_thumbnail;
+    AcDbRawTags m_acdsData;
     AcDb::AcDbDwgVersion m_fileVersion = AcDb::kDHL_1018;
     std::wstring m_filename;
     std::wstring m_lastError;

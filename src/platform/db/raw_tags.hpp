@@ -48,7 +48,7 @@ public:
         const_iterator(const char* pos, const char* end) : m_pos(pos), m_end(end) { decode(); }
         void decode() {
             if (m_pos == m_end) return;
-            auto byte = [this](const char* p) { return static_cast<unsigned>(static_cast<unsigned char>(*p)); };
+            auto byte = [](const char* p) { return static_cast<unsigned>(static_cast<unsigned char>(*p)); };
             const char* p = m_pos;
             unsigned code = byte(p++);
             if (code == 255) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <optional>
 
 #include "platform/db/arc.hpp"
 #include "platform/db/block_reference.hpp"
@@ -324,6 +325,22 @@ void MTextModel(const AcDbMText& e, ModelWriter& w) {
     w.optional(!(e.lineSpacingFactor() != 1.0)).real(44, e.lineSpacingFactor());
 }
 
+// The vertex identifiers (group code 91) of a polyline's record as read, one per vertex (empty
+// where a vertex has none). The database does not keep them; they go back with the vertices
+// while the polyline has as many vertices as its record.
+std::vector<std::optional<long long>> VertexIds(const AcDbPolyline& e) {
+    std::vector<std::optional<long long>> ids;
+    bool inPolyline = false;
+    long long id = 0;
+    for (const AcDbRawTag& t : e.fileTags()) {
+        if (t.code == 100) inPolyline = t.value == "AcDbPolyline";
+        else if (inPolyline && t.code == 10) ids.emplace_back();
+        else if (inPolyline && t.code == 91 && !ids.empty() && ParseInteger(t.value, id)) ids.back() = id;
+    }
+    if (ids.size() != e.numVerts()) ids.clear();
+    return ids;
+}
+
 void LwPolylineModel(const AcDbPolyline& e, ModelWriter& w) {
     w.subclass("AcDbPolyline");
     w.integer(90, e.numVerts());
@@ -336,8 +353,12 @@ void LwPolylineModel(const AcDbPolyline& e, ModelWriter& w) {
     w.optional(!(e.thickness() != 0.0)).real(39, e.thickness());
     w.beginRun();
     w.own({10, 20, 40, 41, 42, 91});
-    for (const auto& v : e.vertices()) {
+    std::vector<std::optional<long long>> ids;
+    if (w.hasTemplate()) ids = VertexIds(e);
+    for (size_t k = 0; k < e.vertices().size(); ++k) {
+        const auto& v = e.vertices()[k];
         w.point2d(10, v.point);
+        if (k < ids.size() && ids[k]) w.integer(91, *ids[k]);
         if (!constant) {
             w.real(40, v.startWidth);
             w.real(41, v.endWidth);

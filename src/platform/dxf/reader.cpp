@@ -10,6 +10,7 @@
 #include <cstring>
 #include <iterator>
 #include <map>
+#include <span>
 #include <unordered_map>
 
 #include "platform/db/arc.hpp"
@@ -309,7 +310,7 @@ public:
 
 private:
     // ---- tags ----
-    void toRawTags(const std::vector<Tag>& record, AcDbRawTags& tags,
+    void toRawTags(std::span<const Tag> record, AcDbRawTags& tags,
                    std::vector<AcDbObject::XDataGroup>* xdata);
     std::string_view value(const Tag& tag);
     AcDbObjectId idOf(std::string_view handleText);
@@ -375,7 +376,7 @@ std::string_view Builder::value(const Tag& tag) {
 
 // Packs the record's tags onto a list (the extension data apart when xdata is given). The tags
 // are packed into a buffer kept between records, so that the list grows once, by their size.
-void Builder::toRawTags(const std::vector<Tag>& record, AcDbRawTags& tags,
+void Builder::toRawTags(std::span<const Tag> record, AcDbRawTags& tags,
                         std::vector<AcDbObject::XDataGroup>* xdata) {
     m_packed.clear();
     AcDbRawTags* into = &m_packed;
@@ -1465,6 +1466,10 @@ ReadError Builder::build(std::string_view text, MappedFile* file) {
         if (type == "SECTION") {
             section = record.size() > 1 ? record[1].value : "";
             if (section == "HEADER") readHeader(record);
+            // The section's own tags after its name belong to what is kept of it.
+            if (section == "ACDSDATA")
+                toRawTags(std::span<const Tag>(record).subspan(std::min<size_t>(record.size(), 2)),
+                          m_db.acdsDataSection(), nullptr);
             continue;
         }
         if (type == "ENDSEC") {
@@ -1478,6 +1483,7 @@ ReadError Builder::build(std::string_view text, MappedFile* file) {
         else if (section == "ENTITIES") readEntityRecord(record);
         else if (section == "OBJECTS") readObjectRecord(record);
         else if (section == "THUMBNAILIMAGE") toRawTags(record, m_db.thumbnailSection(), nullptr);
+        else if (section == "ACDSDATA") toRawTags(record, m_db.acdsDataSection(), nullptr);
     }
     // Every drawing has its two layout blocks, whatever the file held.
     blockRecordNamed(ACDB_MODEL_SPACE);

@@ -887,6 +887,12 @@ bool Writer::write() {
         if (auto* b = AcDbBlockTableRecord::cast(ObjectOf(m_db.blockId(name)))) blockEntities(*b);
     tag(0, "ENDSEC");
     if (!m_r12) objects();
+    if (!m_r12 && !m_db.acdsDataSection().empty()) {
+        tag(0, "SECTION");
+        tag(2, "ACDSDATA");
+        raw(m_db.acdsDataSection());
+        tag(0, "ENDSEC");
+    }
     if (!m_r12 && !m_db.thumbnailSection().empty()) {
         tag(0, "SECTION");
         tag(2, "THUMBNAILIMAGE");

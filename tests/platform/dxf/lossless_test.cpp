@@ -3,6 +3,7 @@
 
 #include "platform/db/dimension.hpp"
 #include "platform/db/line.hpp"
+#include "platform/db/polyline.hpp"
 #include "platform/dxf/codepage.hpp"
 #include "platform/dxf/dxf.hpp"
 #include "platform/dxf/model.hpp"
@@ -92,6 +93,89 @@ TEST(Lossless, HandlesSurviveAndRecordsTheFileLacksTakeHandlesFromHandseed) {
     EXPECT_NE(AcDbLine::cast(ObjectAt(back, 0x2A)), nullptr);
     EXPECT_NE(AcDbOrdinateDimension::cast(ObjectAt(back, 0x2C)), nullptr);
     EXPECT_GE(back.handseed().value(), 0x100u);
+}
+
+// A drawing of one entity record in model space (block record 1F).
+std::string DrawingWith(const std::string& record) {
+    return "  0\nSECTION\n  2\nHEADER\n  9\n$ACADVER\n  1\nAC1018\n  0\nENDSEC\n"
+           "  0\nSECTION\n  2\nTABLES\n  0\nTABLE\n  2\nBLOCK_RECORD\n  5\n1\n330\n0\n"
+           "100\nAcDbSymbolTable\n 70\n1\n  0\nBLOCK_RECORD\n  5\n1F\n330\n1\n"
+           "100\nAcDbSymbolTableRecord\n100\nAcDbBlockTableRecord\n  2\n*Model_Space\n"
+           "  0\nENDTAB\n  0\nENDSEC\n  0\nSECTION\n  2\nBLOCKS\n  0\nENDSEC\n"
+           "  0\nSECTION\n  2\nENTITIES\n" + record +
+           "  0\nENDSEC\n  0\nSECTION\n  2\nOBJECTS\n  0\nDICTIONARY\n  5\nC\n330\n0\n"
+           "100\nAcDbDictionary\n  0\nENDSEC\n  0\nEOF\n";
+}
+
+const std::string kPolylineWithIds =
+    "  0\nLWPOLYLINE\n  5\n2D\n330\n1F\n100\nAcDbEntity\n  8\n0\n100\nAcDbPolyline\n 90\n2\n"
+    " 70\n0\n 43\n0.0\n 10\n1.0\n 20\n2.0\n 91\n7\n 10\n3.0\n 20\n4.0\n 91\n8\n";
+
+TEST(Lossless, PolylineVertexIdsGoBackWithTheirVertices) {
+    AcDbDatabase db(false, true);
+    ASSERT_EQ(dxf::ReadDxfBytes(db, DrawingWith(kPolylineWithIds), "in.dxf"), Acad::eOk)
+        << dxf::Utf8(db.lastError());
+    std::string out;
+    ASSERT_EQ(dxf::WriteDxfText(db, {}, out), Acad::eOk);
+    EXPECT_NE(out.find(" 10\n1.0\n 20\n2.0\n 91\n7\n 10\n3.0\n 20\n4.0\n 91\n8\n"),
+              std::string::npos) << out;
+}
+
+TEST(Lossless, PolylineVertexIdsAreLeftOutWhenTheVerticesChange) {
+    AcDbDatabase db(false, true);
+    ASSERT_EQ(dxf::ReadDxfBytes(db, DrawingWith(kPolylineWithIds), "in.dxf"), Acad::eOk);
+    auto* polyline = AcDbPolyline::cast(ObjectAt(db, 0x2D));
+    ASSERT_NE(polyline, nullptr);
+    polyline->vertices().push_back({{5.0, 6.0}});
+    std::string out;
+    ASSERT_EQ(dxf::WriteDxfText(db, {}, out), Acad::eOk);
+    EXPECT_EQ(out.find(" 91\n"), std::string::npos) << out;
+    EXPECT_NE(out.find(" 10\n5.0\n 20\n6.0\n"), std::string::npos) << out;
+}
+
+TEST(Lossless, RecordTheWriterRebuildsIsNotKeptAndComesBackTheSame) {
+    const std::string line =
+        "  0\nLINE\n  5\n2E\n330\n1F\n100\nAcDbEntity\n  8\nWALLS\n100\nAcDbLine\n"
+        " 10\n1.5\n 20\n2.0\n 30\n0.0\n 11\n3.0\n 21\n4.0\n 31\n0.0\n";
+    AcDbDatabase db(false, true);
+    ASSERT_EQ(dxf::ReadDxfBytes(db, DrawingWith(line), "in.dxf"), Acad::eOk);
+    AcDbObject* rebuilt = ObjectAt(db, 0x2E);
+    ASSERT_NE(rebuilt, nullptr);
+    EXPECT_TRUE(rebuilt->fileTags().empty());
+    std::string out;
+    ASSERT_EQ(dxf::WriteDxfText(db, {}, out), Acad::eOk);
+    EXPECT_NE(out.find(line.substr(0, line.find("330\n"))), std::string::npos) << out;
+    EXPECT_NE(out.find("100\nAcDbEntity\n  8\nWALLS\n100\nAcDbLine\n 10\n1.5\n"), std::string::npos) << out;
+}
+
+TEST(Lossless, RecordWithValuesTheDatabaseDoesNotModelIsKept) {
+    AcDbDatabase db(false, true);
+    ASSERT_EQ(dxf::ReadDxfBytes(db, kDrawing, "in.dxf"), Acad::eOk);
+    // The line has an unknown subclass; a number written in a longer form is kept as well.
+    EXPECT_FALSE(ObjectAt(db, 0x2A)->fileTags().empty());
+    const std::string longForm =
+        "  0\nLINE\n  5\n2E\n330\n1F\n100\nAcDbEntity\n  8\n0\n100\nAcDbLine\n"
+        " 10\n1.50\n 20\n2.0\n 30\n0.0\n 11\n3.0\n 21\n4.0\n 31\n0.0\n";
+    AcDbDatabase db2(false, true);
+    ASSERT_EQ(dxf::ReadDxfBytes(db2, DrawingWith(longForm), "in.dxf"), Acad::eOk);
+    EXPECT_FALSE(ObjectAt(db2, 0x2E)->fileTags().empty());
+    std::string out;
+    dxf::WriteDxfText(db2, {}, out);
+    EXPECT_NE(out.find(" 10\n1.50\n"), std::string::npos) << out;
+}
+
+TEST(Lossless, AcdsDataSectionIsWrittenWhole) {
+    const std::string section =
+        "  0\nSECTION\n  2\nACDSDATA\n 70\n2\n 71\n6\n  0\nACDSSCHEMA\n 90\n0\n  1\n"
+        "AcDb3DSolid_ASM_Data\n  2\nAcDbDs::ID\n280\n10\n 91\n8\n  0\nACDSRECORD\n 90\n0\n"
+        "  2\nASM_Data\n280\n15\n 94\n4\n310\n414243FF\n  0\nENDSEC\n";
+    std::string drawing = DrawingWith("");
+    drawing.insert(drawing.find("  0\nEOF\n"), section);
+    AcDbDatabase db(false, true);
+    ASSERT_EQ(dxf::ReadDxfBytes(db, drawing, "in.dxf"), Acad::eOk) << dxf::Utf8(db.lastError());
+    std::string out;
+    ASSERT_EQ(dxf::WriteDxfText(db, {}, out), Acad::eOk);
+    EXPECT_NE(out.find("  0\nENDSEC\n" + section + "  0\nEOF\n"), std::string::npos) << out;
 }
 
 TEST(CodePages, GbkBytesDecodeToUnicode) {
