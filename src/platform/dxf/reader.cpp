@@ -1,5 +1,6 @@
 // Reading: a validating pass over the tags (nothing enters the database when it fails), then a
-// building pass that turns records into objects and keeps every tag as the record's template.
+// building pass that turns records into objects and keeps each record's tags as its template,
+// unless the writer rebuilds the record exactly from the object.
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>

@@ -1,5 +1,6 @@
-// Writing: every object's record as read is the template; the values the database models are
-// laid over it in place, and what it does not model is written back as it was.
+// Writing: an object's record as read is the template; the values the database models are
+// laid over it in place, and what it does not model is written back as it was. Objects without
+// a template (made in memory, or rebuilt exactly) are written from the model alone.
 #include <unistd.h>
 
 #include <charconv>
