@@ -9,6 +9,9 @@ namespace dxf {
 
 // The Windows code page number of a $DWGCODEPAGE value ("ANSI_936" -> 936); 1252 when the
 // name is missing or unknown.
+// Appends the UTF-8 bytes of one code point.
+void AppendUtf8(std::string& out, unsigned codePoint);
+
 int CodePageFromName(std::string_view name);
 // The $DWGCODEPAGE value of a code page number (936 -> "ANSI_936").
 std::string CodePageName(int codePage);

@@ -20,6 +20,7 @@
 #include "platform/db/polyline_classic.hpp"
 #include "platform/db/spline.hpp"
 #include "platform/db/text.hpp"
+#include "platform/dxf/codepage.hpp"
 #include "platform/dxf/tagger.hpp"
 
 namespace dxf {
@@ -44,24 +45,7 @@ std::string Utf8(std::wstring_view text) {
 
 void Utf8Into(std::wstring_view text, std::string& out) {
     out.reserve(out.size() + text.size());
-    for (wchar_t wc : text) {
-        auto cp = static_cast<unsigned>(wc);
-        if (cp < 0x80) {
-            out += static_cast<char>(cp);
-        } else if (cp < 0x800) {
-            out += static_cast<char>(0xC0 | (cp >> 6));
-            out += static_cast<char>(0x80 | (cp & 0x3F));
-        } else if (cp < 0x10000) {
-            out += static_cast<char>(0xE0 | (cp >> 12));
-            out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-            out += static_cast<char>(0x80 | (cp & 0x3F));
-        } else {
-            out += static_cast<char>(0xF0 | (cp >> 18));
-            out += static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
-            out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-            out += static_cast<char>(0x80 | (cp & 0x3F));
-        }
-    }
+    for (wchar_t wc : text) AppendUtf8(out, static_cast<unsigned>(wc));
 }
 
 std::wstring Wide(std::string_view s) {
