@@ -32,7 +32,7 @@ std::wstring recordName(AcDbObjectId id) {
 }  // namespace
 
 AcDbObjectId AcDbEntity::layerId() const {
-    return recordIdByName(resolvingDatabase(this), AcDbDatabase::kLayerTable, m_layer);
+    return recordIdByName(resolvingDatabase(this), AcDbDatabase::kLayerTable, m_layer.str());
 }
 
 Acad::ErrorStatus AcDbEntity::setLayer(const std::wstring& name, bool) {
@@ -51,7 +51,7 @@ Acad::ErrorStatus AcDbEntity::setLayer(AcDbObjectId layerId, bool) {
 }
 
 AcDbObjectId AcDbEntity::linetypeId() const {
-    return recordIdByName(resolvingDatabase(this), AcDbDatabase::kLinetypeTable, m_linetype);
+    return recordIdByName(resolvingDatabase(this), AcDbDatabase::kLinetypeTable, m_linetype.str());
 }
 
 Acad::ErrorStatus AcDbEntity::setLinetype(const std::wstring& name, bool) {

@@ -4,6 +4,7 @@
 #include "platform/db/color.hpp"
 #include "platform/db/extents.hpp"
 #include "platform/db/object.hpp"
+#include "platform/db/shared_name.hpp"
 #include "platform/ge/matrix3d.hpp"
 
 // Base of everything drawn: the common properties every entity has, and the geometric
@@ -13,13 +14,13 @@ public:
     ACRX_DECLARE_ABSTRACT_MEMBERS(AcDbEntity)
 
     // The entity's own layer and linetype names, as stored (not resolved).
-    std::wstring layer() const { return m_layer; }
+    const std::wstring& layer() const { return m_layer.str(); }
     AcDbObjectId layerId() const;
     // Sets the layer by name. Fails with eKeyNotFound when the entity's database (or, for a new
     // entity, the working database) has no such layer.
     Acad::ErrorStatus setLayer(const std::wstring& name, bool doSubents = true);
     Acad::ErrorStatus setLayer(AcDbObjectId layerId, bool doSubents = true);
-    std::wstring linetype() const { return m_linetype; }
+    const std::wstring& linetype() const { return m_linetype.str(); }
     AcDbObjectId linetypeId() const;
     Acad::ErrorStatus setLinetype(const std::wstring& name, bool doSubents = true);
     Acad::ErrorStatus setLinetype(AcDbObjectId linetypeId, bool doSubents = true);
@@ -38,7 +39,7 @@ public:
     // before (or without) its table record.
     void setLayerName(const std::wstring& name) { m_layer = name; }
     void setLinetypeName(const std::wstring& name) { m_linetype = name; }
-    std::wstring plotStyleName() const { return m_plotStyleName; }
+    const std::wstring& plotStyleName() const { return m_plotStyleName.str(); }
     void setPlotStyleName(const std::wstring& name) { m_plotStyleName = name; }
     // The block record that holds the entity (its owner), or null.
     AcDbObjectId blockId() const { return ownerId(); }
@@ -72,13 +73,13 @@ protected:
     AcDbEntity(const AcDbEntity&) = default;
 
 private:
-    std::wstring m_layer = L"0";
-    std::wstring m_linetype = L"BYLAYER";
+    AcDbSharedName m_layer{L"0"};
+    AcDbSharedName m_linetype{L"BYLAYER"};
     AcCmColor m_color;
     double m_linetypeScale = 1.0;
     AcDb::LineWeight m_lineWeight = AcDb::kLnWtByLayer;
     AcDb::Visibility m_visibility = AcDb::kVisible;
-    std::wstring m_plotStyleName;
+    AcDbSharedName m_plotStyleName;
     bool m_paperSpace = false;
 };
 

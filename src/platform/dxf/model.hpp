@@ -100,10 +100,6 @@ void BuildModel(const AcDbObject& object, bool hasTemplate, Model& model);
 
 // The record type name of an object: as read, or by its class.
 std::string TypeName(const AcDbObject& object);
-// True when the writer gives back an entity's record as read from the database's values alone,
-// as it writes an entity made in memory: the reader then need not keep the record. r12 tells
-// whether records are written the R12 way (no subclass markers).
-bool WritesAsRead(const AcDbObject& object, bool r12, Model& model);
 
 // Text conversions between the database's wide strings and the codec's UTF-8.
 std::string Utf8(std::wstring_view text);

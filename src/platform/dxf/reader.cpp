@@ -332,7 +332,6 @@ private:
     AcDbSymbolTable* tableFor(const std::string& name);
     AcDbBlockTableRecord* blockRecordNamed(const std::wstring& name);
     void attachEntity(AcDbEntity* e, AcDbObjectId id);
-    void forgetRecordIfRebuilt(AcDbEntity& e);
     void readDimStyleXData(AcDbDimension& d);
     void resolveNames();
 
@@ -352,7 +351,6 @@ private:
     std::vector<std::pair<AcDbLayerTableRecord*, std::wstring>> m_layerLinetypes;
     std::string m_scratch;
     AcDbRawTags m_packed;
-    Model m_model;
 };
 
 // The value as the database keeps it: strings in UTF-8, integers without a plus sign or a
@@ -1342,16 +1340,6 @@ void Builder::readEntityRecord(const std::vector<Tag>& record) {
             m_openPolyline = e;
         }
     }
-    if (e != m_openPolyline) forgetRecordIfRebuilt(*e);
-}
-
-// A record that the writer gives back as read from the entity's values alone is not kept:
-// most records of a large drawing hold nothing else. (An open polyline's record still takes
-// the records that follow it.)
-void Builder::forgetRecordIfRebuilt(AcDbEntity& e) {
-    if (!WritesAsRead(e, m_facts.version <= AcDb::kDHL_1009, m_model)) return;
-    AcDbRawTags none;
-    std::swap(e.fileTags(), none);  // the record's buffer goes with `none`
 }
 
 void Builder::readBlockRecord(const std::vector<Tag>& record) {

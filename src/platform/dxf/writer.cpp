@@ -161,29 +161,6 @@ void NewRecord(const AcDbObject& o, const Model& model, bool r12, Sink& sink) {
     for (size_t k = 1; k < model.subclasses.size(); ++k) NewSubclass(model, model.subclasses[k], r12, sink);
 }
 
-// Compares what a sink is given with the tags of a record as read.
-class RecordMatch {
-public:
-    explicit RecordMatch(const AcDbRawTags& tags) : m_at(tags.begin()), m_end(tags.end()) {}
-    void tag(int code, std::string_view value) {
-        if (!m_same) return;
-        m_same = m_at != m_end && m_at->code == code && m_at->value == value;
-        if (m_same) ++m_at;
-    }
-    void field(const Field& f) {
-        if (f.kind == Field::Kind::kText) return tag(f.code, f.text);
-        m_text.clear();
-        AppendField(f, m_text);
-        tag(f.code, m_text);
-    }
-    bool matched() const { return m_same && m_at == m_end; }
-
-private:
-    AcDbRawTags::const_iterator m_at, m_end;
-    bool m_same = true;
-    std::string m_text;
-};
-
 // Output is written through a buffer of this size when it goes to a file.
 constexpr size_t kFlushBytes = 256 << 10;
 
@@ -906,16 +883,6 @@ bool Writer::write() {
 }
 
 }  // namespace
-
-bool WritesAsRead(const AcDbObject& o, bool r12, Model& model) {
-    // Dimensions without a record get a new block, and their measurement, on writing.
-    if (!AcDbEntity::cast(&o) || AcDbDimension::cast(&o)) return false;
-    BuildModel(o, false, model);
-    model.type = ClassTypeName(o);
-    RecordMatch match(o.fileTags());
-    NewRecord(o, model, r12, match);
-    return match.matched();
-}
 
 Acad::ErrorStatus WriteDxfText(AcDbDatabase& db, const WriteOptions& options, std::string& out) {
     out.clear();

@@ -133,19 +133,15 @@ TEST(Lossless, PolylineVertexIdsAreLeftOutWhenTheVerticesChange) {
     EXPECT_NE(out.find(" 10\n5.0\n 20\n6.0\n"), std::string::npos) << out;
 }
 
-TEST(Lossless, RecordTheWriterRebuildsIsNotKeptAndComesBackTheSame) {
+TEST(Lossless, RecordOfAnEntityTheDatabaseModelsComesBackAsRead) {
     const std::string line =
         "  0\nLINE\n  5\n2E\n330\n1F\n100\nAcDbEntity\n  8\nWALLS\n100\nAcDbLine\n"
         " 10\n1.5\n 20\n2.0\n 30\n0.0\n 11\n3.0\n 21\n4.0\n 31\n0.0\n";
     AcDbDatabase db(false, true);
     ASSERT_EQ(dxf::ReadDxfBytes(db, DrawingWith(line), "in.dxf"), Acad::eOk);
-    AcDbObject* rebuilt = ObjectAt(db, 0x2E);
-    ASSERT_NE(rebuilt, nullptr);
-    EXPECT_TRUE(rebuilt->fileTags().empty());
     std::string out;
     ASSERT_EQ(dxf::WriteDxfText(db, {}, out), Acad::eOk);
-    EXPECT_NE(out.find(line.substr(0, line.find("330\n"))), std::string::npos) << out;
-    EXPECT_NE(out.find("100\nAcDbEntity\n  8\nWALLS\n100\nAcDbLine\n 10\n1.5\n"), std::string::npos) << out;
+    EXPECT_NE(out.find(line), std::string::npos) << out;
 }
 
 TEST(Lossless, RecordWithValuesTheDatabaseDoesNotModelIsKept) {
