@@ -1,11 +1,13 @@
 // Writing: an object's record as read is the template; the values the database models are
 // laid over it in place, and what it does not model is written back as it was. Objects without
-// a template (made in memory, or rebuilt exactly) are written from the model alone.
+// a template (made in memory) are written from the model alone.
 #include <unistd.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
 #include <cstring>
+#include <thread>
 
 #include "platform/db/block_reference.hpp"
 #include "platform/db/block_table_record.hpp"
@@ -167,7 +169,7 @@ constexpr size_t kFlushBytes = 256 << 10;
 class Writer {
 public:
     Writer(AcDbDatabase& db, const WriteOptions& options, std::string& out, std::FILE* file)
-        : m_db(db), m_out(out), m_file(file) {
+        : m_db(db), m_options(options), m_out(out), m_file(file) {
         AcDb::AcDbDwgVersion read = db.originalFileVersion();
         m_version = options.keepVersion || read < AcDb::kDHL_1015 ? read : options.version;
         if (m_version == AcDb::kDHL_Unknown) m_version = AcDb::kDHL_1018;
@@ -218,7 +220,10 @@ private:
     void marker(const AcDbBlockTableRecord& block, const AcDbBlockTableRecord::FileMarker& m, bool begin);
     void objects();
 
+    void entityBatch(const AcDbObjectIdArray& ids, size_t begin, size_t end);
+
     AcDbDatabase& m_db;
+    const WriteOptions& m_options;
     std::string& m_out;
     std::FILE* m_file;  // null when the text stays in m_out
     bool m_failed = false;
@@ -794,10 +799,46 @@ void Writer::entity(const AcDbEntity& e) {
     }
 }
 
-void Writer::blockEntities(const AcDbBlockTableRecord& block) {
-    for (const auto& id : block.entityIds()) {
-        auto* e = AcDbEntity::cast(ObjectOf(id));
+void Writer::entityBatch(const AcDbObjectIdArray& ids, size_t begin, size_t end) {
+    for (size_t i = begin; i < end; ++i) {
+        auto* e = AcDbEntity::cast(ObjectOf(ids[static_cast<int>(i)]));
         if (e && !e->isErased()) entity(*e);
+    }
+}
+
+// Entities of one batch formatted on a helper thread.
+constexpr size_t kEntityBatch = 4096;
+
+// A large block's entities are formatted a batch per thread, the writer's own thread taking the
+// first of each round; the batches go out in their order, so the file is the one a single thread
+// writes. Formatting only reads the database (handles were all given by prepare()).
+void Writer::blockEntities(const AcDbBlockTableRecord& block) {
+    const AcDbObjectIdArray& ids = block.entityIds();
+    size_t count = static_cast<size_t>(ids.length());
+    size_t helpers = std::min<size_t>(std::max(std::thread::hardware_concurrency(), 1u), 4) - 1;
+    if (!m_file || helpers == 0 || count < 2 * kEntityBatch) {
+        entityBatch(ids, 0, count);
+        return;
+    }
+    std::vector<std::string> texts(helpers);
+    for (size_t begin = 0; begin < count;) {
+        std::vector<std::thread> threads;
+        for (size_t h = 0; h < helpers; ++h) {
+            size_t from = std::min(count, begin + (h + 1) * kEntityBatch);
+            size_t to = std::min(count, from + kEntityBatch);
+            texts[h].clear();
+            threads.emplace_back([this, &ids, &text = texts[h], from, to] {
+                Writer helper(m_db, m_options, text, nullptr);
+                helper.entityBatch(ids, from, to);
+            });
+        }
+        entityBatch(ids, begin, std::min(count, begin + kEntityBatch));
+        for (size_t h = 0; h < helpers; ++h) {
+            threads[h].join();
+            if (m_out.size() >= kFlushBytes) flush();
+            m_out += texts[h];
+        }
+        begin = std::min(count, begin + (helpers + 1) * kEntityBatch);
     }
 }
 
