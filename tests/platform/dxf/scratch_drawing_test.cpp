@@ -177,3 +177,26 @@ TEST(ScratchDrawing, NewObjectsTakeHandlesFromHandseedWhichIsRaised) {
 }
 
 }  // namespace
+
+TEST(ScratchDrawing, LargeDrawingWrittenToAFileInBatchesEqualsTheTextWrittenInOnePiece) {
+    AcDbDatabase db(true, true);
+    AcDbBlockTableRecord* space = nullptr;
+    ASSERT_EQ(acdbOpenObject(space, db.modelSpaceId(), AcDb::kForWrite), Acad::eOk);
+    // More entities than several batches, with a part batch at the end.
+    for (int i = 0; i < 30001; ++i) {
+        double x = i * 0.5;
+        AcDbEntity* e = i % 3 == 0   ? static_cast<AcDbEntity*>(new AcDbLine({x, 0, 0}, {x, 10, 0}))
+                        : i % 3 == 1 ? static_cast<AcDbEntity*>(new AcDbCircle({x, 5, 0}, AcGeVector3d::kZAxis, 1))
+                                     : new AcDbText({x, 20, 0}, L"孔" + std::to_wstring(i), db.textstyle(), 2.5);
+        ASSERT_EQ(space->appendAcDbEntity(e), Acad::eOk);
+        e->close();
+    }
+    space->close();
+    std::string inOnePiece;
+    ASSERT_EQ(dxf::WriteDxfText(db, {}, inOnePiece), Acad::eOk);
+    auto path = dxftest::TempDir("batches") / "large.dxf";
+    ASSERT_EQ(dxf::WriteDxfFile(db, path.string(), {}), Acad::eOk);
+    std::string fromFile = dxftest::ReadFile(path);
+    EXPECT_EQ(fromFile.size(), inOnePiece.size());
+    EXPECT_TRUE(fromFile == inOnePiece);
+}
