@@ -21,6 +21,7 @@ AcDbDatabase::~AcDbDatabase() {
 void AcDbDatabase::discardContents() {
     m_stubs.clear();
     m_byHandle.clear();
+    m_added = 0;
     m_handseed = AcDbHandle(1);
     for (AcDbObjectId& table : m_tables) table = AcDbObjectId::kNull;
     m_namedObjects = m_clayer = m_celtype = m_textstyle = m_dimstyle = AcDbObjectId::kNull;
@@ -29,6 +30,7 @@ void AcDbDatabase::discardContents() {
     m_headerVars.clear();
     m_classes.clear();
     m_thumbnail.clear();
+    m_acdsData.clear();
 }
 
 // ---- Objects ----
@@ -60,9 +62,22 @@ Acad::ErrorStatus AcDbDatabase::addAcDbObjectWithHandle(AcDbObjectId& id, AcDbOb
         stub = &newStub(handle);
     }
     stub->object.reset(object);
+    stub->added = ++m_added;
     object->attachToStub(stub);
     object->openFor(AcDb::kForWrite);
     id = AcDbObjectId(stub);
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbDatabase::moveToHandle(AcDbObjectId id, AcDbHandle handle) {
+    AcDbStub* stub = id.stub();
+    if (stub == nullptr || stub->database != this || stub->object == nullptr) return Acad::eNullObjectId;
+    if (handle.isNull()) return Acad::eNullHandle;
+    if (m_byHandle.count(handle.value()) != 0) return Acad::eHandleInUse;
+    m_byHandle.erase(stub->handle.value());
+    stub->handle = handle;
+    m_byHandle[handle.value()] = stub;
+    if (handle.value() >= m_handseed.value()) m_handseed = AcDbHandle(handle.value() + 1);
     return Acad::eOk;
 }
 

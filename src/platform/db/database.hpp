@@ -31,13 +31,19 @@ public:
     // holding an object gives eHandleInUse.
     Acad::ErrorStatus addAcDbObjectWithHandle(AcDbObjectId& id, AcDbObject* object,
                                               AcDbHandle handle);
+    // Gives a resident object another, free handle; its id stays the same. Readers use it for
+    // an object they numbered themselves when the file later names that handle for another.
+    // eHandleInUse when the new handle is taken, eNullObjectId for an id of no object here.
+    Acad::ErrorStatus moveToHandle(AcDbObjectId id, AcDbHandle handle);
     // The id of a handle; with createIfNotFound an empty slot is made, to be filled later.
     Acad::ErrorStatus getAcDbObjectId(AcDbObjectId& id, bool createIfNotFound,
                                       const AcDbHandle& handle);
     // The next free handle, as the header's $HANDSEED keeps it.
     AcDbHandle handseed() const { return m_handseed; }
     void setHandseed(AcDbHandle seed);
-    // Every stub in the order of creation (for writers and audits).
+    // Every stub in the order of creation (for writers and audits). A stub made for a reference
+    // before its object came stands where the reference was met; AcDbStub::added tells the
+    // order in which the objects themselves were added.
     const std::deque<AcDbStub>& stubs() const { return m_stubs; }
 
     // ---- Tables ----
@@ -161,6 +167,7 @@ private:
 
     std::deque<AcDbStub> m_stubs;
     std::unordered_map<std::uint64_t, AcDbStub*> m_byHandle;
+    std::uint64_t m_added = 0;  // objects added so far, for AcDbStub::added
     AcDbHandle m_handseed{1};
     AcDbObjectId m_tables[kTableCount];
     AcDbObjectId m_namedObjects;

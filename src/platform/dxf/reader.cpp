@@ -1,6 +1,6 @@
-// Reading: a validating pass over the tags (nothing enters the database when it fails), then a
-// building pass that turns records into objects and keeps each record's tags as its template,
-// unless the writer rebuilds the record exactly from the object.
+// Reading: one pass over the tags that checks them and turns records into objects, each keeping
+// its record's tags as the writer's template. When the file turns out bad, what was built is
+// discarded: the database is left empty.
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -13,6 +13,7 @@
 #include <map>
 #include <span>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "platform/db/arc.hpp"
 #include "platform/db/block_reference.hpp"
@@ -83,7 +84,7 @@ struct ReadError {
     Acad::ErrorStatus status = Acad::eOk;
 };
 
-// A drawing file mapped into memory. Each pass gives back the pages it has gone past, so that
+// A drawing file mapped into memory. The reader gives back the pages it has gone past, so that
 // a large file is never resident whole: the database keeps its own copy of what it needs.
 class MappedFile {
 public:
@@ -110,7 +111,7 @@ public:
     }
     std::string_view bytes() const { return {m_data, m_data ? m_size : 0}; }
     // Gives back the whole pages before p, a quarter megabyte at a time; they are read again
-    // from the file if a later pass goes over them.
+    // from the file if they are looked at again.
     void releaseBefore(const char* p) {
         if (!m_data || p < m_data || p > m_data + m_size) return;
         size_t upTo = static_cast<size_t>(p - m_data) & ~(kPage - 1);
@@ -118,8 +119,6 @@ public:
         ::madvise(m_data + m_released, upTo - m_released, MADV_DONTNEED);
         m_released = upTo;
     }
-    // A new pass starts at the beginning.
-    void rewind() { m_released = 0; }
 
 private:
     static constexpr size_t kPage = 4096;
@@ -129,12 +128,10 @@ private:
     size_t m_released = 0;
 };
 
-// What the validating pass learns for the building pass.
+// What the header tells about the records after it.
 struct FileFacts {
     AcDb::AcDbDwgVersion version = AcDb::kDHL_1009;
     int codePage = 1252;
-    std::vector<std::uint64_t> handles;  // of the records, in file order
-    std::uint64_t maxHandle = 0;
     std::uint64_t handseed = 0;
 };
 
@@ -164,108 +161,106 @@ bool ValidNumber(ValueKind kind, std::string_view v) {
     return true;
 }
 
-// The validating pass: group codes, numbers, section structure, handles in order.
-ReadError Validate(std::string_view text, FileFacts& facts, MappedFile* file) {
-    TagCursor cursor(text);
-    Tag tag;
-    std::string section;
-    bool inSection = false, sawEof = false, expectSectionName = false, inRecord = false;
-    bool headerVersion = false, headerCodePage = false, headerSeed = false;
-    std::vector<std::string> sections;
-    int lastLine = 0;
-    while (cursor.next(tag)) {
-        if (file) file->releaseBefore(tag.value.data());
-        lastLine = tag.line;
-        ValueKind kind = KindOfCode(tag.code);
-        if (kind == ValueKind::kInvalid)
-            return {DxfError::kBadGroupCode, tag.line, "unknown group code " + std::to_string(tag.code)};
-        if (!ValidNumber(kind, tag.value))
-            return {DxfError::kBadNumber, tag.line + 1,
-                    "value '" + std::string(tag.value.substr(0, 40)) + "' of group code " +
-                        std::to_string(tag.code) + " is not a number"};
-        if (sawEof) break;
-        if (expectSectionName) {
-            if (tag.code != 2)
-                return {DxfError::kBadStructure, tag.line, "SECTION without a name"};
-            section = std::string(tag.value);
-            sections.push_back(section);
-            expectSectionName = false;
-            inSection = true;
-            continue;
-        }
-        if (tag.code == 0) {
-            inRecord = false;
-            headerVersion = headerCodePage = headerSeed = false;
-            if (tag.value == "SECTION") {
-                if (inSection) return {DxfError::kBadStructure, tag.line, "SECTION inside section " + section};
-                expectSectionName = true;
-            } else if (tag.value == "ENDSEC") {
-                if (!inSection) return {DxfError::kBadStructure, tag.line, "ENDSEC outside a section"};
-                inSection = false;
-            } else if (tag.value == "EOF") {
-                if (inSection) return {DxfError::kTruncated, tag.line, "EOF inside section " + section};
-                sawEof = true;
-            } else if (!inSection) {
-                return {DxfError::kBadStructure, tag.line,
-                        "record " + std::string(tag.value.substr(0, 40)) + " outside a section"};
-            } else {
-                inRecord = true;
-                facts.handles.push_back(0);
-            }
-            continue;
-        }
-        if (!inSection && !sections.empty() && tag.code != 999)
-            return {DxfError::kBadStructure, tag.line, "group code " + std::to_string(tag.code) + " outside a section"};
-        if (section == "HEADER" && tag.code == 9) {
-            headerVersion = tag.value == "$ACADVER";
-            headerCodePage = tag.value == "$DWGCODEPAGE";
-            headerSeed = tag.value == "$HANDSEED";
-            continue;
-        }
-        if (headerVersion && tag.code == 1) facts.version = VersionFromName(tag.value);
-        if (headerCodePage && tag.code == 3) facts.codePage = CodePageFromName(tag.value);
-        if (headerSeed && tag.code == 5) ParseHandle(tag.value, facts.handseed);
-        if (inRecord && (tag.code == 5 || tag.code == 105) && facts.handles.back() == 0) {
-            std::uint64_t h = 0;
-            if (ParseHandle(tag.value, h)) {
-                facts.handles.back() = h;
-                facts.maxHandle = std::max(facts.maxHandle, h);
-            }
-        }
-    }
-    if (!cursor.error().empty()) {
-        bool truncated = cursor.error().rfind("file ends", 0) == 0;
-        return {truncated ? DxfError::kTruncated : DxfError::kBadGroupCode, cursor.line(), cursor.error()};
-    }
-    if (!sawEof) return {DxfError::kTruncated, lastLine, "the file ends before EOF"};
-    if (std::find(sections.begin(), sections.end(), "ENTITIES") == sections.end())
-        return {DxfError::kMissingSection, lastLine, "no ENTITIES section"};
-    if (facts.version >= AcDb::kDHL_1015)
-        for (const char* needed : {"TABLES", "BLOCKS", "OBJECTS"})
-            if (std::find(sections.begin(), sections.end(), needed) == sections.end())
-                return {DxfError::kMissingSection, lastLine, std::string("no ") + needed + " section"};
-    if (facts.version >= AcDb::kDHL_1021) facts.codePage = 65001;
-    return {};
-}
-
-// Walks the records of the text: the 0 tag and every tag up to the next 0.
+// Walks the records of the text: the 0 tag and every tag up to the next 0, checking each tag's
+// group code and number on the way. A bad tag ends the walk with error() set. Nothing after
+// EOF is read.
 class RecordReader {
 public:
-    explicit RecordReader(std::string_view text) : m_cursor(text) { m_has = m_cursor.next(m_pending); }
+    explicit RecordReader(std::string_view text) : m_cursor(text) { m_has = take(m_pending); }
     bool next(std::vector<Tag>& record) {
         record.clear();
-        while (m_has && m_pending.code == 999) m_has = m_cursor.next(m_pending);
+        while (m_has && m_pending.code == 999) m_has = take(m_pending);
         if (!m_has) return false;
         record.push_back(m_pending);
-        while ((m_has = m_cursor.next(m_pending)) && m_pending.code != 0)
+        if (m_pending.code == 0 && m_pending.value == "EOF") {
+            m_has = false;
+            return true;
+        }
+        while ((m_has = take(m_pending)) && m_pending.code != 0)
             if (m_pending.code != 999) record.push_back(m_pending);
-        return true;
+        return m_error.error == DxfError::kNone;
     }
+    const ReadError& error() const { return m_error; }
+    int lastLine() const { return m_lastLine; }
 
 private:
+    bool take(Tag& tag) {
+        if (!m_cursor.next(tag)) {
+            const std::string& e = m_cursor.error();
+            if (!e.empty())
+                m_error = {e.rfind("file ends", 0) == 0 ? DxfError::kTruncated : DxfError::kBadGroupCode,
+                           m_cursor.line(), e};
+            return false;
+        }
+        m_lastLine = tag.line;
+        ValueKind kind = KindOfCode(tag.code);
+        if (kind == ValueKind::kInvalid)
+            m_error = {DxfError::kBadGroupCode, tag.line, "unknown group code " + std::to_string(tag.code)};
+        else if (!ValidNumber(kind, tag.value))
+            m_error = {DxfError::kBadNumber, tag.line + 1,
+                       "value '" + std::string(tag.value.substr(0, 40)) + "' of group code " +
+                           std::to_string(tag.code) + " is not a number"};
+        return m_error.error == DxfError::kNone;
+    }
     TagCursor m_cursor;
     Tag m_pending;
     bool m_has = false;
+    int m_lastLine = 0;
+    ReadError m_error;
+};
+
+// The order of sections and records: sections named, not nested, closed, and the file ended
+// by EOF outside them. Tags before the first section are allowed (comments, stray values).
+class SectionOrder {
+public:
+    // Checks a record; the current section is then section().
+    ReadError enter(const std::vector<Tag>& record) {
+        const Tag& head = record[0];
+        if (head.code != 0) {
+            if (!m_names.empty()) return outside(head);
+            return {};
+        }
+        if (head.value == "SECTION") {
+            if (!m_section.empty()) return {DxfError::kBadStructure, head.line, "SECTION inside section " + std::string(m_section)};
+            if (record.size() < 2 || record[1].code != 2)
+                return {DxfError::kBadStructure, record.size() < 2 ? head.line : record[1].line, "SECTION without a name"};
+            m_section = record[1].value;
+            m_names.push_back(m_section);
+            return {};
+        }
+        if (head.value == "ENDSEC") {
+            if (m_section.empty()) return {DxfError::kBadStructure, head.line, "ENDSEC outside a section"};
+            m_section = {};
+            return record.size() > 1 ? outside(record[1]) : ReadError{};
+        }
+        if (head.value == "EOF") {
+            if (!m_section.empty()) return {DxfError::kTruncated, head.line, "EOF inside section " + std::string(m_section)};
+            m_ended = true;
+            return {};
+        }
+        if (m_section.empty())
+            return {DxfError::kBadStructure, head.line, "record " + std::string(head.value.substr(0, 40)) + " outside a section"};
+        return {};
+    }
+    std::string_view section() const { return m_section; }
+    // What the whole file lacks, once it has been read to its last line.
+    ReadError finish(AcDb::AcDbDwgVersion version, int lastLine) const {
+        if (!m_ended) return {DxfError::kTruncated, lastLine, "the file ends before EOF"};
+        if (!has("ENTITIES")) return {DxfError::kMissingSection, lastLine, "no ENTITIES section"};
+        if (version >= AcDb::kDHL_1015)
+            for (const char* needed : {"TABLES", "BLOCKS", "OBJECTS"})
+                if (!has(needed)) return {DxfError::kMissingSection, lastLine, std::string("no ") + needed + " section"};
+        return {};
+    }
+
+private:
+    static ReadError outside(const Tag& t) {
+        return {DxfError::kBadStructure, t.line, "group code " + std::to_string(t.code) + " outside a section"};
+    }
+    bool has(std::string_view name) const { return std::find(m_names.begin(), m_names.end(), name) != m_names.end(); }
+    std::string_view m_section;  // in the text, which stays mapped while it is read
+    std::vector<std::string_view> m_names;
+    bool m_ended = false;
 };
 
 double Real(std::string_view v) {
@@ -304,9 +299,7 @@ void SetAxis(AcGeVector3d& p, int code, int base, double v) {
 
 class Builder {
 public:
-    Builder(AcDbDatabase& db, const FileFacts& facts) : m_db(db), m_facts(facts) {
-        m_nextHandle = std::max(facts.maxHandle, facts.handseed == 0 ? 0 : facts.handseed - 1) + 1;
-    }
+    explicit Builder(AcDbDatabase& db) : m_db(db) {}
     ReadError build(std::string_view text, MappedFile* file);
 
 private:
@@ -315,7 +308,8 @@ private:
                    std::vector<AcDbObject::XDataGroup>* xdata);
     std::string_view value(const Tag& tag);
     AcDbObjectId idOf(std::string_view handleText);
-    AcDbHandle handleOf(const AcDbRawTags& tags);
+    // The record's own handle (5, or 105 of a dimension style); null when it has none.
+    static AcDbHandle handleOf(const AcDbRawTags& tags);
 
     // ---- sections ----
     void readHeader(const std::vector<Tag>& record);
@@ -325,7 +319,9 @@ private:
     void readObjectRecord(const std::vector<Tag>& record);
 
     // ---- objects ----
+    // Adds an object under its record's handle; one without gets a provisional handle.
     AcDbObjectId add(AcDbObject* object, AcDbHandle handle);
+    AcDbHandle provisionalHandle();
     void readHead(AcDbObject& o);
     AcDbEntity* newEntity(std::string_view type, const AcDbRawTags& tags);
     void readEntity(AcDbEntity& e);
@@ -336,8 +332,11 @@ private:
     void resolveNames();
 
     AcDbDatabase& m_db;
-    const FileFacts& m_facts;
-    std::uint64_t m_nextHandle;
+    FileFacts m_facts;
+    std::uint64_t m_nextHandle = 1;
+    // Handles given to objects whose records had none. The file has not named them yet; if a
+    // later record does, the earlier object moves to another.
+    std::unordered_set<std::uint64_t> m_provisional;
     std::string m_tableName;
     AcDbSymbolTable* m_table = nullptr;
     std::map<std::string, AcDbSymbolTable*> m_tables;
@@ -401,19 +400,35 @@ AcDbHandle Builder::handleOf(const AcDbRawTags& tags) {
     for (const auto& t : tags) {
         if (t.code == 5 || t.code == 105) {
             std::uint64_t h = 0;
-            if (ParseHandle(t.value, h) && h != 0) return AcDbHandle(h);
+            if (ParseHandle(t.value, h)) return AcDbHandle(h);
             break;
         }
         if (t.code == 100) break;
     }
-    return AcDbHandle(m_nextHandle++);
+    return {};
+}
+
+// Above every handle the database has met so far, and not below the header's $HANDSEED.
+AcDbHandle Builder::provisionalHandle() {
+    std::uint64_t h = std::max(m_nextHandle, m_db.handseed().value());
+    m_nextHandle = h + 1;
+    m_provisional.insert(h);
+    return AcDbHandle(h);
 }
 
 AcDbObjectId Builder::add(AcDbObject* object, AcDbHandle handle) {
     AcDbObjectId id;
+    if (handle.isNull()) handle = provisionalHandle();
     if (m_db.addAcDbObjectWithHandle(id, object, handle) != Acad::eOk) {
-        // A handle used twice: the later object takes a fresh one.
-        m_db.addAcDbObjectWithHandle(id, object, AcDbHandle(m_nextHandle++));
+        AcDbObjectId earlier;
+        if (m_provisional.erase(handle.value()) != 0 &&
+            m_db.getAcDbObjectId(earlier, false, handle) == Acad::eOk &&
+            m_db.moveToHandle(earlier, provisionalHandle()) == Acad::eOk) {
+            m_db.addAcDbObjectWithHandle(id, object, handle);
+        } else {
+            // A handle used twice: the later object takes a fresh one.
+            m_db.addAcDbObjectWithHandle(id, object, provisionalHandle());
+        }
     }
     // The reader fills the object's fields directly; a drawing read leaves nothing open.
     object->close();
@@ -1102,7 +1117,7 @@ AcDbSymbolTable* Builder::tableFor(const std::string& name) {
     AcDbDatabase::TableKind kind;
     AcDbSymbolTable* table = NewTable(name, kind);
     if (!table) return nullptr;
-    AcDbObjectId id = add(table, AcDbHandle(m_nextHandle++));
+    AcDbObjectId id = add(table, {});
     m_db.setTableId(kind, id);
     m_tables[name] = table;
     return table;
@@ -1115,7 +1130,7 @@ AcDbBlockTableRecord* Builder::blockRecordNamed(const std::wstring& name) {
     auto* record = new AcDbBlockTableRecord();
     record->setName(name);
     AcDbSymbolTable* table = tableFor("BLOCK_RECORD");
-    AcDbObjectId id = add(record, AcDbHandle(m_nextHandle++));
+    AcDbObjectId id = add(record, {});
     record->setOwnerId(table->objectId());
     table->attachRecord(id);
     m_blocks[key] = record;
@@ -1404,6 +1419,17 @@ void Builder::readObjectRecord(const std::vector<Tag>& record) {
 }
 
 void Builder::readHeader(const std::vector<Tag>& record) {
+    // The version and code page first: they decide how the values, these included, read.
+    for (size_t i = 2; i + 1 < record.size(); ++i) {
+        if (record[i].code != 9) continue;
+        std::string_view name = record[i].value;
+        const Tag& v = record[i + 1];
+        if (name == "$ACADVER" && v.code == 1) m_facts.version = VersionFromName(v.value);
+        else if (name == "$DWGCODEPAGE" && v.code == 3) m_facts.codePage = CodePageFromName(v.value);
+        else if (name == "$HANDSEED" && v.code == 5) ParseHandle(v.value, m_facts.handseed);
+    }
+    if (m_facts.version >= AcDb::kDHL_1021) m_facts.codePage = 65001;
+    m_nextHandle = std::max(m_nextHandle, m_facts.handseed);
     auto& vars = m_db.headerVars();
     for (size_t i = 2; i < record.size(); ++i) {
         const Tag& t = record[i];
@@ -1441,31 +1467,23 @@ void Builder::resolveNames() {
 }
 
 ReadError Builder::build(std::string_view text, MappedFile* file) {
-    // Stubs in file order, so that the database lists objects as the file did.
-    for (std::uint64_t h : m_facts.handles) {
-        AcDbObjectId id;
-        if (h != 0) m_db.getAcDbObjectId(id, true, AcDbHandle(h));
-    }
     RecordReader reader(text);
+    SectionOrder order;
     std::vector<Tag> record;
-    std::string_view section;  // in the text, which stays mapped while the pass runs
     while (reader.next(record)) {
         if (file) file->releaseBefore(record[0].value.data());
+        if (ReadError e = order.enter(record); e.error != DxfError::kNone) return e;
         std::string_view type = record[0].value;
+        std::string_view section = order.section();
+        if (record[0].code != 0 || type == "ENDSEC") continue;
+        if (type == "EOF") break;
         if (type == "SECTION") {
-            section = record.size() > 1 ? record[1].value : "";
             if (section == "HEADER") readHeader(record);
             // The section's own tags after its name belong to what is kept of it.
             if (section == "ACDSDATA")
-                toRawTags(std::span<const Tag>(record).subspan(std::min<size_t>(record.size(), 2)),
-                          m_db.acdsDataSection(), nullptr);
+                toRawTags(std::span<const Tag>(record).subspan(2), m_db.acdsDataSection(), nullptr);
             continue;
         }
-        if (type == "ENDSEC") {
-            section = {};
-            continue;
-        }
-        if (type == "EOF") break;
         if (section == "CLASSES") toRawTags(record, m_db.classesSection(), nullptr);
         else if (section == "TABLES") readTableRecord(record);
         else if (section == "BLOCKS") readBlockRecord(record);
@@ -1474,6 +1492,8 @@ ReadError Builder::build(std::string_view text, MappedFile* file) {
         else if (section == "THUMBNAILIMAGE") toRawTags(record, m_db.thumbnailSection(), nullptr);
         else if (section == "ACDSDATA") toRawTags(record, m_db.acdsDataSection(), nullptr);
     }
+    if (reader.error().error != DxfError::kNone) return reader.error();
+    if (ReadError e = order.finish(m_facts.version, reader.lastLine()); e.error != DxfError::kNone) return e;
     // Every drawing has its two layout blocks, whatever the file held.
     blockRecordNamed(ACDB_MODEL_SPACE);
     blockRecordNamed(ACDB_PAPER_SPACE);
@@ -1482,7 +1502,6 @@ ReadError Builder::build(std::string_view text, MappedFile* file) {
     if (m_db.handseed().value() < m_nextHandle) m_db.setHandseed(AcDbHandle(m_nextHandle));
     return {};
 }
-
 
 }  // namespace
 
@@ -1509,17 +1528,13 @@ Acad::ErrorStatus ReadBytes(AcDbDatabase& db, std::string_view bytes, const std:
         return fail(DxfError::kNotDxf, 1, "not a DXF file", Acad::eUnknownDxfFileFormat);
     }
     if (text.substr(0, 3) == "\xEF\xBB\xBF") text.remove_prefix(3);
-    FileFacts facts;
-    ReadError e = Validate(text, facts, file);
-    if (e.error != DxfError::kNone) {
+    if (ReadError e = Builder(db).build(text, file); e.error != DxfError::kNone) {
+        db.discardContents();  // no part of a bad file is used as if it were the drawing
         Acad::ErrorStatus status = e.error == DxfError::kMissingSection ? Acad::eMissingDxfSection
                                    : e.error == DxfError::kBadGroupCode ? Acad::eInvalidDxfCode
                                                                         : Acad::eBadDxfFile;
         return fail(e.error, e.line, e.reason, status);
     }
-    if (file) file->rewind();
-    Builder builder(db, facts);
-    builder.build(text, file);
     db.setLastError(L"");
     return Acad::eOk;
 }

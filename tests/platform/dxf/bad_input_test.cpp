@@ -93,6 +93,38 @@ TEST(BadInput, TruncatedBinaryDrawingIsReported) {
     EXPECT_NE(o.message.find("DXF004"), std::string::npos) << o.message;
 }
 
+TEST(BadInput, DamageAfterManyGoodRecordsLeavesTheDatabaseEmpty) {
+    std::string lines;
+    for (int i = 0; i < 50; ++i) lines += "  0\nLINE\n  8\n0\n 10\n1.0\n 20\n2.0\n 11\n3.0\n 21\n4.0\n";
+    std::string text = Replace(kGood, "  0\nENDSEC\n  0\nEOF", lines + "  0\nLINE\n 10\nabc\n  0\nENDSEC\n  0\nEOF");
+    AcDbDatabase db(true, true);  // a drawing with its defaults, replaced by the read
+    EXPECT_EQ(dxf::ReadDxfBytes(db, text, "bad.dxf"), Acad::eBadDxfFile);
+    EXPECT_NE(dxf::Utf8(db.lastError()).find("DXF005"), std::string::npos);
+    EXPECT_EQ(db.stubs().size(), 0u);
+    EXPECT_TRUE(db.headerVars().empty());
+}
+
+TEST(BadInput, MissingSectionFoundAtTheEndLeavesTheDatabaseEmpty) {
+    std::string text = Replace(kGood, "AC1009", "AC1018");  // 2000 and later need TABLES, BLOCKS, OBJECTS
+    Outcome o = Read(text);
+    EXPECT_EQ(o.status, Acad::eMissingDxfSection);
+    EXPECT_NE(o.message.find("no TABLES section"), std::string::npos) << o.message;
+    EXPECT_EQ(o.objects, 0u);
+}
+
+TEST(BadInput, WhatFollowsEofIsIgnored) {
+    Outcome o = Read(kGood + "garbage that is not a group code\n\x01\x02");
+    EXPECT_EQ(o.status, Acad::eOk) << o.message;
+    EXPECT_GT(o.objects, 0u);
+}
+
+TEST(BadInput, EndsecWithStrayTagsIsReported) {
+    Outcome o = Read(Replace(kGood, "  0\nENDSEC\n  0\nSECTION", "  0\nENDSEC\n  8\nX\n  0\nSECTION"));
+    EXPECT_NE(o.message.find("DXF007"), std::string::npos) << o.message;
+    EXPECT_NE(o.message.find("group code 8 outside a section"), std::string::npos) << o.message;
+    EXPECT_EQ(o.objects, 0u);
+}
+
 TEST(BadInput, MissingFileIsReportedByName) {
     AcDbDatabase db(false, true);
     EXPECT_EQ(db.readDwgFile(L"/nonexistent/drawing.dxf"), Acad::eFileNotFound);

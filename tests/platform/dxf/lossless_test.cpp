@@ -1,6 +1,8 @@
 // What the database does not model comes back in place; what it models comes back as changed.
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include "platform/db/dimension.hpp"
 #include "platform/db/line.hpp"
 #include "platform/db/polyline.hpp"
@@ -200,6 +202,50 @@ TEST(CodePages, NamesMapToCodePageNumbers) {
     EXPECT_EQ(dxf::CodePageFromName("ansi_1252"), 1252);
     EXPECT_EQ(dxf::CodePageFromName(""), 1252);
     EXPECT_EQ(dxf::CodePageName(936), "ANSI_936");
+}
+
+TEST(Lossless, RecordWithoutHandleGivesWayWhenALaterRecordNamesItsHandle) {
+    // No header and no tables: the reader numbers the block table, *Model_Space and the first
+    // line itself, from 1; the second line then names handle 2 as its own.
+    const std::string text =
+        "  0\nSECTION\n  2\nENTITIES\n"
+        "  0\nLINE\n  8\n0\n 10\n0.0\n 20\n0.0\n 11\n1.0\n 21\n0.0\n"
+        "  0\nLINE\n  5\n2\n  8\n0\n 10\n5.0\n 20\n5.0\n 11\n6.0\n 21\n5.0\n"
+        "  0\nENDSEC\n  0\nEOF\n";
+    AcDbDatabase db(false, true);
+    ASSERT_EQ(dxf::ReadDxfBytes(db, text, "in.dxf"), Acad::eOk) << dxf::Utf8(db.lastError());
+    auto* named = AcDbLine::cast(ObjectAt(db, 2));
+    ASSERT_NE(named, nullptr);
+    EXPECT_EQ(named->startPoint().x, 5.0);
+    std::set<std::uint64_t> handles;
+    int lines = 0;
+    for (const auto& stub : db.stubs()) {
+        if (!stub.object) continue;
+        EXPECT_TRUE(handles.insert(stub.handle.value()).second) << stub.handle.value();
+        if (AcDbLine::cast(stub.object.get())) ++lines;
+    }
+    EXPECT_EQ(lines, 2);
+    EXPECT_GT(db.handseed().value(), *handles.rbegin());
+}
+
+TEST(Lossless, ObjectsAreWrittenInTheFileOrderEvenWhenReferencedBeforeTheyCome) {
+    // The root dictionary names the two objects in the opposite order to the file's.
+    const std::string objects =
+        "  0\nDICTIONARY\n  5\nC\n330\n0\n100\nAcDbDictionary\n  3\nB_SECOND\n350\nE1\n"
+        "  3\nA_FIRST\n350\nE0\n"
+        "  0\nXRECORD\n  5\nE0\n330\nC\n100\nAcDbXrecord\n  1\nfirst\n"
+        "  0\nXRECORD\n  5\nE1\n330\nC\n100\nAcDbXrecord\n  1\nsecond\n";
+    std::string text = DrawingWith("");
+    text.replace(text.find("  0\nDICTIONARY\n  5\nC\n330\n0\n100\nAcDbDictionary\n"),
+                 std::string("  0\nDICTIONARY\n  5\nC\n330\n0\n100\nAcDbDictionary\n").size(), objects);
+    AcDbDatabase db(false, true);
+    ASSERT_EQ(dxf::ReadDxfBytes(db, text, "in.dxf"), Acad::eOk) << dxf::Utf8(db.lastError());
+    std::string out;
+    ASSERT_EQ(dxf::WriteDxfText(db, {}, out), Acad::eOk);
+    size_t first = out.find("  1\nfirst\n"), second = out.find("  1\nsecond\n");
+    ASSERT_NE(first, std::string::npos) << out;
+    ASSERT_NE(second, std::string::npos) << out;
+    EXPECT_LT(first, second);
 }
 
 }  // namespace
