@@ -309,20 +309,29 @@ void MTextModel(const AcDbMText& e, ModelWriter& w) {
     w.optional(!(e.lineSpacingFactor() != 1.0)).real(44, e.lineSpacingFactor());
 }
 
-// The vertex identifiers (group code 91) of a polyline's record as read, one per vertex (empty
-// where a vertex has none). The database does not keep them; they go back with the vertices
-// while the polyline has as many vertices as its record.
-std::vector<std::optional<long long>> VertexIds(const AcDbPolyline& e) {
-    std::vector<std::optional<long long>> ids;
+// What a polyline's record as read gives each vertex beyond the database's values: its
+// identifier (group code 91), which the database does not keep, and whether it wrote the widths
+// (40, 41) when they were zero. Both go back with the vertices while the polyline has as many
+// vertices as its record; otherwise the list is empty.
+struct VertexAsRead {
+    std::optional<long long> id;
+    bool widths = false;
+};
+
+std::vector<VertexAsRead> VerticesAsRead(const AcDbPolyline& e) {
+    std::vector<VertexAsRead> read;
     bool inPolyline = false;
     long long id = 0;
     for (const AcDbRawTag& t : e.fileTags()) {
         if (t.code == 100) inPolyline = t.value == "AcDbPolyline";
-        else if (inPolyline && t.code == 10) ids.emplace_back();
-        else if (inPolyline && t.code == 91 && !ids.empty() && ParseInteger(t.value, id)) ids.back() = id;
+        else if (!inPolyline) continue;
+        else if (t.code == 10) read.emplace_back();
+        else if (read.empty()) continue;
+        else if (t.code == 91 && ParseInteger(t.value, id)) read.back().id = id;
+        else if (t.code == 40 || t.code == 41) read.back().widths = true;
     }
-    if (ids.size() != e.numVerts()) ids.clear();
-    return ids;
+    if (read.size() != e.numVerts()) read.clear();
+    return read;
 }
 
 void LwPolylineModel(const AcDbPolyline& e, ModelWriter& w) {
@@ -337,13 +346,15 @@ void LwPolylineModel(const AcDbPolyline& e, ModelWriter& w) {
     w.optional(!(e.thickness() != 0.0)).real(39, e.thickness());
     w.beginRun();
     w.own({10, 20, 40, 41, 42, 91});
-    std::vector<std::optional<long long>> ids;
-    if (w.hasTemplate()) ids = VertexIds(e);
+    std::vector<VertexAsRead> read;
+    if (w.hasTemplate()) read = VerticesAsRead(e);
     for (size_t k = 0; k < e.vertices().size(); ++k) {
         const auto& v = e.vertices()[k];
         w.point2d(10, v.point);
-        if (k < ids.size() && ids[k]) w.integer(91, *ids[k]);
-        if (!constant) {
+        if (k < read.size() && read[k].id) w.integer(91, *read[k].id);
+        // Zero widths are left out, as the format's writers do, unless the record had them.
+        bool widths = v.startWidth != 0.0 || v.endWidth != 0.0 || (k < read.size() && read[k].widths);
+        if (!constant && widths) {
             w.real(40, v.startWidth);
             w.real(41, v.endWidth);
         }

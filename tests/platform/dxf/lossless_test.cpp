@@ -3,6 +3,7 @@
 
 #include <set>
 
+#include "platform/db/block_table_record.hpp"
 #include "platform/db/dimension.hpp"
 #include "platform/db/line.hpp"
 #include "platform/db/polyline.hpp"
@@ -246,6 +247,33 @@ TEST(Lossless, ObjectsAreWrittenInTheFileOrderEvenWhenReferencedBeforeTheyCome) 
     ASSERT_NE(first, std::string::npos) << out;
     ASSERT_NE(second, std::string::npos) << out;
     EXPECT_LT(first, second);
+}
+
+TEST(Lossless, PolylineVerticesKeepTheWidthTagsTheirRecordHadAndGetNoneItLacked) {
+    const std::string polyline =
+        "  0\nLWPOLYLINE\n  5\n2D\n330\n1F\n100\nAcDbEntity\n  8\n0\n100\nAcDbPolyline\n 90\n3\n"
+        " 70\n0\n 10\n1.0\n 20\n2.0\n 40\n0.0\n 41\n0.0\n 10\n3.0\n 20\n4.0\n"
+        " 10\n5.0\n 20\n6.0\n 40\n0.5\n 41\n0.25\n";
+    AcDbDatabase db(false, true);
+    ASSERT_EQ(dxf::ReadDxfBytes(db, DrawingWith(polyline), "in.dxf"), Acad::eOk) << dxf::Utf8(db.lastError());
+    std::string out;
+    ASSERT_EQ(dxf::WriteDxfText(db, {}, out), Acad::eOk);
+    EXPECT_NE(out.find(polyline), std::string::npos) << out;
+}
+
+TEST(Lossless, NewPolylineWritesWidthsOnlyWhereTheyAreNotZero) {
+    AcDbDatabase db(true, true);
+    auto* pl = new AcDbPolyline();
+    pl->addVertexAt(0, {0, 0}, 0.0, 0.0, 0.0);
+    pl->addVertexAt(1, {10, 0}, 0.0, 1.0, 2.0);
+    AcDbBlockTableRecord* space = nullptr;
+    ASSERT_EQ(acdbOpenObject(space, db.modelSpaceId(), AcDb::kForWrite), Acad::eOk);
+    ASSERT_EQ(space->appendAcDbEntity(pl), Acad::eOk);
+    pl->close();
+    space->close();
+    std::string out;
+    ASSERT_EQ(dxf::WriteDxfText(db, {}, out), Acad::eOk);
+    EXPECT_NE(out.find(" 10\n0.0\n 20\n0.0\n 10\n10.0\n 20\n0.0\n 40\n1.0\n 41\n2.0\n"), std::string::npos) << out;
 }
 
 }  // namespace
