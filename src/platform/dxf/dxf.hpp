@@ -30,8 +30,8 @@ Acad::ErrorStatus ReadDxfBytes(AcDbDatabase& db, std::string_view bytes, const s
 bool LooksLikeDxf(std::string_view head);
 
 struct WriteOptions {
-    // The version written; a drawing read from R12 to R14 keeps its own version, which this
-    // codec does not convert.
+    // The version written. A drawing read from R12 or R14 is brought up to it: records of R12,
+    // which have no subclasses, are written anew from the database's values.
     AcDb::AcDbDwgVersion version = AcDb::kDHL_1018;
     // Keep the version the drawing was read in.
     bool keepVersion = false;

@@ -684,6 +684,15 @@ void RecordModel(const AcDbSymbolTableRecord& r, ModelWriter& w) {
     }
 }
 
+// The subclass of the entities the database carries whose records are one subclass deep.
+std::string_view CarriedSubclass(std::string_view type) {
+    if (type == "SOLID" || type == "TRACE") return "AcDbTrace";
+    if (type == "3DFACE") return "AcDbFace";
+    if (type == "SHAPE") return "AcDbShape";
+    if (type == "VIEWPORT") return "AcDbViewport";
+    return {};
+}
+
 }  // namespace
 
 void BuildModel(const AcDbObject& object, bool hasTemplate, Model& model) {
@@ -697,6 +706,9 @@ void BuildModel(const AcDbObject& object, bool hasTemplate, Model& model) {
             EntityModel(*e, w);
         } else {
             EntityCommon(*e, w);
+            // The class's own subclass, which a record of R12 lacks: written for a later
+            // version, what follows the common properties goes under it.
+            if (std::string_view marker = CarriedSubclass(model.type); !marker.empty()) w.subclass(marker);
         }
     } else if (auto* r = AcDbSymbolTableRecord::cast(&object)) {
         w.subclass("AcDbSymbolTableRecord");

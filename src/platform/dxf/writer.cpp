@@ -142,17 +142,51 @@ void HeadGroups(const AcDbObject& o, bool r12, bool xdict, bool reactors, Sink& 
     }
 }
 
-// A subclass the template lacks: its marker and the values not at their default.
-template <typename Sink>
-void NewSubclass(const Model& model, const Subclass& s, bool r12, Sink& sink) {
-    if (!r12) sink.tag(100, s.marker);
-    for (const Field& f : model.fieldsOf(s))
-        if (!f.optional) sink.field(f);
+// True when a record as read has a tag of the code.
+bool HasCode(std::span<const AcDbRawTag> tags, int code) {
+    return std::any_of(tags.begin(), tags.end(), [code](const AcDbRawTag& t) { return t.code == code; });
 }
 
-// A record without a template: the model alone, in its order.
+// True for a record as R12 writes them, without subclass markers.
+template <typename Tags>
+bool WithoutSubclasses(const Tags& tags) {
+    return std::none_of(tags.begin(), tags.end(), [](const AcDbRawTag& t) { return t.code == 100; });
+}
+
+// The properties every entity has, which a record with subclasses keeps in AcDbEntity.
+bool IsEntityPropertyCode(int code) {
+    switch (code) {
+        case 6: case 8: case 48: case 60: case 62: case 67: case 284: case 347: case 370:
+        case 390: case 420: case 430: case 440: return true;
+        default: return false;
+    }
+}
+
+// True when a record of R12 can be written anew for a later version: its tags find their
+// subclasses in the model. Records that carry others inside them (the vertices of a mesh), and
+// entities the database carries without knowing their subclass, stay as read.
+bool Upgradable(const AcDbObject& o, std::span<const AcDbRawTag> tmpl, const Model& model) {
+    if (HasCode(tmpl.subspan(std::min<size_t>(tmpl.size(), 1)), 0)) return false;
+    return !AcDbCarriedEntity::cast(&o) || model.subclasses.back().marker != "AcDbEntity";
+}
+
+// A subclass the template lacks: its marker and the values not at their default, and those at
+// their default that `asRead` has (a record written anew in place of one as read).
 template <typename Sink>
-void NewRecord(const AcDbObject& o, const Model& model, bool r12, Sink& sink) {
+void NewSubclass(const Model& model, const Subclass& s, bool r12, Sink& sink,
+                 std::span<const AcDbRawTag> asRead = {}) {
+    if (!r12) sink.tag(100, s.marker);
+    for (const Field& f : model.fieldsOf(s))
+        if (!f.optional || HasCode(asRead, f.code)) sink.field(f);
+}
+
+// A record from the model alone, in its order. When it stands in for a record as read without
+// subclasses (`asRead`, of R12), the tags of that record the model does not own go where a
+// record with subclasses has them: entity properties in AcDbEntity, the rest in the last
+// subclass.
+template <typename Sink>
+void NewRecord(const AcDbObject& o, const Model& model, bool r12, Sink& sink,
+               std::span<const AcDbRawTag> asRead = {}) {
     sink.tag(0, model.type);
     std::span<const Field> head = model.fieldsOf(model.subclasses[0]);
     for (const Field& f : head)
@@ -160,7 +194,18 @@ void NewRecord(const AcDbObject& o, const Model& model, bool r12, Sink& sink) {
     HeadGroups(o, r12, true, true, sink);
     for (const Field& f : head)
         if (f.code == 330 && !r12) sink.field(f);
-    for (size_t k = 1; k < model.subclasses.size(); ++k) NewSubclass(model, model.subclasses[k], r12, sink);
+    bool entity = std::any_of(model.subclasses.begin(), model.subclasses.end(),
+                              [](const Subclass& s) { return s.marker == "AcDbEntity"; });
+    for (size_t k = 1; k < model.subclasses.size(); ++k) {
+        const Subclass& s = model.subclasses[k];
+        NewSubclass(model, s, r12, sink, asRead);
+        bool properties = s.marker == "AcDbEntity", last = k + 1 == model.subclasses.size();
+        for (const AcDbRawTag& t : asRead.subspan(std::min<size_t>(asRead.size(), 1))) {
+            if (model.owns(model.whole(), t.code)) continue;
+            bool property = entity && IsEntityPropertyCode(t.code);
+            if (properties ? property : last && !property) sink.tag(t.code, t.value);
+        }
+    }
 }
 
 // Output is written through a buffer of this size when it goes to a file.
@@ -171,7 +216,7 @@ public:
     Writer(AcDbDatabase& db, const WriteOptions& options, std::string& out, std::FILE* file)
         : m_db(db), m_options(options), m_out(out), m_file(file) {
         AcDb::AcDbDwgVersion read = db.originalFileVersion();
-        m_version = options.keepVersion || read < AcDb::kDHL_1015 ? read : options.version;
+        m_version = options.keepVersion ? read : options.version;
         if (m_version == AcDb::kDHL_Unknown) m_version = AcDb::kDHL_1018;
         m_r12 = m_version <= AcDb::kDHL_1009;
         m_headerCodePage = options.codePage == 65001 ? 1252 : options.codePage;
@@ -304,7 +349,12 @@ void Writer::merge(const AcDbObject& o, const AcDbRawTags& tmpl, const Model& mo
 
     std::vector<AcDbRawTag>& t = m_template;
     t.assign(tmpl.begin(), tmpl.end());
-    bool flat = std::none_of(t.begin(), t.end(), [](const AcDbRawTag& x) { return x.code == 100; });
+    bool flat = WithoutSubclasses(t);
+    if (flat && !m_r12 && Upgradable(o, t, model)) {
+        // A record of R12 has no subclasses: for a later version it is written anew.
+        NewRecord(o, model, false, *this, t);
+        return;
+    }
     seg.start(model, flat ? model.whole() : model.subclasses[0]);
     bool inHead = true;
     bool verbatim = false;
@@ -672,7 +722,9 @@ void Writer::table(AcDbDatabase::TableKind kind, const char* name) {
     int count = 0;
     for (const auto& id : t->recordIds())
         if (ObjectOf(id) && !id.isErased()) ++count;
-    if (t->fileTags().empty()) {
+    // The head of an R12 table holds nothing but its name and count: a later version gets a
+    // new one.
+    if (t->fileTags().empty() || (WithoutSubclasses(t->fileTags()) && !m_r12)) {
         tag(0, "TABLE");
         tag(2, name);
         if (!m_r12) {

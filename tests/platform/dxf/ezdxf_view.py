@@ -6,6 +6,7 @@ import sys
 
 import ezdxf
 from ezdxf import recover
+from ezdxf.lldxf.tagger import ascii_tags_loader
 
 KEYS = {
     "LINE": ("start", "end"),
@@ -79,15 +80,51 @@ def view_of(path):
     return view(path, binary)
 
 
+VERSION = re.compile(r"\$ACADVER\s*\r?\n\s*1\s*\r?\n(AC\d+)")
+
+
+def file_facts(path):
+    """The version an ASCII file names and the handles its records give themselves (group
+    code 5, and 105 of a DIMSTYLE); None for a binary file."""
+    with open(path, "rb") as f:
+        if f.read(22) == b"AutoCAD Binary DXF\r\n\x1a\x00":
+            return None
+    with open(path, "rt", errors="replace") as f:
+        version = VERSION.search(f.read(65536))
+    with open(path, "rt", errors="replace") as f:
+        handles = {t.value.upper() for t in ascii_tags_loader(f) if t.code in (5, 105)}
+    return (version.group(1) if version else ""), handles
+
+
+def comparable(seen, facts, written=False):
+    """What of a view is compared. ezdxf brings R13 and R14 drawings up to R2000 as it reads
+    them and adds entities of its own (the arrow blocks of dimensions): only the entities the
+    file itself has count. A file without handles gets them from each reader in its own way:
+    the rows are compared in file order without them."""
+    if facts is None:
+        return seen
+    version, handles = facts
+    entities = {}
+    for kind, rows in seen["entities"].items():
+        if not written and version in ("AC1012", "AC1014"):
+            rows = [r for r in rows if r[0].upper() in handles]
+        if not handles:
+            rows = [r[1:] for r in rows]
+        if rows:
+            entities[kind] = rows
+    return dict(seen, entities=entities)
+
+
 def compare(original, written):
     """Exit status 0 when ezdxf sees the written file without errors and with the same
     entities as the original; 3 when ezdxf cannot read the original at all."""
     try:
-        before = view_of(original)
+        facts = file_facts(original)
+        before = comparable(view_of(original), facts)
     except Exception as error:  # ezdxf's own limits: the caller checks by other means
         print(f"original unreadable by ezdxf: {error}")
         return 3
-    after = view_of(written)
+    after = comparable(view_of(written), facts, written=True)
     problems = [f"recover: {m}" for m in after["recover_errors"]]
     problems += [f"audit: {m}" for m in after["audit_errors"]]
     for kind in sorted(set(before["entities"]) | set(after["entities"])):

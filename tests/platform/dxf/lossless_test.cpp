@@ -276,4 +276,46 @@ TEST(Lossless, NewPolylineWritesWidthsOnlyWhereTheyAreNotZero) {
     EXPECT_NE(out.find(" 10\n0.0\n 20\n0.0\n 10\n10.0\n 20\n0.0\n 40\n1.0\n 41\n2.0\n"), std::string::npos) << out;
 }
 
+const std::string kR12 =
+    "  0\nSECTION\n  2\nHEADER\n  9\n$ACADVER\n  1\nAC1009\n  0\nENDSEC\n"
+    "  0\nSECTION\n  2\nTABLES\n  0\nTABLE\n  2\nLAYER\n 70\n1\n"
+    "  0\nLAYER\n  2\nHOLES\n 70\n0\n 62\n3\n  6\nCONTINUOUS\n  0\nENDTAB\n  0\nENDSEC\n"
+    "  0\nSECTION\n  2\nENTITIES\n"
+    "  0\nLINE\n  8\nHOLES\n 62\n1\n 10\n1.5\n 20\n2.0\n 30\n0.0\n 11\n3.0\n 21\n4.0\n 31\n0.0\n"
+    "  0\nSOLID\n  8\nHOLES\n 10\n0.0\n 20\n0.0\n 11\n1.0\n 21\n0.0\n 12\n0.0\n 22\n1.0\n"
+    " 13\n1.0\n 23\n1.0\n"
+    "  0\nENDSEC\n  0\nEOF\n";
+
+TEST(Lossless, R12DrawingIsWrittenAs2004WithSubclassesInPlace) {
+    AcDbDatabase db(false, true);
+    ASSERT_EQ(dxf::ReadDxfBytes(db, kR12, "in.dxf"), Acad::eOk) << dxf::Utf8(db.lastError());
+    std::string out;
+    ASSERT_EQ(dxf::WriteDxfText(db, {}, out), Acad::eOk);
+    EXPECT_NE(out.find("$ACADVER\n  1\nAC1018\n"), std::string::npos);
+    EXPECT_NE(out.find("  0\nTABLE\n  2\nLAYER\n  5\n"), std::string::npos) << out;
+    EXPECT_NE(out.find("100\nAcDbSymbolTableRecord\n100\nAcDbLayerTableRecord\n  2\nHOLES\n"), std::string::npos) << out;
+    // The colour goes with the entity's properties, before the line's own subclass.
+    size_t line = out.find("  0\nLINE\n  5\n");
+    ASSERT_NE(line, std::string::npos) << out;
+    EXPECT_EQ(out.find("100\nAcDbEntity\n  8\nHOLES\n 62\n1\n100\nAcDbLine\n 10\n1.5\n", line),
+              out.find("100\nAcDbEntity\n", line)) << out.substr(line, 300);
+    size_t solid = out.find("  0\nSOLID\n");
+    ASSERT_NE(solid, std::string::npos);
+    EXPECT_NE(out.find("100\nAcDbEntity\n  8\nHOLES\n100\nAcDbTrace\n 10\n0.0\n", solid), std::string::npos)
+        << out.substr(solid, 300);
+    EXPECT_NE(out.find("  0\nSECTION\n  2\nOBJECTS\n"), std::string::npos);
+}
+
+TEST(Lossless, R12DrawingKeepsItsVersionAndRecordsWhenAsked) {
+    AcDbDatabase db(false, true);
+    ASSERT_EQ(dxf::ReadDxfBytes(db, kR12, "in.dxf"), Acad::eOk) << dxf::Utf8(db.lastError());
+    dxf::WriteOptions keep;
+    keep.keepVersion = true;
+    std::string out;
+    ASSERT_EQ(dxf::WriteDxfText(db, keep, out), Acad::eOk);
+    EXPECT_NE(out.find("$ACADVER\n  1\nAC1009\n"), std::string::npos);
+    EXPECT_EQ(out.find("100\n"), std::string::npos) << out;
+    EXPECT_NE(out.find("  0\nLINE\n  8\nHOLES\n 62\n1\n 10\n1.5\n"), std::string::npos) << out;
+}
+
 }  // namespace
