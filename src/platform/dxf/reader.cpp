@@ -1,10 +1,6 @@
 // Reading: one pass over the tags that checks them and turns records into objects, each keeping
 // its record's tags as the writer's template. When the file turns out bad, what was built is
 // discarded: the database is left empty.
-#include <fcntl.h>
-#include <sys/mman.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
@@ -32,6 +28,7 @@
 #include "platform/db/text.hpp"
 #include "platform/dxf/codepage.hpp"
 #include "platform/dxf/dxf.hpp"
+#include "platform/dxf/mapped_file.hpp"
 #include "platform/dxf/model.hpp"
 #include "platform/dxf/tagger.hpp"
 
@@ -82,50 +79,6 @@ struct ReadError {
     int line = 0;
     std::string reason;
     Acad::ErrorStatus status = Acad::eOk;
-};
-
-// A drawing file mapped into memory. The reader gives back the pages it has gone past, so that
-// a large file is never resident whole: the database keeps its own copy of what it needs.
-class MappedFile {
-public:
-    MappedFile() = default;
-    MappedFile(const MappedFile&) = delete;
-    MappedFile& operator=(const MappedFile&) = delete;
-    ~MappedFile() {
-        if (m_data) ::munmap(m_data, m_size);
-    }
-    bool open(const std::string& path) {
-        int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-        if (fd < 0) return false;
-        struct stat info{};
-        bool ok = ::fstat(fd, &info) == 0 && S_ISREG(info.st_mode);
-        m_size = ok ? static_cast<size_t>(info.st_size) : 0;
-        if (ok && m_size > 0) {
-            void* data = ::mmap(nullptr, m_size, PROT_READ, MAP_PRIVATE, fd, 0);
-            ok = data != MAP_FAILED;
-            m_data = ok ? static_cast<char*>(data) : nullptr;
-            if (ok) ::madvise(m_data, m_size, MADV_SEQUENTIAL);
-        }
-        ::close(fd);
-        return ok;
-    }
-    std::string_view bytes() const { return {m_data, m_data ? m_size : 0}; }
-    // Gives back the whole pages before p, a quarter megabyte at a time; they are read again
-    // from the file if they are looked at again.
-    void releaseBefore(const char* p) {
-        if (!m_data || p < m_data || p > m_data + m_size) return;
-        size_t upTo = static_cast<size_t>(p - m_data) & ~(kPage - 1);
-        if (upTo < m_released + kStep) return;
-        ::madvise(m_data + m_released, upTo - m_released, MADV_DONTNEED);
-        m_released = upTo;
-    }
-
-private:
-    static constexpr size_t kPage = 4096;
-    static constexpr size_t kStep = size_t{256} << 10;
-    char* m_data = nullptr;
-    size_t m_size = 0;
-    size_t m_released = 0;
 };
 
 // What the header tells about the records after it.
@@ -1516,19 +1469,25 @@ Acad::ErrorStatus ReadBytes(AcDbDatabase& db, std::string_view bytes, const std:
         db.setLastError(Wide(name + ":" + std::to_string(line) + ": " + code + " " + reason));
         return status;
     };
+    auto changed = [file] { return file && file->changed(); };
+    const char* kChanged = "the file was changed or cut short while it was being read";
     std::string converted;
     std::string_view text = bytes;
+    MappedFile* mapped = file;  // the text the reader goes over, when it is the file's
     if (bytes.substr(0, kBinarySentinel.size()) == kBinarySentinel) {
         std::string error;
-        if (!BinaryToText(bytes, converted, error))
-            return fail(DxfError::kTruncated, 0, error, Acad::eBadDxfFile);
+        bool whole = BinaryToText(bytes, converted, error);
+        if (changed()) return fail(DxfError::kTruncated, 0, kChanged, Acad::eBadDxfFile);
+        if (!whole) return fail(DxfError::kTruncated, 0, error, Acad::eBadDxfFile);
         text = converted;
-        file = nullptr;  // the passes go over the converted text
+        mapped = nullptr;
     } else if (!LooksLikeDxf(bytes)) {
         return fail(DxfError::kNotDxf, 1, "not a DXF file", Acad::eUnknownDxfFileFormat);
     }
     if (text.substr(0, 3) == "\xEF\xBB\xBF") text.remove_prefix(3);
-    if (ReadError e = Builder(db).build(text, file); e.error != DxfError::kNone) {
+    ReadError e = Builder(db).build(text, mapped);
+    if (changed()) e = {DxfError::kTruncated, 0, kChanged};
+    if (e.error != DxfError::kNone) {
         db.discardContents();  // no part of a bad file is used as if it were the drawing
         Acad::ErrorStatus status = e.error == DxfError::kMissingSection ? Acad::eMissingDxfSection
                                    : e.error == DxfError::kBadGroupCode ? Acad::eInvalidDxfCode
