@@ -685,7 +685,9 @@ void RecordModel(const AcDbSymbolTableRecord& r, ModelWriter& w) {
 }
 
 // The subclass of the entities the database carries whose records are one subclass deep.
-std::string_view CarriedSubclass(std::string_view type) {
+std::string_view CarriedSubclass(const AcDbEntity& e, std::string_view type) {
+    if (AcDbPolyFaceMesh::cast(&e)) return "AcDbPolyFaceMesh";
+    if (AcDbPolygonMesh::cast(&e)) return "AcDbPolygonMesh";
     if (type == "SOLID" || type == "TRACE") return "AcDbTrace";
     if (type == "3DFACE") return "AcDbFace";
     if (type == "SHAPE") return "AcDbShape";
@@ -708,7 +710,7 @@ void BuildModel(const AcDbObject& object, bool hasTemplate, Model& model) {
             EntityCommon(*e, w);
             // The class's own subclass, which a record of R12 lacks: written for a later
             // version, what follows the common properties goes under it.
-            if (std::string_view marker = CarriedSubclass(model.type); !marker.empty()) w.subclass(marker);
+            if (std::string_view marker = CarriedSubclass(*e, model.type); !marker.empty()) w.subclass(marker);
         }
     } else if (auto* r = AcDbSymbolTableRecord::cast(&object)) {
         w.subclass("AcDbSymbolTableRecord");

@@ -162,12 +162,38 @@ bool IsEntityPropertyCode(int code) {
     }
 }
 
+// A record as read, and the records it carries inside it (the vertices and SEQEND of a mesh),
+// each from its 0 tag.
+std::vector<std::span<const AcDbRawTag>> SplitRecords(std::span<const AcDbRawTag> tags) {
+    std::vector<std::span<const AcDbRawTag>> records;
+    size_t begin = 0;
+    for (size_t i = 1; i <= tags.size(); ++i)
+        if (i == tags.size() || tags[i].code == 0) {
+            records.push_back(tags.subspan(begin, i - begin));
+            begin = i;
+        }
+    return records;
+}
+
+bool IsMesh(const AcDbObject& o) { return AcDbPolyFaceMesh::cast(&o) || AcDbPolygonMesh::cast(&o); }
+
 // True when a record of R12 can be written anew for a later version: its tags find their
-// subclasses in the model. Records that carry others inside them (the vertices of a mesh), and
-// entities the database carries without knowing their subclass, stay as read.
-bool Upgradable(const AcDbObject& o, std::span<const AcDbRawTag> tmpl, const Model& model) {
-    if (HasCode(tmpl.subspan(std::min<size_t>(tmpl.size(), 1)), 0)) return false;
+// subclasses in the model, and what it carries inside it is a mesh's vertices. Entities the
+// database carries without knowing their subclass stay as read.
+bool Upgradable(const AcDbObject& o, const std::vector<std::span<const AcDbRawTag>>& records,
+                const Model& model) {
+    if (records.size() > 1 && !IsMesh(o)) return false;
     return !AcDbCarriedEntity::cast(&o) || model.subclasses.back().marker != "AcDbEntity";
+}
+
+// The subclasses of a vertex of a mesh, by the mesh and the vertex's flags (group code 70).
+std::vector<std::string_view> MeshVertexSubclasses(const AcDbObject& mesh, std::span<const AcDbRawTag> vertex) {
+    long long flags = 0;
+    for (const AcDbRawTag& t : vertex)
+        if (t.code == 70) ParseInteger(t.value, flags);
+    if (AcDbPolygonMesh::cast(&mesh)) return {"AcDbVertex", "AcDbPolygonMeshVertex"};
+    if ((flags & 64) == 0) return {"AcDbFaceRecord"};
+    return {"AcDbVertex", "AcDbPolyFaceMeshVertex"};
 }
 
 // A subclass the template lacks: its marker and the values not at their default, and those at
@@ -239,6 +265,9 @@ private:
     void object(const AcDbObject& o);
     void merge(const AcDbObject& o, const AcDbRawTags& tmpl, const Model& model);
     void emitRun(int run);
+    void carriedRecord(std::span<const AcDbRawTag> record, AcDbHandle owner,
+                       const std::vector<std::string_view>& subclasses);
+    void numberCarriedRecords(AcDbObject& o);
     void mergeOwned(const AcDbRawTag& t);
     void xdata(const AcDbObject& o);
 
@@ -350,10 +379,18 @@ void Writer::merge(const AcDbObject& o, const AcDbRawTags& tmpl, const Model& mo
     std::vector<AcDbRawTag>& t = m_template;
     t.assign(tmpl.begin(), tmpl.end());
     bool flat = WithoutSubclasses(t);
-    if (flat && !m_r12 && Upgradable(o, t, model)) {
+    if (flat && !m_r12) {
         // A record of R12 has no subclasses: for a later version it is written anew.
-        NewRecord(o, model, false, *this, t);
-        return;
+        std::vector<std::span<const AcDbRawTag>> records = SplitRecords(t);
+        if (Upgradable(o, records, model)) {
+            NewRecord(o, model, false, *this, records[0]);
+            for (size_t k = 1; k < records.size(); ++k) {
+                bool seqEnd = records[k][0].value == "SEQEND";
+                carriedRecord(records[k], o.objectId().handle(),
+                              seqEnd ? std::vector<std::string_view>{} : MeshVertexSubclasses(o, records[k]));
+            }
+            return;
+        }
     }
     seg.start(model, flat ? model.whole() : model.subclasses[0]);
     bool inHead = true;
@@ -421,6 +458,40 @@ void Writer::merge(const AcDbObject& o, const AcDbRawTags& tmpl, const Model& mo
 }
 
 // The fields of a repeating block, all at once where the template's block begins.
+// A record of R12 that a mesh carries (a vertex or its SEQEND), written with its handle, owner
+// and subclasses: the entity properties under AcDbEntity, the rest under the last subclass.
+void Writer::carriedRecord(std::span<const AcDbRawTag> record, AcDbHandle owner,
+                           const std::vector<std::string_view>& subclasses) {
+    tag(0, record[0].value);
+    std::span<const AcDbRawTag> rest = record.subspan(1);
+    for (const AcDbRawTag& t : rest)
+        if (t.code == 5) tag(5, t.value);
+    tag(330, HandleText(owner));
+    tag(100, "AcDbEntity");
+    for (const AcDbRawTag& t : rest)
+        if (IsEntityPropertyCode(t.code)) tag(t.code, t.value);
+    for (std::string_view marker : subclasses) tag(100, marker);
+    for (const AcDbRawTag& t : rest)
+        if (t.code != 5 && t.code != 330 && !IsEntityPropertyCode(t.code)) tag(t.code, t.value);
+}
+
+// Gives the records that a mesh of R12 carries the handles they lack: written for a later
+// version, every record has one.
+void Writer::numberCarriedRecords(AcDbObject& o) {
+    std::vector<AcDbRawTag> tags(o.fileTags().begin(), o.fileTags().end());
+    std::vector<std::span<const AcDbRawTag>> records = SplitRecords(tags);
+    if (records.size() < 2 ||
+        std::all_of(records.begin() + 1, records.end(), [](auto r) { return HasCode(r, 5); }))
+        return;
+    AcDbRawTags numbered;
+    for (size_t k = 0; k < records.size(); ++k) {
+        numbered.push_back(records[k][0].code, records[k][0].value);
+        if (k > 0 && !HasCode(records[k], 5)) numbered.push_back(5, HandleText(newHandle()));
+        for (const AcDbRawTag& t : records[k].subspan(1)) numbered.push_back(t.code, t.value);
+    }
+    o.fileTags() = std::move(numbered);
+}
+
 void Writer::emitRun(int run) {
     SegmentMerge& seg = m_segment;
     for (size_t i = 0; i < seg.fields.size(); ++i)
@@ -620,7 +691,7 @@ void Writer::ensureLayouts() {
 // objects made in memory have not got yet.
 void Writer::prepare() {
     if (m_db.handseed().value() == 0) m_db.setHandseed(AcDbHandle(1));
-    // Before 2000 the format has no layouts; R13 and R14 drawings are written as they came.
+    // Before 2000 the format has no layouts: a drawing kept in its R12 to R14 version gets none.
     if (m_version >= AcDb::kDHL_1015) {
         for (int k = 0; k < AcDbDatabase::kTableCount; ++k)
             ensureTable(static_cast<AcDbDatabase::TableKind>(k));
@@ -645,6 +716,7 @@ void Writer::prepare() {
         if (b->blockEnd().handle.isNull()) b->blockEnd().handle = newHandle();
         for (const auto& eid : b->entityIds()) {
             AcDbObject* o = ObjectOf(eid);
+            if (o && !m_r12 && IsMesh(*o) && WithoutSubclasses(o->fileTags())) numberCarriedRecords(*o);
             if (auto* r = AcDbBlockReference::cast(o)) {
                 if (!r->attributeIds().isEmpty() && r->seqEndHandle().isNull())
                     r->setSeqEndHandle(newHandle());

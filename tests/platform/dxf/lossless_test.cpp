@@ -318,4 +318,48 @@ TEST(Lossless, R12DrawingKeepsItsVersionAndRecordsWhenAsked) {
     EXPECT_NE(out.find("  0\nLINE\n  8\nHOLES\n 62\n1\n 10\n1.5\n"), std::string::npos) << out;
 }
 
+TEST(Lossless, PolyfaceMeshOfR12GetsSubclassesHandlesAndOwnersIn2004) {
+    const std::string mesh =
+        "  0\nPOLYLINE\n  8\nM\n 66\n1\n 10\n0.0\n 20\n0.0\n 30\n0.0\n 70\n64\n 71\n3\n 72\n1\n"
+        "  0\nVERTEX\n  8\nM\n 10\n0.0\n 20\n0.0\n 30\n0.0\n 70\n192\n"
+        "  0\nVERTEX\n  8\nM\n 10\n1.0\n 20\n0.0\n 30\n0.0\n 70\n192\n"
+        "  0\nVERTEX\n  8\nM\n 10\n0.0\n 20\n1.0\n 30\n0.0\n 70\n192\n"
+        "  0\nVERTEX\n  8\nM\n 10\n0.0\n 20\n0.0\n 30\n0.0\n 70\n128\n 71\n1\n 72\n2\n 73\n3\n"
+        "  0\nSEQEND\n  8\nM\n";
+    std::string text = kR12;
+    text.replace(text.find("  0\nLINE\n"), 0, mesh);
+    AcDbDatabase db(false, true);
+    ASSERT_EQ(dxf::ReadDxfBytes(db, text, "in.dxf"), Acad::eOk) << dxf::Utf8(db.lastError());
+    std::string out;
+    ASSERT_EQ(dxf::WriteDxfText(db, {}, out), Acad::eOk);
+    size_t at = out.find("  0\nPOLYLINE\n  5\n");
+    ASSERT_NE(at, std::string::npos) << out;
+    size_t end = out.find("  0\nLINE\n", at);
+    std::string part = out.substr(at, end - at);
+    EXPECT_NE(part.find("100\nAcDbEntity\n  8\nM\n100\nAcDbPolyFaceMesh\n 66\n1\n"), std::string::npos) << part;
+    std::string owner = part.substr(part.find("  5\n") + 4);
+    owner = owner.substr(0, owner.find('\n'));
+    const std::string vertexHead = "330\n" + owner + "\n100\nAcDbEntity\n  8\nM\n";
+    size_t vertices = 0, faces = 0, pos = 0;
+    while ((pos = part.find(vertexHead + "100\nAcDbVertex\n100\nAcDbPolyFaceMeshVertex\n", pos)) != std::string::npos) {
+        ++vertices;
+        ++pos;
+    }
+    pos = 0;
+    while ((pos = part.find(vertexHead + "100\nAcDbFaceRecord\n", pos)) != std::string::npos) {
+        ++faces;
+        ++pos;
+    }
+    EXPECT_EQ(vertices, 3u) << part;
+    EXPECT_EQ(faces, 1u) << part;
+    EXPECT_NE(part.find("  0\nSEQEND\n  5\n"), std::string::npos) << part;
+    // Every record of the mesh has a handle of its own.
+    std::set<std::string> handles;
+    for (size_t p = part.find("\n  5\n"); p != std::string::npos; p = part.find("\n  5\n", p + 1)) {
+        std::string h = part.substr(p + 5);
+        handles.insert(h.substr(0, h.find('\n')));
+    }
+    EXPECT_EQ(handles.size(), 6u) << part;
+}
+
 }  // namespace
