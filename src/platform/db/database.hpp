@@ -31,6 +31,8 @@ public:
     // holding an object gives eHandleInUse.
     Acad::ErrorStatus addAcDbObjectWithHandle(AcDbObjectId& id, AcDbObject* object,
                                               AcDbHandle handle);
+    // Prepares room for about this many objects more (a reader that knows the file's size).
+    void reserveObjects(std::size_t count) { m_byHandle.reserve(m_byHandle.size() + count); }
     // Gives a resident object another, free handle; its id stays the same. Readers use it for
     // an object they numbered themselves when the file later names that handle for another.
     // eHandleInUse when the new handle is taken, eNullObjectId for an id of no object here.
