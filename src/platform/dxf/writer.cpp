@@ -264,11 +264,11 @@ private:
     void flush();
     void object(const AcDbObject& o);
     void merge(const AcDbObject& o, const AcDbRawTags& tmpl, const Model& model);
-    void emitRun(int run);
+    void emitRun(int run, std::span<const AcDbRawTag> asRead = {});
     void carriedRecord(std::span<const AcDbRawTag> record, AcDbHandle owner,
                        const std::vector<std::string_view>& subclasses);
     void numberCarriedRecords(AcDbObject& o);
-    void mergeOwned(const AcDbRawTag& t);
+    void mergeOwned(std::span<const AcDbRawTag> rest);
     void xdata(const AcDbObject& o);
 
     // ---- preparation ----
@@ -446,7 +446,7 @@ void Writer::merge(const AcDbObject& o, const AcDbRawTags& tmpl, const Model& mo
             tag(t[i].code, t[i].value);
             continue;
         }
-        mergeOwned(t[i]);
+        mergeOwned(std::span<const AcDbRawTag>(t).subspan(i));
     }
     if (!verbatim) {
         finish(inHead && !flat);
@@ -492,23 +492,40 @@ void Writer::numberCarriedRecords(AcDbObject& o) {
     o.fileTags() = std::move(numbered);
 }
 
-void Writer::emitRun(int run) {
+// Writes a repeating block of the model whole. Where the template's block (asRead, from its
+// first tag on) has a field's code close ahead with the same value, its text is kept.
+void Writer::emitRun(int run, std::span<const AcDbRawTag> asRead) {
+    constexpr size_t kLookAhead = 8;
     SegmentMerge& seg = m_segment;
-    for (size_t i = 0; i < seg.fields.size(); ++i)
-        if (seg.fields[i].run == run) {
-            seg.used[i] = 1;
-            if (!seg.fields[i].optional) field(seg.fields[i]);
+    size_t at = 0;
+    for (size_t i = 0; i < seg.fields.size(); ++i) {
+        const Field& f = seg.fields[i];
+        if (f.run != run) continue;
+        seg.used[i] = 1;
+        if (f.optional) continue;
+        size_t j = at;
+        while (j < asRead.size() && j < at + kLookAhead && asRead[j].code != f.code) ++j;
+        if (j < asRead.size() && asRead[j].code == f.code) {
+            at = j + 1;
+            if (SameValue(f, asRead[j].value)) {
+                tag(f.code, asRead[j].value);
+                continue;
+            }
         }
+        field(f);
+    }
 }
 
-// A template tag of a code the current subclass models: the model's value in its place.
-void Writer::mergeOwned(const AcDbRawTag& t) {
+// A template tag of a code the current subclass models (the first of rest): the model's value
+// in its place.
+void Writer::mergeOwned(std::span<const AcDbRawTag> rest) {
+    const AcDbRawTag& t = rest[0];
     SegmentMerge& seg = m_segment;
     for (size_t k = 0; k < seg.fields.size(); ++k) {
         const Field& f = seg.fields[k];
         if (f.code != t.code || seg.used[k]) continue;
         if (f.run != 0) {
-            emitRun(f.run);
+            emitRun(f.run, rest);
         } else {
             seg.used[k] = 1;
             if (SameValue(f, t.value)) tag(f.code, t.value);
