@@ -362,4 +362,20 @@ TEST(Lossless, PolyfaceMeshOfR12GetsSubclassesHandlesAndOwnersIn2004) {
     EXPECT_EQ(handles.size(), 6u) << part;
 }
 
+TEST(Lossless, PolylineVerticesKeepTheirTextWhereTheValueIsUnchanged) {
+    const std::string polyline =
+        "  0\nLWPOLYLINE\n  5\n2D\n330\n1F\n100\nAcDbEntity\n  8\n0\n100\nAcDbPolyline\n 90\n2\n"
+        " 70\n0\n 10\n1.50\n 20\n571.6812651496752\n 10\n3.0\n 20\n4.0\n";
+    AcDbDatabase db(false, true);
+    ASSERT_EQ(dxf::ReadDxfBytes(db, DrawingWith(polyline), "in.dxf"), Acad::eOk);
+    std::string out;
+    ASSERT_EQ(dxf::WriteDxfText(db, {}, out), Acad::eOk);
+    EXPECT_NE(out.find(polyline), std::string::npos) << out;
+    auto* p = AcDbPolyline::cast(ObjectAt(db, 0x2D));
+    ASSERT_NE(p, nullptr);
+    p->vertices()[1].point.x = 7.25;  // a changed value is written as the database has it
+    ASSERT_EQ(dxf::WriteDxfText(db, {}, out), Acad::eOk);
+    EXPECT_NE(out.find(" 10\n1.50\n 20\n571.6812651496752\n 10\n7.25\n 20\n4.0\n"), std::string::npos) << out;
+}
+
 }  // namespace
