@@ -4,22 +4,19 @@
 #include <cmath>
 
 #include "platform/db/ocs.hpp"
+#include "platform/ge/angle.hpp"
 
 ACRX_DEFINE_MEMBERS(AcDbArc, AcDbCurve, L"ARC")
 
 namespace {
-constexpr double kTwoPi = 2.0 * M_PI;
-
-double normalizedAngle(double a) {
-    a = std::fmod(a, kTwoPi);
-    return a < 0 ? a + kTwoPi : a;
-}
+using tavrik::ge::kTwoPi;
+using tavrik::ge::wrapTwoPi;
 
 // Whether the counter-clockwise sweep from start to end passes the angle.
 bool sweepContains(double start, double end, double angle) {
-    double sweep = normalizedAngle(end - start);
+    double sweep = wrapTwoPi(end - start);
     if (sweep == 0.0) sweep = kTwoPi;
-    return normalizedAngle(angle - start) <= sweep;
+    return wrapTwoPi(angle - start) <= sweep;
 }
 }  // namespace
 
@@ -36,7 +33,7 @@ Acad::ErrorStatus AcDbArc::setNormal(const AcGeVector3d& n) {
 }
 
 double AcDbArc::totalAngle() const {
-    double sweep = normalizedAngle(m_endAngle - m_startAngle);
+    double sweep = wrapTwoPi(m_endAngle - m_startAngle);
     return sweep == 0.0 ? kTwoPi : sweep;
 }
 

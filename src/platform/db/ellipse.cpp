@@ -2,16 +2,12 @@
 
 #include <cmath>
 
+#include "platform/ge/angle.hpp"
+
 ACRX_DEFINE_MEMBERS(AcDbEllipse, AcDbCurve, L"ELLIPSE")
 
-namespace {
-constexpr double kTwoPi = 2.0 * M_PI;
-
-double wrapAngle(double a) {
-    a = std::fmod(a, kTwoPi);
-    return a < 0 ? a + kTwoPi : a;
-}
-}  // namespace
+using tavrik::ge::kTwoPi;
+using tavrik::ge::wrapTwoPi;
 
 AcGeVector3d AcDbEllipse::minorAxis() const {
     return m_normal.crossProduct(m_majorAxis).normal() * (m_majorAxis.length() * m_ratio);
@@ -34,22 +30,22 @@ Acad::ErrorStatus AcDbEllipse::set(const AcGePoint3d& center, const AcGeVector3d
 
 // The polar angle of the point at eccentric angle t, measured from the major axis.
 double AcDbEllipse::startAngle() const {
-    return wrapAngle(std::atan2(m_ratio * std::sin(m_startParam), std::cos(m_startParam)));
+    return wrapTwoPi(std::atan2(m_ratio * std::sin(m_startParam), std::cos(m_startParam)));
 }
 
 double AcDbEllipse::endAngle() const {
-    double angle = wrapAngle(std::atan2(m_ratio * std::sin(m_endParam), std::cos(m_endParam)));
+    double angle = wrapTwoPi(std::atan2(m_ratio * std::sin(m_endParam), std::cos(m_endParam)));
     // A full ellipse ends where it starts, one turn on.
     return (isFull() && angle <= startAngle()) ? angle + kTwoPi : angle;
 }
 
 Acad::ErrorStatus AcDbEllipse::setStartAngle(double angle) {
-    m_startParam = wrapAngle(std::atan2(std::sin(angle) / m_ratio, std::cos(angle)));
+    m_startParam = wrapTwoPi(std::atan2(std::sin(angle) / m_ratio, std::cos(angle)));
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbEllipse::setEndAngle(double angle) {
-    m_endParam = wrapAngle(std::atan2(std::sin(angle) / m_ratio, std::cos(angle)));
+    m_endParam = wrapTwoPi(std::atan2(std::sin(angle) / m_ratio, std::cos(angle)));
     if (m_endParam <= m_startParam) m_endParam += kTwoPi;
     return Acad::eOk;
 }

@@ -42,18 +42,7 @@ protected:
     AcRxObject& operator=(const AcRxObject&) = default;
 };
 
-// Declares desc(), isA(), cast() and clone() of a concrete class.
-#define ACRX_DECLARE_MEMBERS(CLASS)                                        \
-    static AcRxClass* desc();                                              \
-    AcRxClass* isA() const override { return desc(); }                     \
-    static CLASS* cast(const AcRxObject* obj) {                            \
-        return obj && obj->isKindOf(desc()) ? const_cast<CLASS*>(          \
-                                                  static_cast<const CLASS*>(obj)) \
-                                            : nullptr;                     \
-    }                                                                      \
-    AcRxObject* clone() const override { return new CLASS(*this); }
-
-// Declares the same for an abstract class (no clone of its own).
+// Declares desc(), isA() and cast() of an abstract class (no clone of its own).
 #define ACRX_DECLARE_ABSTRACT_MEMBERS(CLASS)                               \
     static AcRxClass* desc();                                              \
     AcRxClass* isA() const override { return desc(); }                     \
@@ -62,6 +51,11 @@ protected:
                                                   static_cast<const CLASS*>(obj)) \
                                             : nullptr;                     \
     }
+
+// Declares the same and clone() of a concrete class.
+#define ACRX_DECLARE_MEMBERS(CLASS)     \
+    ACRX_DECLARE_ABSTRACT_MEMBERS(CLASS) \
+    AcRxObject* clone() const override { return new CLASS(*this); }
 
 // Defines the descriptor of CLASS, derived from PARENT, with its drawing-file name.
 #define ACRX_DEFINE_MEMBERS(CLASS, PARENT, DXFNAME)                        \

@@ -1,6 +1,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "platform/ge/angle.hpp"
 #include "platform/ge/matrix3d.hpp"
 #include "platform/ge/plane.hpp"
 #include "platform/ge/point2d.hpp"
@@ -17,19 +18,12 @@ const AcGeVector3d AcGeVector3d::kZAxis{0, 0, 1};
 const AcGePoint3d AcGePoint3d::kOrigin{0, 0, 0};
 const AcGeScale3d AcGeScale3d::kIdentity{1, 1, 1};
 
-namespace {
-constexpr double kTwoPi = 2.0 * std::numbers::pi;
-
-double wrapToTwoPi(double angle) {
-    angle = std::fmod(angle, kTwoPi);
-    if (angle < 0) angle += kTwoPi;
-    return angle;
-}
-}  // namespace
+using tavrik::ge::kTwoPi;
+using tavrik::ge::wrapTwoPi;
 
 // ---- AcGeVector2d ----
 double AcGeVector2d::length() const { return std::hypot(x, y); }
-double AcGeVector2d::angle() const { return wrapToTwoPi(std::atan2(y, x)); }
+double AcGeVector2d::angle() const { return wrapTwoPi(std::atan2(y, x)); }
 double AcGeVector2d::angleTo(const AcGeVector2d& v) const {
     return std::fabs(std::atan2(crossProduct(v), dotProduct(v)));
 }
@@ -64,7 +58,7 @@ double AcGeVector3d::angleTo(const AcGeVector3d& v, const AcGeVector3d& refVecto
     AcGeVector3d cross = crossProduct(v);
     double angle = std::atan2(cross.length(), dotProduct(v));
     if (cross.dotProduct(refVector) < 0) angle = kTwoPi - angle;
-    return wrapToTwoPi(angle);
+    return wrapTwoPi(angle);
 }
 AcGeVector3d AcGeVector3d::normal(const AcGeTol& tol) const {
     double len = length();
