@@ -3,6 +3,8 @@
 #include <memory>
 #include <vector>
 
+#include "cleanup/class_interface_data.hpp"
+#include "config/config_root.hpp"
 #include "dimension/view_analysis.hpp"
 #include "host/module_state.hpp"
 #include "pipeline/logs.hpp"
@@ -14,6 +16,7 @@
 #include "platform/win/library.hpp"
 #include "platform/win/messages.hpp"
 #include "standard/db_helpers.hpp"
+#include "standard/hole_substitution.hpp"
 #include "standard/layers_text.hpp"
 #include "standard/sheet_frame.hpp"
 
@@ -129,6 +132,23 @@ void EraseSheetEntities(const AcDbObjectIdArray& sheetEntities) {
     }
 }
 
+// The clean-ups that run before the texts and layers, on a clean-up object of the drawing that
+// the pipeline keeps for the last clean-ups and never frees.
+ClassInterfaceData* RunFirstCleanups(AcDbDatabase* db) {
+    std::wstring userPath = GetConfigRoot() + L"\\CAD";
+    auto* cleanup = new ClassInterfaceData(db, userPath);
+    cleanup->SetLogPath(kLogLogPath);
+    cleanup->SetUserPath(userPath);
+    cleanup->FunCoorToZero();
+    return cleanup;
+}
+
+void RunLastCleanups(ClassInterfaceData* cleanup) {
+    cleanup->FunDeleteSmallLineAndPoint();
+    cleanup->FunUpLineScale();
+    cleanup->FunLineWidthToZero();
+}
+
 // Ends the drawing: the former working database comes back and the drawing's goes.
 void ReleaseDrawing(ModuleState& state, AcDbDatabase* previousDatabase) {
     acdbHostApplicationServices()->setWorkingDatabase(previousDatabase);
@@ -151,7 +171,10 @@ void ProcessDrawing(const std::wstring& path) {
     ConvertExportedFile(path);
     db->readDwgFile(path.c_str(), 0x40, false, nullptr);
     acdbHostApplicationServices()->setWorkingDatabase(db);
+    AcArray<tPt> drawingPoints;
+    CollectPoints(db, drawingPoints);
     CollectAllEntityIds(db);
+    ClassInterfaceData* cleanup = RunFirstCleanups(db);
 
     ApplyTextStyle(L"bar", L"`**`*", db);
     LogStep(L"设置条码样式");
@@ -176,6 +199,7 @@ void ProcessDrawing(const std::wstring& path) {
     acdbHostApplicationServices()->setWorkingDatabase(db);
     if (state.cadStandardIni.sundry.HOLECA == 0) EraseSheetEntities(sheetEntities);
     ZoomExtents(db);
+    RunLastCleanups(cleanup);
     LogTrace(L"保存" + path);
     if (state.cadStandardIni.sundry.SAVEQ) acdbSaveAs2004(db, path.c_str());
     LogTrace(L"\n关闭\n");
