@@ -1411,6 +1411,7 @@ void Builder::resolveNames() {
     for (auto& [dim, name] : m_dimBlockNames) {
         auto it = m_blocks.find(Upper(name));
         if (it != m_blocks.end()) dim->setDimBlockId(it->second->objectId());
+        dim->markGraphicsCurrent();
     }
     auto* linetypes = AcDbLinetypeTable::cast(m_tables.count("LTYPE") ? m_tables["LTYPE"] : nullptr);
     for (auto& [layer, name] : m_layerLinetypes) {
