@@ -168,6 +168,7 @@ def main():
             check(not missing, "geometry of the sheets missing in the merged drawing: %s" % list(missing)[:5])
             check_sheets.check_frames(doc, check)
             check_sheets.check_dimensions(doc, check)
+            check_sheets.check_readers(merged, scratch, check)
             check_cleanups(doc, settings)
 
         log = (prefix / LOGS / "Cg.log").read_bytes()

@@ -199,12 +199,18 @@ std::vector<Element> OrdinateGraphics(const AcDbOrdinateDimension& dim) {
         elements.push_back(Line(b1, b2, s.extColor));
         elements.push_back(Line(b2, end, s.extColor));
     }
-    const double textWidth = TextWidth(dim, s.text);
+    // The text starts (or ends) just beyond the leader's end, whatever its width.
     const double leaderAngle = tavrik::ocs::angleInPlane(out, normal);
     const bool horizontal = dim.dimtoh() && dim.isUsingXAxis();
     const double textAngle = horizontal ? 0.0 : ReadableAngle(leaderAngle);
-    const double along = horizontal ? s.text : textWidth;
-    elements.push_back(Text(dim, end + out * (s.gap + along * 0.5), textAngle, s));
+    Element text = Text(dim, end + out * s.gap, textAngle, s);
+    if (horizontal) {
+        text.attachment = out.dotProduct(tavrik::ocs::directionInPlane(0.5 * M_PI, normal)) > 0.0 ? 8 : 2;
+    } else {
+        const bool reading = out.dotProduct(tavrik::ocs::directionInPlane(textAngle, normal)) > 0.0;
+        text.attachment = reading ? 4 : 6;
+    }
+    elements.push_back(text);
     return elements;
 }
 
@@ -214,7 +220,7 @@ std::string KeyOf(const std::vector<Element>& elements) {
     for (const Element& e : elements) {
         key << e.kind << ' ' << e.from.x << ' ' << e.from.y << ' ' << e.from.z << ' ' << e.to.x
             << ' ' << e.to.y << ' ' << e.to.z << ' ' << e.color << ' ' << e.width << ' '
-            << e.height << ' ' << e.rotation << ' ' << e.text.size() << ':';
+            << e.height << ' ' << e.rotation << ' ' << e.attachment << ' ' << e.text.size() << ':';
         for (wchar_t c : e.text) key << static_cast<unsigned>(c) << ',';
         key << ';';
     }
@@ -237,7 +243,7 @@ AcDbEntity* EntityOf(const Element& e, const AcGeVector3d& normal) {
         text->setLocation(e.from);
         text->setContents(e.text);
         text->setTextHeight(e.height);
-        text->setAttachment(AcDbMText::kMiddleCenter);
+        text->setAttachment(static_cast<AcDbMText::AttachmentPoint>(e.attachment));
         text->setNormal(normal);
         text->setRotation(e.rotation);
         entity = text;

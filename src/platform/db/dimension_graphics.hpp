@@ -14,12 +14,14 @@ namespace tavrik::dimension_graphics {
 struct Element {
     enum Kind { kLine, kArrow, kText };
     Kind kind = kLine;
-    AcGePoint3d from, to;  // line ends; arrow tip (from) and the middle of its base (to); text centre
+    AcGePoint3d from, to;  // line ends; arrow tip (from) and the middle of its base (to); text point
     int color = 0;         // colour index: DIMCLRD, DIMCLRE or DIMCLRT
     double width = 0.0;    // arrowhead base width
     std::wstring text;     // multi-line text contents
     double height = 0.0;   // text height
     double rotation = 0.0; // text direction, radians
+    int attachment = 5;    // where the text point lies on the text: 4 middle left, 5 middle
+                           // centre, 6 middle right, 2 top centre, 8 bottom centre
 };
 
 // A value rounded to `decimals` places with the decimal separator `separator`; `zin` bit 4

@@ -210,9 +210,10 @@ TEST_F(DimensionGraphics, ordinate_leader_bends_to_its_end_without_an_arrow) {
     std::vector<AcDbMText*> texts = Of<AcDbMText>(parts);
     ASSERT_EQ(texts.size(), 1u);
     EXPECT_EQ(texts[0]->contents(), L"20");
-    EXPECT_DOUBLE_EQ(texts[0]->location().x, 36.0);
-    EXPECT_GT(texts[0]->location().y, 80.0);
-    EXPECT_DOUBLE_EQ(texts[0]->rotation(), M_PI / 2.0);  // along its leader
+    // Along its leader, starting DIMGAP x DIMSCALE beyond the end.
+    EXPECT_EQ(texts[0]->location(), AcGePoint3d(36, 81.6, 0));
+    EXPECT_EQ(texts[0]->attachment(), AcDbMText::kMiddleLeft);
+    EXPECT_DOUBLE_EQ(texts[0]->rotation(), M_PI / 2.0);
 }
 
 TEST_F(DimensionGraphics, ordinate_straight_above_its_point_has_no_bend) {
@@ -227,7 +228,9 @@ TEST_F(DimensionGraphics, ordinate_straight_above_its_point_has_no_bend) {
     std::vector<AcDbMText*> texts = Of<AcDbMText>(parts);
     ASSERT_EQ(texts.size(), 1u);
     EXPECT_EQ(texts[0]->contents(), L"40");
-    EXPECT_LT(texts[0]->location().x, 0.0);  // beyond the leader's end
+    // Ending DIMGAP x DIMSCALE beyond the leader's end, which points left.
+    EXPECT_EQ(texts[0]->location(), AcGePoint3d(-1.6, 40, 0));
+    EXPECT_EQ(texts[0]->attachment(), AcDbMText::kMiddleRight);
     EXPECT_DOUBLE_EQ(texts[0]->rotation(), 0.0);
 }
 
