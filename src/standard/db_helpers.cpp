@@ -124,10 +124,9 @@ int ZoomExtents(AcDbDatabase* db) {
     bool added = false;
     if (db->getSymbolTable(views, AcDb::kForWrite) == Acad::eOk) {
         added = views->add(view) == Acad::eOk;
+        acedSetCurrentView(view, nullptr);
         views->close();
     }
-    acedSetCurrentView(view, nullptr);
-    // The view has no name, and a table may refuse it; the current view is set all the same.
     if (added) view->close();
     else delete view;
     db->updateExt(true);
