@@ -49,10 +49,6 @@ int AppendToModelSpace(AcDbDatabase* db, AcDbEntity* entity, AcDbObjectId& id) {
     return 1;
 }
 
-namespace {
-
-// A layer record as the system makes new layers: thawed, on, unlocked, colour 7, CONTINUOUS.
-// The linetype look-up's status goes to the log when `log` is set.
 AcDbLayerTableRecord* NewStandardLayer(const std::wstring& name, AcDbDatabase* db, bool log) {
     auto* layer = new AcDbLayerTableRecord;
     layer->setIsFrozen(false);
@@ -77,8 +73,6 @@ AcDbLayerTableRecord* NewStandardLayer(const std::wstring& name, AcDbDatabase* d
     layer->setLinetypeObjectId(continuous);
     return layer;
 }
-
-}  // namespace
 
 int AddLayer(const std::wstring& name, AcDbDatabase* db) {
     AcDbLayerTable* table = nullptr;
