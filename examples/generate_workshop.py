@@ -222,6 +222,13 @@ class Pen:
                                     start_param=start, end_param=end,
                                     dxfattribs=self.attribs(layer, linetype, color, None))
 
+    def dimension(self, a, b, base, layer="1"):
+        """A horizontal dimension as the exporter leaves it: on a layer of the part."""
+        dim = self.msp.add_linear_dim(base=self.p(*base), p1=self.p(*a), p2=self.p(*b),
+                                      dimstyle="Standard", dxfattribs={"layer": layer})
+        dim.render()
+        return dim
+
     def point(self, c, layer):
         return self.msp.add_point(self.p(*c), dxfattribs={"layer": layer})
 
@@ -400,6 +407,8 @@ def sheet_plate_b(msp, origin):
         m.line((-4.0, y), (W + 4.0, y), "3", CENTER, color=5)
     m.line((150.0, -4.0), (150.0, H + 4.0), "3", CENTER, color=5)
     m.line((-4.0, 100.0), (W + 4.0, 100.0), "3", CENTER, color=5)
+    # The plate's width as the exporter dimensioned it, on the outline's layer.
+    m.dimension((0.0, 0.0), (W, 0.0), (0.0, -20.0))
     # The plate is measured from its centre: a datum circle on the view's layer.
     m.circle((150.0, 100.0), 6.0, layer="FRONT")
     m.point((150.0, 100.0), "0")  # the view centre that UG leaves behind

@@ -122,8 +122,8 @@ class Standard:
 
     def __init__(self, workshop):
         cad = next(pathlib.Path(workshop).glob("drives/d/CZTools/config/*/CAD"))
-        standard = read_setting_lines(cad / "CAD_standard.ini", ["[LAYER]", "[SCRSET]"])
-        layerug = read_setting_lines(cad / "CAD_layerug.ini", ["[CONVERT]", "[FILLAY]"])
+        standard = read_setting_lines(cad / "CAD_standard.ini", ["[LAYER]", "[DIMSTYLE]", "[SUNDRY]", "[SCRSET]"])
+        layerug = read_setting_lines(cad / "CAD_layerug.ini", ["[SPECIAL]", "[CONVERT]", "[FILLAY]"])
         self.layers = dict(standard["[LAYER]"])
         self.colour_rows = [(wtoi(k), v) for k, v in standard["[SCRSET]"]]
         self.conversions = layerug["[CONVERT]"]
