@@ -5,6 +5,7 @@
 
 #include "cleanup/class_interface_data.hpp"
 #include "config/config_root.hpp"
+#include "dimension/view_analysis.hpp"
 #include "host/module_state.hpp"
 #include "pipeline/logs.hpp"
 #include "platform/db/circle.hpp"
@@ -103,12 +104,20 @@ void ProcessSheet(ModuleState& state, AcDbObjectId marker, int index) {
     ScaleSheet(state);
     state.boxSetting.Read();
     LogTrace(L"填写属性\n");
+    CollectAttributeTexts(state.CurrentDatabase);
     LogTrace(L"插入图框路径为" + state.FrameFolder + L"\n");
+    if (state.cadStandardIni.sundry.TAVRIK) {
+        AcDbObjectIdArray entitySet;
+        InsertSheetFrame(state.FrameFolder, sheetOrigin, entitySet);
+    }
     if (state.cadStandardIni.sundry.DIM) {
         static const wchar_t* const kViewSteps[] = {L"主视图标注", L"左视图标注", L"顶视图标注"};
+        const LayerKeys& layers = state.cadStandardIni.layer;
+        const std::wstring* viewLayers[] = {&layers.FRONT, &layers.LEFT, &layers.TOP};
         for (int kind = 0; kind < 3; ++kind) {
             LogStep(kViewSteps[kind]);
             state.dimensionState.viewKind = kind;
+            DimensionView(*viewLayers[kind]);
         }
     }
     acedSetStatusBarProgressMeterPos(index);
@@ -185,6 +194,8 @@ void ProcessDrawing(const std::wstring& path) {
     CollectSheetEntities(sheetEntities, db);
     LogStep(L"设置图层");
     if (FindLayerByFileName(db) == 1) ConvertLayersByColor(db);
+    std::vector<dwgmatch> matchCopy = state.boxSetting.frameMatches;
+    state.frameName = MatchFrameName(matchCopy, path);
 
     std::wstring message = L"正在处理 " + path + L" ,请稍等";
     acedSetStatusBarProgressMeter(message.c_str(), 0, sheetMarkers.length());

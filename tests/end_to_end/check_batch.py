@@ -26,6 +26,8 @@ import tempfile
 import ezdxf
 from ezdxf import recover
 
+import check_sheets
+
 HAND_OFF = pathlib.Path("drives/c/Users/cad/AppData/Local/Convert")
 LOGS = pathlib.Path("drives/d/Mytool/cad")
 MERGED = pathlib.Path("drives/d/成品图/MP2305.dxf")
@@ -219,11 +221,15 @@ def first_diameter_signs(text):
 
 def export_texts(paths):
     """The texts of the exports off the construction layers as single lines, with the first of
-    each diameter sign as %%c: multi-line texts are exploded into their lines."""
+    each diameter sign as %%c: multi-line texts are exploded into their lines. The KEY:VALUE
+    texts that fill title blocks are left out, since the batch erases them once used."""
     texts = collections.Counter()
     for path in paths:
-        for entity in ezdxf.readfile(path).modelspace():
-            if entity.dxf.layer.upper() in CONSTRUCTION:
+        msp = ezdxf.readfile(path).modelspace()
+        used = set(check_sheets.key_value_texts(msp)) - {"审核:王强"}
+        for entity in msp:
+            text = entity.dxf.text if entity.dxftype() == "TEXT" else getattr(entity, "text", None)
+            if entity.dxf.layer.upper() in CONSTRUCTION or text in used:
                 continue
             if entity.dxftype() == "TEXT":
                 texts[first_diameter_signs(decoded(entity.dxf.text))] += 1
@@ -310,6 +316,8 @@ def main():
             merged_geometry = part_geometry([merged], None, standard)
             missing = expected_geometry - merged_geometry
             check(not missing, "geometry of the sheets missing in the merged drawing: %s" % list(missing)[:5])
+            check_sheets.check_frames(doc, check)
+            check_sheets.check_dimensions(doc, check)
             check_cleanups(doc, settings)
             check_texts(doc, expected_texts)
             check_standard(doc, standard)
