@@ -465,6 +465,11 @@ def sheet_core_insert(msp, origin):
         s.tapped(m, c, 5.0, 6.0, mirrored=i == 0)
     m.circle((35.0, 35.0), 4.0)  # ejector pins
     m.circle((65.0, 35.0), 4.0)
+    # Vent holes 2 in a grid: with them the view holds more circles than CIRCOUNT and gets its
+    # outline dimensioned instead of an ordinate per hole.
+    for i in range(6):
+        for j in range(4):
+            m.circle((25.0 + 10.0 * i, 20.0 + 10.0 * j), 2.0)
     m.spline([(20.0, 25.0), (30.0, 50.0), (45.0, 50.0), (55.0, 20.0), (70.0, 20.0),
               (80.0, 45.0)])  # parting line of the core, free form
     m.line((50.0, -4.0), (50.0, H + 4.0), "3", CENTER, color=5)
@@ -617,7 +622,9 @@ def frame_drawing(name, width, height):
     return doc
 
 
-FRAMES = [("A3横式.dxf", 420.0, 297.0), ("A4横式.dxf", 297.0, 210.0)]
+# Named .dwg as the library has them (the content is DXF: the host tells a file by its content);
+# the block that a frame becomes is its name less the trailing characters of ".DWG".
+FRAMES = [("A3横式.dwg", 420.0, 297.0), ("A4横式.dwg", 297.0, 210.0)]
 
 
 def write_frames(root):
@@ -767,7 +774,7 @@ ORDOFFSCL,1.5
 // 视图超出此宽/高或圆数达到此值时只标外形
 XMAX,400
 YMAX,300
-CIRCOUNT,40
+CIRCOUNT,30
 LOGFILE,D:\\MYTOOL\\CAD\\Cg.log
 // 开关: 插入图框, 标注尺寸, 换孔, 保存
 TAVRIK,1
@@ -812,8 +819,8 @@ TEXT,文字
 BOXSETTING_TXT = """// boxsetting.txt  图框选择与标题栏缺省属性
 [SHTWCH]
 // 图名通配符,图框文件(按顺序取第一个匹配)
-*-1,A3横式.dxf
-*,A4横式.dxf
+MP2305-1,A3横式.dwg
+MP2305-*,A4横式.dwg
 
 [ATTWCH]
 // 属性名,缺省值(优先于图中的 KEY:VALUE 文字)

@@ -70,7 +70,8 @@ Acad::ErrorStatus AcDbEntity::setLinetype(AcDbObjectId linetypeId, bool) {
 }
 
 Acad::ErrorStatus AcDbEntity::setLinetypeScale(double scale, bool) {
-    if (scale <= 0.0) return Acad::eBadLinetypeScale;
+    // The host stores a scale of 0.0 as given; only a negative one is refused.
+    if (scale < 0.0) return Acad::eBadLinetypeScale;
     m_linetypeScale = scale;
     return Acad::eOk;
 }
