@@ -222,6 +222,13 @@ class Pen:
                                     start_param=start, end_param=end,
                                     dxfattribs=self.attribs(layer, linetype, color, None))
 
+    def radius_dimension(self, c, radius, angle, layer="1"):
+        """A radius dimension as the exporter leaves it: on a layer of the part."""
+        dim = self.msp.add_radius_dim(center=self.p(*c), radius=radius, angle=angle,
+                                      dimstyle="Standard", dxfattribs={"layer": layer})
+        dim.render()
+        return dim
+
     def point(self, c, layer):
         return self.msp.add_point(self.p(*c), dxfattribs={"layer": layer})
 
@@ -402,6 +409,8 @@ def sheet_plate_b(msp, origin):
         m.line((-4.0, y), (W + 4.0, y), "3", CENTER, color=5)
     m.line((150.0, -4.0), (150.0, H + 4.0), "3", CENTER, color=5)
     m.line((-4.0, 100.0), (W + 4.0, 100.0), "3", CENTER, color=5)
+    # A corner radius of the pocket as the exporter dimensioned it, on the outline's layer.
+    m.radius_dimension((200.0, 70.0), 10.0, 315.0)
     # The plate is measured from its centre: a datum circle on the view's layer.
     m.circle((150.0, 100.0), 6.0, layer="FRONT")
     m.point((150.0, 100.0), "0")  # the view centre that UG leaves behind

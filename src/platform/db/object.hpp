@@ -49,8 +49,12 @@ public:
     bool isWriteEnabled() const { return m_writer; }
     bool isNewObject() const { return m_stub == nullptr; }
     int numReaders() const { return m_readers; }
+    // To write; eOnLockedLayer for an entity on a locked layer, as a write open.
     Acad::ErrorStatus upgradeOpen();
     Acad::ErrorStatus downgradeOpen();
+    // Why the object may not be opened for write now, beyond the open protocol: eOk here, and
+    // eOnLockedLayer for a database-resident entity whose layer is locked.
+    virtual Acad::ErrorStatus writeRefusal() const { return Acad::eOk; }
 
     // Extension dictionary and persistent reactors, as ids in the same database.
     AcDbObjectId extensionDictionary() const { return m_extensionDictionary; }

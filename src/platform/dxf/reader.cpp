@@ -509,8 +509,10 @@ void ReadRound(T& e, const AcDbRawTags& tags, double* start, double* end) {
             default: break;
         }
     });
-    e.setCenter(c);
+    // The file gives the centre in the object coordinates of the normal; the database keeps it
+    // in world coordinates, as the host does.
     e.setNormal(n);
+    e.setCenter(AcGeMatrix3d::planeToWorld(e.normal()) * c);
 }
 
 void ReadPoint(AcDbPoint& e, const AcDbRawTags& tags) {
