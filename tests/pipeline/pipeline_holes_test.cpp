@@ -79,6 +79,10 @@ TEST_F(PipelineHoles, short_row_of_the_hole_file_escapes_the_pipeline) {
     WriteHoleIni(L"10,S1,S1\r\n");
     SaveHoleExport();
     EXPECT_THROW(ProcessDrawing(path_), std::invalid_argument);
+    // The drawing stays open as the working database, so that the host can name it.
+    ASSERT_NE(Module().CurrentDatabase, nullptr);
+    EXPECT_EQ(acdbHostApplicationServices()->workingDatabase(), Module().CurrentDatabase);
+    EXPECT_NE(Module().CurrentDatabase->filename().find(L"P-1.dxf"), std::wstring::npos);
 }
 
 }  // namespace
