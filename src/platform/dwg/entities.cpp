@@ -109,13 +109,17 @@ void ReadTextValues(ObjectStreams& o, TextRecord& out) {
 
 }  // namespace
 
-bool ReadText(ObjectStreams& o, TextRecord& out) {
+void ReadTextBody(ObjectStreams& o, TextRecord& out) {
     ReadEntityCommon(o, out.common);
     if (o.data.version() < Version::kR2000) {
         ReadTextValuesR14(o, out);
     } else {
         ReadTextValues(o, out);
     }
+}
+
+bool ReadText(ObjectStreams& o, TextRecord& out) {
+    ReadTextBody(o, out);
     out.style = ReadHandle(o);
     return Ok(o);
 }

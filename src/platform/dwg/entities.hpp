@@ -11,7 +11,8 @@ namespace dwg {
 // Object type numbers fixed by the format (classes above 500 are numbered per drawing).
 enum ObjectType : std::int32_t {
     kText = 1, kAttrib = 2, kAttdef = 3, kBlock = 4, kEndblk = 5, kSeqend = 6, kInsert = 7,
-    kMinsert = 8, kVertex2d = 10, kVertex3d = 11, kPolyline2d = 15, kPolyline3d = 16,
+    kMinsert = 8, kVertex2d = 10, kVertex3d = 11, kVertexMesh = 12, kVertexPface = 13,
+    kVertexPfaceFace = 14, kPolyline2d = 15, kPolyline3d = 16, kPolylinePface = 29,
     kArc = 17, kCircle = 18, kLine = 19, kPoint = 27, kFace3d = 28, kSolid = 31, kTrace = 32,
     kEllipse = 35, kSpline = 36, kMText = 44, kLeader = 45, kLwPolyline = 77, kHatch = 78,
     kDictionary = 42, kBlockControl = 48, kBlockHeader = 49, kLayerControl = 50, kLayer = 51,
@@ -63,5 +64,7 @@ bool ReadCircle(ObjectStreams& o, CircleRecord& out);
 bool ReadArc(ObjectStreams& o, ArcRecord& out);
 bool ReadPoint(ObjectStreams& o, PointRecord& out);
 bool ReadText(ObjectStreams& o, TextRecord& out);
+// The common data and the values of a TEXT, shared by attributes; no handles.
+void ReadTextBody(ObjectStreams& o, TextRecord& out);
 
 }  // namespace dwg
