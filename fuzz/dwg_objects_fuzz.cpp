@@ -41,7 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     dwg::MapError error;
     if (dwg::OpenObject(object, 0, version, 936, streams, error)) {
         dwg::DecodedObject decoded;
-        dwg::DecodeObject(streams, decoded);
+        dwg::DecodeObject(streams, {}, decoded);
     }
     std::vector<dwg::ObjectLocation> map;
     dwg::ParseObjectMap(body, map, error);

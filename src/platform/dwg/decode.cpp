@@ -1,5 +1,7 @@
 #include "platform/dwg/decode.hpp"
 
+#include "platform/dwg/classes.hpp"
+
 namespace dwg {
 namespace {
 
@@ -9,9 +11,38 @@ bool Decode(ObjectStreams& o, DecodedObject& out, Reader read) {
     return read(o, record);
 }
 
+bool Keep(ObjectStreams& o, bool entity, std::span<const std::uint8_t> bytes, DecodedObject& out) {
+    auto& kept = out.emplace<KeptObject>();
+    kept.entity = entity;
+    kept.bytes.assign(bytes.begin(), bytes.end());
+    if (entity) {
+        ReadEntityCommon(o, kept.common);
+    } else {
+        ReadObjectCommon(o, kept.common);
+    }
+    // The handle stream holds nothing but references: read them to its end.
+    while (o.handles.bitEnd() - o.handles.bitPosition() >= 8 && !o.handles.failed()) {
+        kept.references.push_back(o.handles.H());
+    }
+    return !o.data.failed() && !o.handles.failed();
+}
+
 }  // namespace
 
-bool DecodeObject(ObjectStreams& o, DecodedObject& out) {
+bool IsEntityType(std::int32_t type, const std::vector<ClassRecord>& classes) {
+    if (type >= 500) {
+        for (const auto& c : classes) {
+            if (c.number == type) return c.isEntity;
+        }
+        return false;
+    }
+    // The fixed types below 42 are entities, as are MTEXT to MLINE, OLE2FRAME, LWPOLYLINE
+    // and HATCH.
+    return (type >= 1 && type <= 41) || (type >= 43 && type <= 47) || type == 74 ||
+           type == 77 || type == 78;
+}
+
+bool DecodeObject(ObjectStreams& o, const std::vector<ClassRecord>& classes, DecodedObject& out) {
     switch (o.type) {
         case kLine: return Decode<LineRecord>(o, out, ReadLine);
         case kCircle: return Decode<CircleRecord>(o, out, ReadCircle);
@@ -47,7 +78,7 @@ bool DecodeObject(ObjectStreams& o, DecodedObject& out) {
         case kSolid:
         case kTrace: return Decode<SolidRecord>(o, out, ReadSolid);
         case kDictionary: return Decode<DictionaryRecord>(o, out, ReadDictionary);
-        default: out.emplace<std::monostate>(); return true;
+        default: return Keep(o, IsEntityType(o.type, classes), o.data.buffer(), out);
     }
 }
 

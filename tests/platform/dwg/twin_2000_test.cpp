@@ -20,6 +20,7 @@
 #include "platform/db/symbol_tables.hpp"
 #include "platform/db/text.hpp"
 #include "platform/dwg/corpus_files.hpp"
+#include "platform/dwg/classes.hpp"
 #include "platform/dwg/curves.hpp"
 #include "platform/dwg/decode.hpp"
 #include "platform/dwg/entities.hpp"
@@ -345,12 +346,32 @@ TEST(DwgDecoders, known_kinds_decode_in_every_uncompressed_corpus_drawing) {
     for (const auto& [name, version] : files) {
         SCOPED_TRACE(name);
         const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath(name));
+        std::vector<dwg::ClassRecord> classes;
+        dwg::MapError error;
+        ASSERT_TRUE(dwg::ParseClasses(dwg_test::LocatedSection(file, 1), version, 1252, classes,
+                                      error));
+        std::set<std::uint64_t> handles;
+        ForEachObject(file, version, [&](dwg::ObjectStreams& o) { handles.insert(o.handle); });
         int count = 0;
+        int kept = 0;
         ForEachObject(file, version, [&](dwg::ObjectStreams& o) {
             SCOPED_TRACE(testing::Message() << "handle " << std::hex << o.handle);
             dwg::DecodedObject decoded;
-            const bool ok = dwg::DecodeObject(o, decoded);
-            if (std::holds_alternative<std::monostate>(decoded)) return;
+            const bool ok = dwg::DecodeObject(o, classes, decoded);
+            if (auto* k = std::get_if<dwg::KeptObject>(&decoded)) {
+                // A kind kept whole: its common data and references read, its owner is an
+                // object of the drawing.
+                EXPECT_TRUE(ok);
+                EXPECT_TRUE(k->common.owner == 0 || handles.count(k->common.owner))
+                    << std::hex << k->common.owner;
+                EXPECT_EQ(k->bytes.size(), o.size);
+                for (const auto& ref : k->references) {
+                    const auto target = dwg::BitReader::Absolute(ref, o.handle);
+                    EXPECT_TRUE(target == 0 || handles.count(target)) << std::hex << target;
+                }
+                ++kept;
+                return;
+            }
             if (auto* layer = std::get_if<dwg::LayerRecord>(&decoded)) {
                 EXPECT_FALSE(layer->entry.name.empty());
             }
@@ -361,6 +382,7 @@ TEST(DwgDecoders, known_kinds_decode_in_every_uncompressed_corpus_drawing) {
             ++count;
         });
         EXPECT_GT(count, 0);
+        std::cout << name << ": " << count << " decoded, " << kept << " kept whole\n";
     }
 }
 
