@@ -1,5 +1,7 @@
 #include "platform/dwg/decode.hpp"
 
+#include <type_traits>
+
 #include "platform/dwg/classes.hpp"
 
 namespace dwg {
@@ -28,6 +30,27 @@ bool Keep(ObjectStreams& o, bool entity, std::span<const std::uint8_t> bytes, De
 }
 
 }  // namespace
+
+const EntityCommon* EntityCommonOf(const DecodedObject& decoded) {
+    return std::visit(
+        [](const auto& r) -> const EntityCommon* {
+            using R = std::decay_t<decltype(r)>;
+            if constexpr (std::is_same_v<R, EntityCommon>) {
+                return &r;
+            } else if constexpr (std::is_same_v<R, KeptObject>) {
+                return r.entity ? &r.common : nullptr;
+            } else if constexpr (std::is_same_v<R, ArcRecord>) {
+                return &r.circle.common;
+            } else if constexpr (std::is_same_v<R, AttributeRecord>) {
+                return &r.text.common;
+            } else if constexpr (requires { r.common.mode; }) {
+                return &r.common;
+            } else {
+                return nullptr;
+            }
+        },
+        decoded);
+}
 
 bool IsEntityType(std::int32_t type, const std::vector<ClassRecord>& classes) {
     if (type >= 500) {

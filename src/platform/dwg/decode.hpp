@@ -29,6 +29,9 @@ using DecodedObject =
 // drawing's own type (500 and up) is an entity.
 bool DecodeObject(ObjectStreams& o, const std::vector<ClassRecord>& classes, DecodedObject& out);
 
+// The common entity data of a decoded entity; null for objects and undecoded kinds.
+const EntityCommon* EntityCommonOf(const DecodedObject& decoded);
+
 // True for the fixed entity types and the classes marked as entities.
 bool IsEntityType(std::int32_t type, const std::vector<ClassRecord>& classes);
 
