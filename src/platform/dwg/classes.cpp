@@ -38,7 +38,7 @@ bool ParseClasses(std::span<const std::uint8_t> section, Version version, int co
     }
     std::uint32_t size;
     std::memcpy(&size, section.data() + 16, 4);
-    if (size > section.size() - 20 - 2) {
+    if (section.size() < 20 + 2 || size > section.size() - 20 - 2) {
         error = {16, "classes section size " + std::to_string(size) + " runs past the section"};
         return false;
     }

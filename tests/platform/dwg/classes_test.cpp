@@ -82,6 +82,15 @@ TEST(DwgClasses, size_past_the_section_is_refused) {
     EXPECT_EQ(error.offset, 16u);
 }
 
+TEST(DwgClasses, section_cut_after_its_size_is_refused) {
+    std::vector<std::uint8_t> section = kSentinel;
+    section.insert(section.end(), {0, 0, 0, 0, 0});  // a size of 0 and no room for the CRC
+    std::vector<dwg::ClassRecord> classes;
+    dwg::MapError error;
+    EXPECT_FALSE(dwg::ParseClasses(section, dwg::Version::kR2000, 1252, classes, error));
+    EXPECT_EQ(error.offset, 16u);
+}
+
 TEST(DwgClasses, corpus_2000_and_r14_drawings_name_their_classes) {
     for (const auto& [name, version] : {std::pair{"example_2000.dwg", dwg::Version::kR2000},
                                         std::pair{"example_r14.dwg", dwg::Version::kR14}}) {
