@@ -173,11 +173,16 @@ void ProcessDrawing(const std::wstring& path) {
     acdbHostApplicationServices()->setWorkingDatabase(db);
     AcArray<tPt> drawingPoints;
     CollectPoints(db, drawingPoints);
+    FlipMirroredCurves(db);
     CollectAllEntityIds(db);
     ClassInterfaceData* cleanup = RunFirstCleanups(db);
+    ExplodeMText(db);
+    NormalizeDiameterSign(db);
 
     ApplyTextStyle(L"bar", L"`**`*", db);
     LogStep(L"设置条码样式");
+    SetStyleFonts(L"standard", db);
+    SetStyleFonts(L"chinesef_fs", db);
 
     LogStep(L"取所有圆");
     AcDbObjectIdArray sheetMarkers;
@@ -188,6 +193,7 @@ void ProcessDrawing(const std::wstring& path) {
     AcDbObjectIdArray sheetEntities;
     CollectSheetEntities(sheetEntities, db);
     LogStep(L"设置图层");
+    if (FindLayerByFileName(db) == 1) ConvertLayersByColor(db);
     std::vector<dwgmatch> matchCopy = state.boxSetting.frameMatches;
     state.frameName = MatchFrameName(matchCopy, path);
 
@@ -197,6 +203,8 @@ void ProcessDrawing(const std::wstring& path) {
     db->updateExt(false);
 
     acdbHostApplicationServices()->setWorkingDatabase(db);
+    ConvertLayersByTable(db);
+    GatherDimensions(state.cadStandardIni.layer.DIM, db);
     if (state.cadStandardIni.sundry.HOLECA == 0) EraseSheetEntities(sheetEntities);
     ZoomExtents(db);
     RunLastCleanups(cleanup);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "cleanup_fixture.hpp"
+#include "watchdog.hpp"
 #include "geometry_matchers.hpp"
 #include "platform/db/arc.hpp"
 #include "platform/db/point_entity.hpp"
@@ -31,6 +32,15 @@ protected:
         entity->setLinetypeName(name);
         entity->setLinetypeScale(scale);
         entity->close();
+    }
+    void LockLayer(const std::wstring& name) {
+        AcDbLayerTable* layers = nullptr;
+        Drawing().getSymbolTable(layers, AcDb::kForRead);
+        AcDbLayerTableRecord* layer = nullptr;
+        layers->getAt(name, layer, AcDb::kForWrite);
+        layer->setIsLocked(true);
+        layer->close();
+        layers->close();
     }
     double LinetypeScaleOf(AcDbObjectId id) {
         double scale = -1.0;
@@ -123,6 +133,63 @@ TEST_F(SimpleCleanups, delete_switch_off_removes_nothing) {
     Cleanup().FunDeleteSmallLineAndPoint();
     EXPECT_FALSE(IsGone(line));
     EXPECT_FALSE(IsGone(point));
+}
+
+// A point or short line on a locked layer does not open for write, and the walk tries the same
+// id again without end; a long line on a locked layer is no candidate and does not hold it up.
+TEST_F(SimpleCleanups, point_on_locked_layer_keeps_the_walk_from_ending) {
+    WriteIni(L"[DeleteSmallLineAndPoint]\r\nBolOpen=1\r\nTolerance=1\r\n");
+    AddToDrawing(new AcDbPoint(AcGePoint3d(1, 1, 0)), L"LOCKED");
+    AddToDrawing(new AcDbLine(AcGePoint3d(0, 0, 0), AcGePoint3d(5, 0, 0)), L"LOCKED_TOO");
+    LockLayer(L"LOCKED");
+    ClassInterfaceData& cleanup = Cleanup();
+    EXPECT_EQ(RunUnderWatchdog([&] { cleanup.FunDeleteSmallLineAndPoint(); }, std::chrono::milliseconds(1500)),
+              WatchdogVerdict::kStillRunning);
+}
+
+TEST_F(SimpleCleanups, short_line_on_locked_layer_keeps_the_walk_from_ending) {
+    WriteIni(L"[DeleteSmallLineAndPoint]\r\nBolOpen=1\r\nTolerance=1\r\n");
+    AddToDrawing(new AcDbLine(AcGePoint3d(0, 0, 0), AcGePoint3d(0.5, 0, 0)), L"LOCKED");
+    LockLayer(L"LOCKED");
+    ClassInterfaceData& cleanup = Cleanup();
+    EXPECT_EQ(RunUnderWatchdog([&] { cleanup.FunDeleteSmallLineAndPoint(); }, std::chrono::milliseconds(1500)),
+              WatchdogVerdict::kStillRunning);
+}
+
+TEST_F(SimpleCleanups, long_line_on_locked_layer_lets_the_walk_end) {
+    WriteIni(L"[DeleteSmallLineAndPoint]\r\nBolOpen=1\r\nTolerance=1\r\n");
+    AddToDrawing(new AcDbLine(AcGePoint3d(0, 0, 0), AcGePoint3d(5, 0, 0)), L"LOCKED");
+    AddToDrawing(new AcDbPoint(AcGePoint3d(1, 1, 0)), L"OPEN");
+    LockLayer(L"LOCKED");
+    ClassInterfaceData& cleanup = Cleanup();
+    EXPECT_EQ(RunUnderWatchdog([&] { cleanup.FunDeleteSmallLineAndPoint(); }, std::chrono::seconds(20)),
+              WatchdogVerdict::kEnded);
+}
+
+TEST_F(SimpleCleanups, locked_layer_entities_stay_unchanged_and_others_are_done) {
+    WriteIni(L"[UpLineScale]\r\nBolOpen=1\r\nVarScale=2\r\n");
+    AcDbObjectId locked = AddLine(5, 3, 3);
+    AcDbObjectId free = AddToDrawing(new AcDbLine(AcGePoint3d(0, 0, 4), AcGePoint3d(1, 0, 4)), L"FREE");
+    AcDbEntity* entity = nullptr;
+    acdbOpenAcDbEntity(entity, locked, AcDb::kForWrite);
+    entity->setLayerName(L"LOCKED");
+    entity->close();
+    AddToDrawing(new AcDbPoint(AcGePoint3d(0, 0, 0)), L"LOCKED");
+    LockLayer(L"LOCKED");
+    ClassInterfaceData& cleanup = Cleanup();
+    cleanup.FunCoorToZero();
+    cleanup.FunUpLineScale();
+    cleanup.FunLineWidthToZero();
+    Inspect(locked, [](AcDbEntity* e) {
+        EXPECT_EQ(AcDbLine::cast(e)->startPoint().z, 3.0);
+        EXPECT_EQ(e->linetypeScale(), 1.0);
+        EXPECT_EQ(e->lineWeight(), AcDb::kLnWtByLayer);
+    });
+    Inspect(free, [](AcDbEntity* e) {
+        EXPECT_EQ(AcDbLine::cast(e)->startPoint().z, 0.0);
+        EXPECT_EQ(e->linetypeScale(), 0.0);
+        EXPECT_EQ(e->lineWeight(), AcDb::kLnWt000);
+    });
 }
 
 // FunUpLineScale
