@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/db/color.hpp"
+#include "platform/db/extents.hpp"
 #include "platform/db/object_id.hpp"
 #include "platform/ge/matrix3d.hpp"
 #include "platform/render/render.hpp"
@@ -97,5 +98,10 @@ void DrawText(Canvas& canvas, const AcDbEntity& entity, const BlockContext& cont
 void DrawHatch(Canvas& canvas, const AcDbEntity& entity, const BlockContext& context);
 void DrawSolid(Canvas& canvas, const AcDbEntity& entity, const BlockContext& context);
 void SelectTextFont(Canvas& canvas);
+// The points of a hatch's loops or a solid's corners, in the block's coordinates.
+std::vector<AcGePoint3d> OutlinePoints(const AcDbEntity& entity);
+// The entity's box in its block's coordinates, also for the entities the database does not
+// measure; false when it has none. depth counts nested blocks.
+bool EntityExtents(const AcDbEntity& entity, AcDbExtents& box, int depth);
 
 }  // namespace tavrik::render

@@ -74,24 +74,40 @@ std::vector<AcGePoint3d> SamplePolyline(const AcDbPolyline& polyline, int arcSam
     return points;
 }
 
-// A polyline with widths: each segment stroked at the mean of its two widths.
+// One segment of a polyline with widths, as the band it covers: the width runs from the
+// segment's start width to its end width, across the direction of travel.
+std::vector<AcGePoint3d> WideSegmentOutline(const std::vector<AcGePoint3d>& centre, double startWidth,
+                                            double endWidth) {
+    std::vector<AcGePoint3d> left, right;
+    size_t n = centre.size();
+    for (size_t k = 0; k < n; ++k) {
+        AcGeVector3d along = centre[std::min(k + 1, n - 1)] - centre[k > 0 ? k - 1 : 0];
+        if (along.length() < 1e-12) continue;
+        AcGeVector3d across = AcGeVector3d(-along.y, along.x, 0.0) / along.length();
+        double half = (startWidth + (endWidth - startWidth) * k / (n - 1)) / 2;
+        left.push_back(centre[k] + across * half);
+        right.push_back(centre[k] - across * half);
+    }
+    left.insert(left.end(), right.rbegin(), right.rend());
+    return left;
+}
+
+// A polyline with widths: each segment filled as its band (a segment of no width is stroked).
 void DrawWidePolyline(Canvas& canvas, const AcDbPolyline& polyline, const BlockContext& context,
                       const Pen& pen, int arcSamples) {
     unsigned n = polyline.numVerts();
     unsigned segments = polyline.isClosed() ? n : (n > 0 ? n - 1 : 0);
     for (unsigned i = 0; i < segments; ++i) {
-        double bulge = 0.0, startWidth = 0.0, endWidth = 0.0;
-        polyline.getBulgeAt(i, bulge);
-        polyline.getWidthsAt(i, startWidth, endWidth);
-        int steps = bulge == 0.0 ? 1 : arcSamples;
+        const AcDbPolyline::Vertex& vertex = polyline.vertices()[i];
+        int steps = vertex.bulge == 0.0 ? 1 : arcSamples;
         std::vector<AcGePoint3d> points;
         for (int k = 0; k <= steps; ++k) {
             AcGePoint3d p;
             if (polyline.getPointAtParam(i + static_cast<double>(k) / steps, p) == Acad::eOk) points.push_back(p);
         }
-        Pen wide = pen;
-        wide.widthPx = std::max(pen.widthPx, (startWidth + endWidth) / 2 * canvas.scale * context.scale);
-        StrokePath(canvas, context, wide, points, false);
+        if (points.size() < 2) continue;
+        if (vertex.startWidth == 0.0 && vertex.endWidth == 0.0) StrokePath(canvas, context, pen, points, false);
+        else FillPath(canvas, context, pen.color, {WideSegmentOutline(points, vertex.startWidth, vertex.endWidth)});
     }
 }
 

@@ -5,7 +5,7 @@
 #include <charconv>
 #include <cmath>
 
-#include "platform/db/entity.hpp"
+#include "platform/db/carried.hpp"
 #include "platform/db/raw_tags.hpp"
 #include "platform/render/canvas.hpp"
 
@@ -237,6 +237,17 @@ void DrawHatch(Canvas& canvas, const AcDbEntity& entity, const BlockContext& con
     Pen pen = PenOf(canvas, entity, context);
     if (hatch.solid || hatch.pattern.empty()) FillPath(canvas, context, pen.color, hatch.loops);
     else DrawPattern(canvas, context, hatch, pen);
+}
+
+std::vector<AcGePoint3d> OutlinePoints(const AcDbEntity& entity) {
+    std::vector<AcGePoint3d> points;
+    if (AcDbHatch::cast(&entity)) {
+        for (const auto& loop : ReadHatch(entity.fileTags()).loops) points.insert(points.end(), loop.begin(), loop.end());
+        return points;
+    }
+    TagReader tags(entity.fileTags());
+    for (int code = 10; code <= 13; ++code) points.push_back(tags.point(code));
+    return points;
 }
 
 // A filled solid or trace: four corners, the last two crossed as the file stores them.

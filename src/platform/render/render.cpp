@@ -78,29 +78,6 @@ bool Finish(Format format, cairo_surface_t* surface, const std::string& path, st
 
 }  // namespace
 
-std::optional<Window> ModelExtents(const AcDbDatabase& db) {
-    Canvas canvas;
-    canvas.db = &db;
-    LoadTables(canvas);
-    AcDbBlockTableRecord* space = nullptr;
-    if (acdbOpenObject(space, db.modelSpaceId(), AcDb::kForRead) != Acad::eOk) return std::nullopt;
-    AcDbExtents box;
-    bool any = false;
-    for (AcDbObjectId id : space->entityIds()) {
-        AcDbEntity* entity = nullptr;
-        if (acdbOpenAcDbEntity(entity, id, AcDb::kForRead) != Acad::eOk) continue;
-        AcDbExtents one;
-        if (!IsHidden(canvas, entity->layer()) && entity->getGeomExtents(one) == Acad::eOk) {
-            box.addExt(one);
-            any = true;
-        }
-        entity->close();
-    }
-    space->close();
-    if (!any) return std::nullopt;
-    return Window{box.minPoint().x, box.minPoint().y, box.maxPoint().x, box.maxPoint().y};
-}
-
 int RenderDrawing(const AcDbDatabase& db, const std::string& path, const Options& options,
                   std::string& error) {
     Format format = FormatOf(path);

@@ -42,7 +42,7 @@ std::wstring ExpandControlCodes(const std::wstring& text) {
         }
         wchar_t code = static_cast<wchar_t>(std::towlower(text[i + 2]));
         if (code == L'd') out += L'\u00B0';
-        else if (code == L'c') out += L'\u2300';
+        else if (code == L'c') out += L'\u00D8';
         else if (code == L'p') out += L'\u00B1';
         else if (code == L'%') out += L'%';
         else if (code != L'u' && code != L'o') out += text.substr(i, 3);
