@@ -222,6 +222,13 @@ class Pen:
                                     start_param=start, end_param=end,
                                     dxfattribs=self.attribs(layer, linetype, color, None))
 
+    def radius_dimension(self, c, radius, angle, layer="1"):
+        """A radius dimension as the exporter leaves it: on a layer of the part."""
+        dim = self.msp.add_radius_dim(center=self.p(*c), radius=radius, angle=angle,
+                                      dimstyle="Standard", dxfattribs={"layer": layer})
+        dim.render()
+        return dim
+
     def point(self, c, layer):
         return self.msp.add_point(self.p(*c), dxfattribs={"layer": layer})
 
@@ -287,6 +294,8 @@ def export_drawing(name):
     doc.styles.get("Standard").dxf.font = "txt.shx"
     doc.styles.new("chinesef_fs", dxfattribs={"font": "chinesef_fs.shx", "width": 0.8})
     doc.styles.new("bar", dxfattribs={"font": "FREE3OF9.TTF"})
+    # Decimal point, not the metric default comma, as the shop's standard has it.
+    doc.dimstyles.get("Standard").dxf.dimdsep = ord(".")
     return doc
 
 
@@ -400,12 +409,14 @@ def sheet_plate_b(msp, origin):
         m.line((-4.0, y), (W + 4.0, y), "3", CENTER, color=5)
     m.line((150.0, -4.0), (150.0, H + 4.0), "3", CENTER, color=5)
     m.line((-4.0, 100.0), (W + 4.0, 100.0), "3", CENTER, color=5)
+    # A corner radius of the pocket as the exporter dimensioned it, on the outline's layer.
+    m.radius_dimension((200.0, 70.0), 10.0, 315.0)
     # The plate is measured from its centre: a datum circle on the view's layer.
     m.circle((150.0, 100.0), 6.0, layer="FRONT")
     m.point((150.0, 100.0), "0")  # the view centre that UG leaves behind
 
     # Left view: the plate seen from the side, thickness across.
-    left = s.view("LEFT", 450.0, 150.0, T, H)
+    left = s.view("LEFT", 490.0, 150.0, T, H)
     left.rect(0.0, 0.0, T, H, "1")
     left.line((0.0, H), (0.0, 0.0))  # left edge twice
     left.spline([(20.0, 60.0), (20.0, 85.0), (20.0, 115.0), (20.0, 140.0)], layer="2",
@@ -420,7 +431,7 @@ def sheet_plate_b(msp, origin):
         left.line((-4.0, y), (T + 4.0, y), "3", CENTER, color=5)
 
     # Top view: the plate seen from the front, with a local section break line.
-    top = s.view("TOP", 100.0, 380.0, W, T)
+    top = s.view("TOP", 100.0, 400.0, W, T)
     top.rect(0.0, 0.0, W, T, "1")
     for x in (17.5, 42.5, 257.5, 282.5):
         top.line((x, 0.0), (x, T), "2", DASHED)
@@ -465,6 +476,11 @@ def sheet_core_insert(msp, origin):
         s.tapped(m, c, 5.0, 6.0, mirrored=i == 0)
     m.circle((35.0, 35.0), 4.0)  # ejector pins
     m.circle((65.0, 35.0), 4.0)
+    # Vent holes 2 in a grid: with them the view holds more circles than CIRCOUNT and gets its
+    # outline dimensioned instead of an ordinate per hole.
+    for i in range(6):
+        for j in range(4):
+            m.circle((25.0 + 10.0 * i, 20.0 + 10.0 * j), 2.0)
     m.spline([(20.0, 25.0), (30.0, 50.0), (45.0, 50.0), (55.0, 20.0), (70.0, 20.0),
               (80.0, 45.0)])  # parting line of the core, free form
     m.line((50.0, -4.0), (50.0, H + 4.0), "3", CENTER, color=5)
@@ -617,7 +633,9 @@ def frame_drawing(name, width, height):
     return doc
 
 
-FRAMES = [("A3横式.dxf", 420.0, 297.0), ("A4横式.dxf", 297.0, 210.0)]
+# Named .dwg as the library has them (the content is DXF: the host tells a file by its content);
+# the block that a frame becomes is its name less the trailing characters of ".DWG".
+FRAMES = [("A3横式.dwg", 420.0, 297.0), ("A4横式.dwg", 297.0, 210.0)]
 
 
 def write_frames(root):
@@ -767,7 +785,7 @@ ORDOFFSCL,1.5
 // 视图超出此宽/高或圆数达到此值时只标外形
 XMAX,400
 YMAX,300
-CIRCOUNT,40
+CIRCOUNT,30
 LOGFILE,D:\\MYTOOL\\CAD\\Cg.log
 // 开关: 插入图框, 标注尺寸, 换孔, 保存
 TAVRIK,1
@@ -812,8 +830,8 @@ TEXT,文字
 BOXSETTING_TXT = """// boxsetting.txt  图框选择与标题栏缺省属性
 [SHTWCH]
 // 图名通配符,图框文件(按顺序取第一个匹配)
-*-1,A3横式.dxf
-*,A4横式.dxf
+MP2305-1,A3横式.dwg
+MP2305-*,A4横式.dwg
 
 [ATTWCH]
 // 属性名,缺省值(优先于图中的 KEY:VALUE 文字)

@@ -3,6 +3,9 @@
 #include <memory>
 #include <vector>
 
+#include "cleanup/class_interface_data.hpp"
+#include "config/config_root.hpp"
+#include "dimension/view_analysis.hpp"
 #include "host/module_state.hpp"
 #include "pipeline/logs.hpp"
 #include "platform/db/circle.hpp"
@@ -13,6 +16,7 @@
 #include "platform/win/library.hpp"
 #include "platform/win/messages.hpp"
 #include "standard/db_helpers.hpp"
+#include "standard/hole_substitution.hpp"
 #include "standard/layers_text.hpp"
 #include "standard/sheet_frame.hpp"
 
@@ -100,12 +104,20 @@ void ProcessSheet(ModuleState& state, AcDbObjectId marker, int index) {
     ScaleSheet(state);
     state.boxSetting.Read();
     LogTrace(L"填写属性\n");
+    CollectAttributeTexts(state.CurrentDatabase);
     LogTrace(L"插入图框路径为" + state.FrameFolder + L"\n");
+    if (state.cadStandardIni.sundry.TAVRIK) {
+        AcDbObjectIdArray entitySet;
+        InsertSheetFrame(state.FrameFolder, sheetOrigin, entitySet);
+    }
     if (state.cadStandardIni.sundry.DIM) {
         static const wchar_t* const kViewSteps[] = {L"主视图标注", L"左视图标注", L"顶视图标注"};
+        const LayerKeys& layers = state.cadStandardIni.layer;
+        const std::wstring* viewLayers[] = {&layers.FRONT, &layers.LEFT, &layers.TOP};
         for (int kind = 0; kind < 3; ++kind) {
             LogStep(kViewSteps[kind]);
             state.dimensionState.viewKind = kind;
+            DimensionView(*viewLayers[kind]);
         }
     }
     acedSetStatusBarProgressMeterPos(index);
@@ -118,6 +130,23 @@ void EraseSheetEntities(const AcDbObjectIdArray& sheetEntities) {
         AcDbEntity* entity = nullptr;
         if (acdbOpenAcDbEntity(entity, id, AcDb::kForWrite) == Acad::eOk) entity->erase();
     }
+}
+
+// The clean-ups that run before the texts and layers, on a clean-up object of the drawing that
+// the pipeline keeps for the last clean-ups and never frees.
+ClassInterfaceData* RunFirstCleanups(AcDbDatabase* db) {
+    std::wstring userPath = GetConfigRoot() + L"\\CAD";
+    auto* cleanup = new ClassInterfaceData(db, userPath);
+    cleanup->SetLogPath(kLogLogPath);
+    cleanup->SetUserPath(userPath);
+    cleanup->FunCoorToZero();
+    return cleanup;
+}
+
+void RunLastCleanups(ClassInterfaceData* cleanup) {
+    cleanup->FunDeleteSmallLineAndPoint();
+    cleanup->FunUpLineScale();
+    cleanup->FunLineWidthToZero();
 }
 
 // Ends the drawing: the former working database comes back and the drawing's goes.
@@ -142,10 +171,18 @@ void ProcessDrawing(const std::wstring& path) {
     ConvertExportedFile(path);
     db->readDwgFile(path.c_str(), 0x40, false, nullptr);
     acdbHostApplicationServices()->setWorkingDatabase(db);
+    AcArray<tPt> drawingPoints;
+    CollectPoints(db, drawingPoints);
+    FlipMirroredCurves(db);
     CollectAllEntityIds(db);
+    ClassInterfaceData* cleanup = RunFirstCleanups(db);
+    ExplodeMText(db);
+    NormalizeDiameterSign(db);
 
     ApplyTextStyle(L"bar", L"`**`*", db);
     LogStep(L"设置条码样式");
+    SetStyleFonts(L"standard", db);
+    SetStyleFonts(L"chinesef_fs", db);
 
     LogStep(L"取所有圆");
     AcDbObjectIdArray sheetMarkers;
@@ -156,6 +193,9 @@ void ProcessDrawing(const std::wstring& path) {
     AcDbObjectIdArray sheetEntities;
     CollectSheetEntities(sheetEntities, db);
     LogStep(L"设置图层");
+    if (FindLayerByFileName(db) == 1) ConvertLayersByColor(db);
+    std::vector<dwgmatch> matchCopy = state.boxSetting.frameMatches;
+    state.frameName = MatchFrameName(matchCopy, path);
 
     std::wstring message = L"正在处理 " + path + L" ,请稍等";
     acedSetStatusBarProgressMeter(message.c_str(), 0, sheetMarkers.length());
@@ -163,8 +203,11 @@ void ProcessDrawing(const std::wstring& path) {
     db->updateExt(false);
 
     acdbHostApplicationServices()->setWorkingDatabase(db);
+    ConvertLayersByTable(db);
+    GatherDimensions(state.cadStandardIni.layer.DIM, db);
     if (state.cadStandardIni.sundry.HOLECA == 0) EraseSheetEntities(sheetEntities);
     ZoomExtents(db);
+    RunLastCleanups(cleanup);
     LogTrace(L"保存" + path);
     if (state.cadStandardIni.sundry.SAVEQ) acdbSaveAs2004(db, path.c_str());
     LogTrace(L"\n关闭\n");

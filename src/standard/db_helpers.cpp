@@ -49,10 +49,6 @@ int AppendToModelSpace(AcDbDatabase* db, AcDbEntity* entity, AcDbObjectId& id) {
     return 1;
 }
 
-namespace {
-
-// A layer record as the system makes new layers: thawed, on, unlocked, colour 7, CONTINUOUS.
-// The linetype look-up's status goes to the log when `log` is set.
 AcDbLayerTableRecord* NewStandardLayer(const std::wstring& name, AcDbDatabase* db, bool log) {
     auto* layer = new AcDbLayerTableRecord;
     layer->setIsFrozen(false);
@@ -77,8 +73,6 @@ AcDbLayerTableRecord* NewStandardLayer(const std::wstring& name, AcDbDatabase* d
     layer->setLinetypeObjectId(continuous);
     return layer;
 }
-
-}  // namespace
 
 int AddLayer(const std::wstring& name, AcDbDatabase* db) {
     AcDbLayerTable* table = nullptr;
@@ -124,10 +118,9 @@ int ZoomExtents(AcDbDatabase* db) {
     bool added = false;
     if (db->getSymbolTable(views, AcDb::kForWrite) == Acad::eOk) {
         added = views->add(view) == Acad::eOk;
+        acedSetCurrentView(view, nullptr);
         views->close();
     }
-    acedSetCurrentView(view, nullptr);
-    // The view has no name, and a table may refuse it; the current view is set all the same.
     if (added) view->close();
     else delete view;
     db->updateExt(true);

@@ -6,6 +6,7 @@
 
 #include "platform/db/block_table_record.hpp"
 #include "platform/db/database.hpp"
+#include "platform/db/symbol_tables.hpp"
 
 // A new iterator over the model space (at the beginning, erased entities skipped), owned by the
 // caller. 16 when the block gives no iterator.
@@ -15,6 +16,9 @@ int OpenModelSpaceIterator(AcDbBlockTableRecordIterator*& iterator, AcDbDatabase
 int AppendToModelSpace(AcDbDatabase* db, AcDbEntity* entity, AcDbObjectId& id);
 // Adds a thawed, visible, unlocked layer of colour 7 and linetype CONTINUOUS, unless it exists.
 int AddLayer(const std::wstring& name, AcDbDatabase* db);
+// A new layer record as the system makes layers: thawed, on, unlocked, colour 7, CONTINUOUS.
+// With `log` the linetype look-up and its status go to Cg.log.
+AcDbLayerTableRecord* NewStandardLayer(const std::wstring& name, AcDbDatabase* db, bool log);
 // Makes a view of the model space's extents current and refreshes the extents of `db`.
 int ZoomExtents(AcDbDatabase* db);
 // Erases those of `ids` that nothing refers to.

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "config/box_setting.hpp"
 #include "platform/db/database.hpp"
 #include "platform/db/extents.hpp"
 #include "platform/ge/point3d.hpp"
@@ -17,3 +18,13 @@ int CollectSheetEntities(AcDbObjectIdArray& ids, AcDbDatabase* db);
 // The marker stands on a corner of the sheet's rectangle, so the two lines through it give the
 // frame's size. No such line leaves the box empty.
 int MeasureSheetFrame(const AcGePoint3d& marker, AcDbExtents& frameBox, AcDbDatabase* db);
+// The frame file for a drawing: its name (the path after the last backslash, up to the first
+// point; empty without a point) against the patterns in order. Empty when none matches.
+std::wstring MatchFrameName(const std::vector<dwgmatch>& matches, const std::wstring& drawingName);
+// Appends to the attribute rows every KEY:VALUE text (or multi-line text) inside the sheet's
+// frame box, with the text as its source. A key must have at least one character.
+int CollectAttributeTexts(AcDbDatabase* db);
+// Puts the sheet frame drawing `folder` + frameName on the sheet: scaled to the frame box's
+// width, base point on `position`, exploded into loose entities whose nested references get
+// the attribute values. The ids of the entities go to `ids`.
+int InsertSheetFrame(const std::wstring& folder, const AcGePoint3d& position, AcDbObjectIdArray& ids);

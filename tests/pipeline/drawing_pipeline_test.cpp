@@ -31,7 +31,8 @@ protected:
 TEST_F(Pipeline, TraceOfOneSheetNamesEveryStepInOrder) {
     SaveExport(path_);
     ProcessDrawing(path_);
-    EXPECT_EQ(CgLog(), L"开始处理 " + path_ + L"读取 " + path_ + L"填写属性\n插入图框路径为D:\\CZ\\config\\标准图框\\\n保存" +
+    EXPECT_EQ(CgLog(), L"开始处理 " + path_ + L"读取 " + path_ + L"填写属性\n插入图框路径为D:\\CZ\\config\\标准图框\\\n\n查找图框"
+                           L"主视图 准备标注取视图外框\n左视图 准备标注取视图外框\n附视图 准备标注取视图外框\n保存" +
                            path_ + L"\n关闭\n");
     EXPECT_EQ(MsgTxt(), L"设置条码样式取所有圆设置图层主视图标注左视图标注顶视图标注");
 }

@@ -145,6 +145,49 @@ TEST_F(DbHelpers, ZoomExtentsOnAnEmptyModelSpaceStillMakesAViewCurrent) {
     EXPECT_TRUE(CurrentView().set);
 }
 
+// The view records of the drawing's view table, as (centre, width, height).
+struct ViewRecord {
+    AcGePoint2d center;
+    double width, height;
+    std::wstring name;
+};
+static std::vector<ViewRecord> ViewRecords(AcDbDatabase& db) {
+    std::vector<ViewRecord> records;
+    AcDbViewTable* views = nullptr;
+    db.getSymbolTable(views, AcDb::kForRead);
+    for (const AcDbObjectId& id : views->recordIds()) {
+        AcDbObject* object = nullptr;
+        if (acdbOpenAcDbObject(object, id, AcDb::kForRead) != Acad::eOk) continue;
+        auto* view = AcDbViewTableRecord::cast(object);
+        records.push_back({view->centerPoint(), view->width(), view->height(), view->name()});
+        object->close();
+    }
+    views->close();
+    return records;
+}
+
+TEST_F(DbHelpers, ZoomExtentsAddsAnUnnamedViewOfTheExtentsToTheViewTable) {
+    AcDbDatabase other(true, false);
+    Add(other, new AcDbLine(AcGePoint3d(10, 20, 0), AcGePoint3d(110, 70, 0)));
+    size_t before = ViewRecords(other).size();
+    EXPECT_EQ(ZoomExtents(&other), 0);
+    std::vector<ViewRecord> views = ViewRecords(other);
+    ASSERT_EQ(views.size(), before + 1);
+    EXPECT_EQ(views.back().center, AcGePoint2d(60, 45));
+    EXPECT_DOUBLE_EQ(views.back().width, 100.0);
+    EXPECT_DOUBLE_EQ(views.back().height, 50.0);
+    EXPECT_EQ(views.back().name, L"");
+    acdbHostApplicationServices()->setWorkingDatabase(hostDrawing_.get());
+}
+
+TEST_F(DbHelpers, ZoomExtentsOnAnEmptyModelSpaceStillAddsAView) {
+    size_t before = ViewRecords(Drawing()).size();
+    EXPECT_EQ(ZoomExtents(&Drawing()), 0);
+    EXPECT_EQ(ViewRecords(Drawing()).size(), before + 1);
+    EXPECT_EQ(ZoomExtents(&Drawing()), 0);
+    EXPECT_EQ(ViewRecords(Drawing()).size(), before + 2);
+}
+
 TEST_F(DbHelpers, PurgeLayersErasesUnusedLayersAndKeepsUsedOnes) {
     AddRecord<AcDbLayerTable, AcDbLayerTableRecord>(L"UNUSED");
     Add(Drawing(), NewLine(), L"USED");

@@ -11,6 +11,8 @@ ACRX_DEFINE_MEMBERS(AcDbBlockReference, AcDbEntity, L"INSERT")
 ACRX_DEFINE_MEMBERS(AcDbMInsertBlock, AcDbBlockReference, L"INSERT")
 
 AcDbEntity* AcDbObjectIterator::entity() const {
+    if (done()) return nullptr;
+    if (m_index >= m_ids.length()) return m_entities[m_index - m_ids.length()];
     AcDbObjectId id = objectId();
     return id.isValid() ? AcDbEntity::cast(id.stub()->object.get()) : nullptr;
 }
@@ -24,6 +26,8 @@ AcDbBlockReference::AcDbBlockReference(const AcDbBlockReference& other)
       m_rotation(other.m_rotation),
       m_normal(other.m_normal) {}
 
+AcDbBlockReference::~AcDbBlockReference() = default;
+
 Acad::ErrorStatus AcDbBlockReference::setScaleFactors(const AcGeScale3d& s) {
     if (s.sx == 0.0 || s.sy == 0.0 || s.sz == 0.0) return Acad::eInvalidInput;
     m_scale = s;
@@ -35,6 +39,18 @@ AcGePoint3d blockOrigin(AcDbObjectId block) {
     if (!block.isValid()) return AcGePoint3d::kOrigin;
     auto* record = AcDbBlockTableRecord::cast(block.stub()->object.get());
     return record ? record->origin() : AcGePoint3d::kOrigin;
+}
+
+// The attributes of a nested reference travel with its exploded copy.
+void copyAttributesTo(const AcDbBlockReference& from, AcDbBlockReference& to,
+                      const AcGeMatrix3d& xform) {
+    for (const AcDbObjectId& id : from.attributeIds()) {
+        if (!id.isValid() || id.isErased()) continue;
+        AcDbEntity* copy = nullptr;
+        auto* attribute = AcDbEntity::cast(id.stub()->object.get());
+        if (attribute != nullptr && attribute->getTransformedCopy(xform, copy) == Acad::eOk)
+            to.holdAttribute(copy);
+    }
 }
 
 AcGeMatrix3d scaling(const AcGeScale3d& s) {
@@ -88,7 +104,29 @@ Acad::ErrorStatus AcDbBlockReference::appendAttribute(AcDbObjectId& id, AcDbAttr
 }
 
 AcDbObjectIterator* AcDbBlockReference::attributeIterator() const {
-    return new AcDbObjectIterator(m_attributes);
+    if (m_heldAttributes.empty()) return new AcDbObjectIterator(m_attributes);
+    std::vector<AcDbEntity*> held;
+    for (const auto& attribute : m_heldAttributes) held.push_back(attribute.get());
+    return new AcDbObjectIterator(std::move(held));
+}
+
+void AcDbBlockReference::holdAttribute(AcDbEntity* attribute) {
+    m_heldAttributes.emplace_back(attribute);
+}
+
+Acad::ErrorStatus AcDbBlockReference::addHeldAttributes() {
+    if (database() == nullptr) return Acad::eNoDatabase;
+    for (auto& attribute : m_heldAttributes) {
+        AcDbObjectId id;
+        Acad::ErrorStatus es = database()->addAcDbObject(id, attribute.get());
+        if (es != Acad::eOk) return es;
+        AcDbEntity* added = attribute.release();
+        added->setOwnerId(objectId());
+        added->close();
+        m_attributes.append(id);
+    }
+    m_heldAttributes.clear();
+    return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbBlockReference::getGeomExtents(AcDbExtents& extents) const {
@@ -123,6 +161,8 @@ Acad::ErrorStatus AcDbBlockReference::explode(AcDbVoidPtrArray& entitySet) const
         AcDbEntity* copy = nullptr;
         if (source->getTransformedCopy(xform, copy) != Acad::eOk) return false;
         made.append(copy);
+        if (auto* nested = AcDbBlockReference::cast(source))
+            copyAttributesTo(*nested, *static_cast<AcDbBlockReference*>(copy), xform);
         return true;
     };
     for (const AcDbObjectId& id : block->entityIds()) {

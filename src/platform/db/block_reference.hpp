@@ -1,21 +1,30 @@
 #pragma once
+#include <memory>
+#include <vector>
+
 #include "platform/db/entity.hpp"
 
 class AcDbAttribute;
 
-// Iterates the attributes owned by a block reference.
+// Iterates the attributes owned by a block reference: by id when the reference is in a
+// database, by pointer when it is not (an exploded nested reference still holds its own).
 class AcDbObjectIterator {
 public:
     explicit AcDbObjectIterator(AcDbObjectIdArray ids) : m_ids(std::move(ids)) {}
-    bool done() const { return m_index >= m_ids.length(); }
+    explicit AcDbObjectIterator(std::vector<AcDbEntity*> entities)
+        : m_entities(std::move(entities)) {}
+    bool done() const { return m_index >= m_ids.length() + static_cast<int>(m_entities.size()); }
     void step() { ++m_index; }
     void start() { m_index = 0; }
-    AcDbObjectId objectId() const { return done() ? AcDbObjectId::kNull : m_ids[m_index]; }
+    AcDbObjectId objectId() const {
+        return m_index < m_ids.length() ? m_ids[m_index] : AcDbObjectId::kNull;
+    }
     // The entity at the current place, not opened (the host hands the pointer out as is).
     AcDbEntity* entity() const;
 
 private:
     AcDbObjectIdArray m_ids;
+    std::vector<AcDbEntity*> m_entities;
     int m_index = 0;
 };
 
@@ -26,6 +35,7 @@ public:
     AcDbBlockReference() = default;
     AcDbBlockReference(const AcGePoint3d& position, AcDbObjectId blockTableRecord)
         : m_position(position), m_block(blockTableRecord) {}
+    ~AcDbBlockReference() override;
 
     AcDbObjectId blockTableRecord() const { return m_block; }
     Acad::ErrorStatus setBlockTableRecord(AcDbObjectId id) { m_block = id; return Acad::eOk; }
@@ -50,6 +60,10 @@ public:
     const AcDbObjectIdArray& attributeIds() const { return m_attributes; }
     // Lets a reader of a drawing file attach an attribute it has already added.
     void attachAttribute(AcDbObjectId id) { m_attributes.append(id); }
+    // Attributes of a reference that is not in a database yet (explode makes such nested
+    // references); they join the reference's database when it is appended to a block.
+    void holdAttribute(AcDbEntity* attribute);
+    Acad::ErrorStatus addHeldAttributes();
     // The SEQEND record that closes the attributes in a drawing file.
     AcDbHandle seqEndHandle() const { return m_seqEnd; }
     void setSeqEndHandle(AcDbHandle h) { m_seqEnd = h; }
@@ -60,7 +74,8 @@ public:
     Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const override;
     Acad::ErrorStatus transformBy(const AcGeMatrix3d& xform) override;
     // Copies of the block's entities under blockTransform(); attribute definitions are left
-    // out, and the reference's attributes come out as texts.
+    // out, the reference's attributes come out as texts, and a nested reference comes out with
+    // copies of its attributes.
     Acad::ErrorStatus explode(AcDbVoidPtrArray& entitySet) const override;
     Acad::ErrorStatus getStretchPoints(AcGePoint3dArray& points) const override;
     void collectReferences(AcDbObjectIdArray& refs) const override;
@@ -76,6 +91,7 @@ private:
     double m_rotation = 0.0;
     AcGeVector3d m_normal = AcGeVector3d::kZAxis;
     AcDbObjectIdArray m_attributes;
+    std::vector<std::unique_ptr<AcDbEntity>> m_heldAttributes;
     AcDbHandle m_seqEnd;
     AcDbRawTags m_seqEndTags;
 };

@@ -1,5 +1,6 @@
 #include "platform/db/block_table_record.hpp"
 
+#include "platform/db/block_reference.hpp"
 #include "platform/db/database.hpp"
 #include "platform/db/names.hpp"
 #include "platform/db/text.hpp"
@@ -20,6 +21,7 @@ Acad::ErrorStatus AcDbBlockTableRecord::appendAcDbEntity(AcDbObjectId& id, AcDbE
     if (es != Acad::eOk) return es;
     entity->setOwnerId(objectId());
     m_entities.append(id);
+    if (auto* reference = AcDbBlockReference::cast(entity)) return reference->addHeldAttributes();
     return Acad::eOk;
 }
 

@@ -1,6 +1,7 @@
 #include "platform/db/entity.hpp"
 
 #include "platform/db/database.hpp"
+#include "platform/db/symbol_tables.hpp"
 
 ACRX_DEFINE_MEMBERS(AcDbEntity, AcDbObject, L"")
 
@@ -30,6 +31,14 @@ std::wstring recordName(AcDbObjectId id) {
     return name;
 }
 }  // namespace
+
+Acad::ErrorStatus AcDbEntity::writeRefusal() const {
+    if (database() == nullptr) return Acad::eOk;
+    AcDbObjectId layer = recordIdByName(database(), AcDbDatabase::kLayerTable, m_layer.str());
+    if (layer.isNull()) return Acad::eOk;
+    auto* record = AcDbLayerTableRecord::cast(layer.stub()->object.get());
+    return record && record->isLocked() ? Acad::eOnLockedLayer : Acad::eOk;
+}
 
 AcDbObjectId AcDbEntity::layerId() const {
     return recordIdByName(resolvingDatabase(this), AcDbDatabase::kLayerTable, m_layer.str());
@@ -70,7 +79,8 @@ Acad::ErrorStatus AcDbEntity::setLinetype(AcDbObjectId linetypeId, bool) {
 }
 
 Acad::ErrorStatus AcDbEntity::setLinetypeScale(double scale, bool) {
-    if (scale <= 0.0) return Acad::eBadLinetypeScale;
+    // The host stores a scale of 0.0 as given; only a negative one is refused.
+    if (scale < 0.0) return Acad::eBadLinetypeScale;
     m_linetypeScale = scale;
     return Acad::eOk;
 }

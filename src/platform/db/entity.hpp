@@ -67,6 +67,8 @@ public:
     }
 
     void collectReferences(AcDbObjectIdArray& refs) const override;
+    // An entity on a locked layer of its database does not open for write (eOnLockedLayer).
+    Acad::ErrorStatus writeRefusal() const override;
 
 protected:
     AcDbEntity() = default;

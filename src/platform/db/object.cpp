@@ -65,6 +65,7 @@ Acad::ErrorStatus AcDbObject::erase(bool erasing) {
 Acad::ErrorStatus AcDbObject::close() {
     if (m_writer) {
         m_writer = false;
+        closedAfterWrite();
         return Acad::eOk;
     }
     if (m_readers > 0) {
@@ -78,6 +79,7 @@ Acad::ErrorStatus AcDbObject::openFor(AcDb::OpenMode mode) {
     if (m_writer) return Acad::eWasOpenForWrite;
     if (mode == AcDb::kForWrite) {
         if (m_readers > 0) return Acad::eWasOpenForRead;
+        if (Acad::ErrorStatus refused = writeRefusal(); refused != Acad::eOk) return refused;
         m_writer = true;
         return Acad::eOk;
     }
@@ -89,6 +91,7 @@ Acad::ErrorStatus AcDbObject::openFor(AcDb::OpenMode mode) {
 Acad::ErrorStatus AcDbObject::upgradeOpen() {
     if (m_writer) return Acad::eOk;
     if (m_readers != 1) return Acad::eWasOpenForRead;
+    if (Acad::ErrorStatus refused = writeRefusal(); refused != Acad::eOk) return refused;
     m_readers = 0;
     m_writer = true;
     return Acad::eOk;

@@ -49,8 +49,12 @@ public:
     bool isWriteEnabled() const { return m_writer; }
     bool isNewObject() const { return m_stub == nullptr; }
     int numReaders() const { return m_readers; }
+    // To write; eOnLockedLayer for an entity on a locked layer, as a write open.
     Acad::ErrorStatus upgradeOpen();
     Acad::ErrorStatus downgradeOpen();
+    // Why the object may not be opened for write now, beyond the open protocol: eOk here, and
+    // eOnLockedLayer for a database-resident entity whose layer is locked.
+    virtual Acad::ErrorStatus writeRefusal() const { return Acad::eOk; }
 
     // Extension dictionary and persistent reactors, as ids in the same database.
     AcDbObjectId extensionDictionary() const { return m_extensionDictionary; }
@@ -86,6 +90,9 @@ protected:
     // A copy carries the data but belongs to no database and is not open.
     AcDbObject(const AcDbObject& other);
     AcDbObject& operator=(const AcDbObject&) = delete;
+
+    // Called when a write open ends, for objects that keep derived data up to date.
+    virtual void closedAfterWrite() {}
 
     // Checks for subclasses' setters and getters, as the host asserts them.
     bool writeEnabledOrNew() const { return m_stub == nullptr || m_writer; }

@@ -50,6 +50,7 @@ enum ErrorStatus : int {
     ePermanentlyErased = 81,
     eWasOpenForRead = 82,
     eWasOpenForWrite = 83,
+    eOnLockedLayer = 87,
     eAtMaxReaders = 90,
     eNotAnEntity = 93,
     eDuplicateRecordName = 95,

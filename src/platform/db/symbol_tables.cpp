@@ -2,6 +2,7 @@
 
 #include "platform/db/block_table_record.hpp"
 #include "platform/db/database.hpp"
+#include "platform/db/entity.hpp"
 #include "platform/db/names.hpp"
 
 ACRX_DEFINE_MEMBERS(AcDbSymbolTableRecord, AcDbObject, L"")
@@ -32,9 +33,39 @@ Acad::ErrorStatus AcDbSymbolTableRecord::getName(std::wstring& name) const {
     return Acad::eOk;
 }
 
+namespace {
+
+// The table that owns a resident record, or null.
+const AcDbSymbolTable* OwningTable(const AcDbSymbolTableRecord* record) {
+    AcDbObjectId owner = record->ownerId();
+    if (owner.isNull() || owner.stub()->object == nullptr) return nullptr;
+    return AcDbSymbolTable::cast(owner.stub()->object.get());
+}
+
+// Entities name their layer; a renamed layer takes its entities along, as the host's entities
+// refer to the record itself.
+void RenameLayerOfEntities(AcDbDatabase* db, const std::wstring& from, const std::wstring& to) {
+    for (const AcDbStub& stub : db->stubs()) {
+        auto* entity = AcDbEntity::cast(stub.object.get());
+        if (entity && acdbNamesEqual(entity->layer(), from)) entity->setLayerName(to);
+    }
+}
+
+}  // namespace
+
+// A record of a drawing, open for write, is renamed as in the host: another record of the name
+// refuses it, and a layer's entities follow. Records being built (not open) just take the name.
 Acad::ErrorStatus AcDbSymbolTableRecord::setName(const std::wstring& name) {
     if (name.empty()) return Acad::eInvalidSymbolTableName;
+    const AcDbSymbolTable* table = database() && isWriteEnabled() ? OwningTable(this) : nullptr;
+    if (table == nullptr || acdbNamesEqual(name, m_name)) {
+        m_name = name;
+        return Acad::eOk;
+    }
+    if (table->has(name)) return Acad::eDuplicateRecordName;
+    std::wstring previous = m_name;
     m_name = name;
+    if (isKindOf(AcDbLayerTableRecord::desc())) RenameLayerOfEntities(database(), previous, name);
     return Acad::eOk;
 }
 
@@ -100,8 +131,13 @@ Acad::ErrorStatus AcDbSymbolTable::add(AcDbObjectId& id, AcDbSymbolTableRecord* 
     if (database() == nullptr) return Acad::eNoDatabase;
     if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
     if (!record->isKindOf(recordClass())) return Acad::eWrongObjectType;
-    if (record->name().empty()) return Acad::eInvalidSymbolTableName;
-    if (has(record->name())) return Acad::eDuplicateRecordName;
+    // The view table, as the host's, takes records without a name (a zoom's view); they are
+    // reached by id only, so several may stand side by side.
+    if (record->name().empty()) {
+        if (recordClass() != AcDbViewTableRecord::desc()) return Acad::eInvalidSymbolTableName;
+    } else if (has(record->name())) {
+        return Acad::eDuplicateRecordName;
+    }
     Acad::ErrorStatus es = database()->addAcDbObject(id, record);
     if (es != Acad::eOk) return es;
     record->setOwnerId(objectId());

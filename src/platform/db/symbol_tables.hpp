@@ -232,7 +232,8 @@ public:
     Acad::ErrorStatus getAt(const std::wstring& name, AcDbSymbolTableRecord*& record,
                             AcDb::OpenMode mode, bool openErasedRecord = false) const;
     // Adds a new record (which takes ownership). The table must be open for write; a name
-    // already present gives eDuplicateRecordName, a record of the wrong class eWrongObjectType.
+    // already present gives eDuplicateRecordName, a record of the wrong class eWrongObjectType,
+    // an empty name eInvalidSymbolTableName except in the view table.
     Acad::ErrorStatus add(AcDbSymbolTableRecord* record);
     Acad::ErrorStatus add(AcDbObjectId& id, AcDbSymbolTableRecord* record);
     Acad::ErrorStatus newIterator(AcDbSymbolTableIterator*& iterator, bool atBeginning = true,

@@ -207,7 +207,7 @@ void LineModel(const AcDbLine& e, ModelWriter& w) {
 void CircleModel(const AcDbCircle& e, ModelWriter& w) {
     w.subclass("AcDbCircle");
     w.thickness(e.thickness());
-    w.point(10, e.center());
+    w.point(10, AcGeMatrix3d::worldToPlane(e.normal()) * e.center());
     w.real(40, e.radius());
     w.normal(e.normal());
 }
@@ -215,7 +215,7 @@ void CircleModel(const AcDbCircle& e, ModelWriter& w) {
 void ArcModel(const AcDbArc& e, ModelWriter& w) {
     w.subclass("AcDbCircle");
     w.thickness(e.thickness());
-    w.point(10, e.center());
+    w.point(10, AcGeMatrix3d::worldToPlane(e.normal()) * e.center());
     w.real(40, e.radius());
     w.normal(e.normal());
     w.subclass("AcDbArc");

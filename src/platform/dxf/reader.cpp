@@ -509,8 +509,10 @@ void ReadRound(T& e, const AcDbRawTags& tags, double* start, double* end) {
             default: break;
         }
     });
-    e.setCenter(c);
+    // The file gives the centre in the object coordinates of the normal; the database keeps it
+    // in world coordinates, as the host does.
     e.setNormal(n);
+    e.setCenter(AcGeMatrix3d::planeToWorld(e.normal()) * c);
 }
 
 void ReadPoint(AcDbPoint& e, const AcDbRawTags& tags) {
@@ -1411,6 +1413,7 @@ void Builder::resolveNames() {
     for (auto& [dim, name] : m_dimBlockNames) {
         auto it = m_blocks.find(Upper(name));
         if (it != m_blocks.end()) dim->setDimBlockId(it->second->objectId());
+        dim->markGraphicsCurrent();
     }
     auto* linetypes = AcDbLinetypeTable::cast(m_tables.count("LTYPE") ? m_tables["LTYPE"] : nullptr);
     for (auto& [layer, name] : m_layerLinetypes) {

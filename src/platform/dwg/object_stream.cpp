@@ -1,0 +1,96 @@
+#include "platform/dwg/object_stream.hpp"
+
+#include <string>
+
+namespace dwg {
+namespace {
+
+// 2007 on, the strings of an object sit at the end of its values, found from the last bit
+// backwards: a flag, then their size in bits in one or two 15-bit words.
+void LocateStrings(ObjectStreams& o) {
+    o.strings = o.data;
+    BitReader tail = o.data;
+    if (o.dataEnd < 1) return;
+    tail.seekBit(o.dataEnd - 1);
+    if (!tail.B()) {
+        o.data.setBitEnd(o.dataEnd - 1);
+        o.strings.setBitEnd(0);
+        return;
+    }
+    std::size_t sizeAt = o.dataEnd - 1 - 16;
+    tail.seekBit(sizeAt);
+    std::size_t bits = tail.RS();
+    if (bits & 0x8000) {
+        sizeAt -= 16;
+        tail.seekBit(sizeAt);
+        const std::size_t high = tail.RS();
+        bits = (bits & 0x7FFF) | (high << 15);
+    }
+    if (tail.failed() || bits > sizeAt) {
+        o.data.setBitEnd(0);  // marks the object failed for the caller
+        o.data.seekBit(1);
+        return;
+    }
+    o.strings.seekBit(sizeAt - bits);
+    o.strings.setBitEnd(sizeAt);
+    o.data.setBitEnd(sizeAt - bits);
+}
+
+}  // namespace
+
+bool OpenObject(std::span<const std::uint8_t> objects, std::int64_t offset, Version version,
+                int codePage, ObjectStreams& out, MapError& error) {
+    const auto start = static_cast<std::size_t>(offset);
+    if (offset < 0 || start >= objects.size()) {
+        error = {start, "object offset outside the object data"};
+        return false;
+    }
+    BitReader head(objects.subspan(start), version, codePage);
+    out.size = head.MS();
+    std::uint64_t handleBits = 0;
+    const std::size_t sizeBytes = head.bytePosition();
+    if (version >= Version::kR2010) handleBits = head.UMC();
+    const std::size_t dataStart = start + sizeBytes;
+    if (head.failed() || out.size > objects.size() - dataStart ||
+        objects.size() - dataStart - out.size < 2) {
+        error = {start, "object of " + std::to_string(out.size) + " bytes runs past the data"};
+        return false;
+    }
+    const auto bytes = objects.subspan(dataStart, out.size);
+    const std::uint16_t stored = static_cast<std::uint16_t>(objects[dataStart + out.size] |
+                                                            (objects[dataStart + out.size + 1] << 8));
+    if (Crc16(0xC0C1, objects.subspan(start, sizeBytes + out.size)) != stored) {
+        error = {start, "object CRC mismatch"};
+        return false;
+    }
+    out.data = BitReader(bytes, version, codePage);
+    if (version >= Version::kR2010) out.data.seekBit(head.bytePosition() * 8 - sizeBytes * 8);
+    out.type = out.data.OT();
+    out.dataEnd = out.size * 8;
+    if (version >= Version::kR2010) {
+        out.dataEnd = handleBits > out.dataEnd ? 0 : out.dataEnd - handleBits;
+    } else if (version >= Version::kR2000) {
+        out.dataEnd = out.data.RL();
+    }
+    out.handle = out.data.H().value;
+    out.handles = BitReader(bytes, version, codePage);
+    if (version >= Version::kR2000) out.handles.seekBit(out.dataEnd);
+    if (version >= Version::kR2007) {
+        LocateStrings(out);
+    } else if (version >= Version::kR2000) {
+        out.data.setBitEnd(out.dataEnd);
+    }
+    if (out.data.failed() || out.handles.failed()) {
+        error = {start, "object header does not fit the object"};
+        return false;
+    }
+    return true;
+}
+
+void SeekHandles(ObjectStreams& object, std::uint32_t dataBits) {
+    object.dataEnd = dataBits;
+    object.handles.seekBit(dataBits);
+    object.data.setBitEnd(dataBits);
+}
+
+}  // namespace dwg

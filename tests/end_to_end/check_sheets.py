@@ -1,0 +1,131 @@
+"""What the sheets of the merged workshop drawing must carry, read through ezdxf: the frame of
+each drawing's name scaled onto its sheet, the title block filled from the KEY:VALUE texts (in
+upper case) and from boxsetting.txt, the used texts gone, and the dimensions of every view as
+the view's holes and size decide."""
+
+# Sheets of the workshop: the world position of the marker, the sheet width (the frame box),
+# and the frame drawing's width that its name selects (A3 for -1, A4 for the others).
+SHEETS = [((0.0, 0.0), 840.0, 420.0), ((1000.0, 0.0), 594.0, 297.0), ((1700.0, 0.0), 594.0, 297.0)]
+# The title block's values: the texts of each sheet in upper case, boxsetting.txt's [ATTWCH]
+# rows where they win (审核, 单位).
+TITLES = [
+    {"图号": "MP2305-01", "名称": "B板", "材料": "P20", "数量": "1", "热处理": "预硬HRC28-32",
+     "设计": "张伟", "日期": "2023-05-18", "页次": "1/3", "审核": "李强", "单位": "精工模具有限公司"},
+    {"图号": "MP2305-02", "名称": "型芯镶件", "材料": "SKD61", "数量": "2", "热处理": "HRC48-52",
+     "设计": "张伟", "日期": "2023-05-18", "页次": "2/3", "审核": "李强", "单位": "精工模具有限公司"},
+    {"图号": "MP2305-03", "名称": "压板", "材料": "45#", "数量": "4", "热处理": "调质HB220-250",
+     "设计": "张伟", "日期": "2023-05-18", "页次": "3/3", "审核": "李强", "单位": "精工模具有限公司"},
+]
+TAGS = set(TITLES[0])
+# Views without circles get their outline: the size of the part (view box = outline).
+OUTLINE_SIZES = sorted([45.0, 30.0, 30.0, 20.0, 20.0])
+# The main view of sheet 1 is measured from its datum marker (plate centre).
+DATUM = (250.0, 250.0)
+RED_DEC, RED_TP, RED_TM = 3, 0.015, 0.0
+
+
+def near(a, b, tol=1e-6):
+    return all(abs(x - y) <= tol for x, y in zip(a, b))
+
+
+def in_sheet(point, sheet):
+    (x, y), width, _ = sheet
+    return x <= point[0] <= x + width and y <= point[1] <= y + width * 297.0 / 420.0
+
+
+def key_value_texts(msp):
+    """The KEY:VALUE texts whose key is a title block tag."""
+    found = []
+    for e in msp.query("TEXT MTEXT"):
+        text = e.dxf.text if e.dxftype() == "TEXT" else e.text
+        if ":" in text and text.split(":")[0] in TAGS:
+            found.append(text)
+    return found
+
+
+def check_frames(doc, check):
+    msp = doc.modelspace()
+    titles = list(msp.query('INSERT[name=="标题栏"]'))
+    check(len(titles) == len(SHEETS), "title blocks: %d, expected one per sheet" % len(titles))
+    for sheet, values in zip(SHEETS, TITLES):
+        (x, y), width, frame_width = sheet
+        scale = width / frame_width
+        spot = (x + (frame_width - 5.0) * scale, y + 5.0 * scale)
+        mine = [t for t in titles if near(tuple(t.dxf.insert)[:2], spot)]
+        check(len(mine) == 1, "no title block at %s (scale %g)" % (spot, scale))
+        if not mine:
+            continue
+        title = mine[0]
+        check(abs(title.dxf.xscale - scale) < 1e-9, "title block scale %s, expected %s" % (title.dxf.xscale, scale))
+        got = {a.dxf.tag: a.dxf.text for a in title.attribs}
+        check(got == values, "title block of sheet at %s: %s" % ((x, y), got))
+    # The frame's lines stand on the sheet: the outer edge runs along the sheet's bottom.
+    frame_lines = [e for e in msp.query('LINE[layer=="图框"]')]
+    for (x, y), width, _ in SHEETS:
+        check(any(near(tuple(e.dxf.start)[:2], (x, y)) and near(tuple(e.dxf.end)[:2], (x + width, y)) for e in frame_lines),
+              "no frame edge along the sheet at %s" % ((x, y),))
+    # Used texts are gone; the 审核 text of sheet 1 lost to boxsetting.txt and stays.
+    left = key_value_texts(msp)
+    check(left == ["审核:王强"], "KEY:VALUE texts left in the drawing: %s" % left)
+
+
+def ordinate(dim):
+    return {"x": bool(dim.dxf.dimtype & 64), "origin": tuple(dim.dxf.defpoint)[:2],
+            "at": tuple(dim.dxf.defpoint2)[:2], "leader": tuple(dim.dxf.defpoint3)[:2],
+            "measured": dim.dxf.actual_measurement, "style": dim.override().dimstyle_attribs}
+
+
+def check_dimensions(doc, check):
+    msp = doc.modelspace()
+    dims = list(msp.query("DIMENSION"))
+    rotated = [d for d in dims if d.dxf.dimtype & 7 == 0]
+    ordinates = [ordinate(d) for d in dims if d.dxf.dimtype & 7 == 6]
+    sizes = sorted(round(d.dxf.actual_measurement, 6) for d in rotated)
+    check(sizes == OUTLINE_SIZES, "outline dimensions measure %s, expected %s" % (sizes, OUTLINE_SIZES))
+    for o in ordinates:
+        axis = 0 if o["x"] else 1
+        expected = abs(o["at"][axis] - o["origin"][axis])
+        check(abs(o["measured"] - expected) < 1e-9, "ordinate %s measures %s" % (o, o["measured"]))
+        # The ordinate's block is there and holds its graphics.
+    # Sheet 1, main view: every ordinate from the datum marker; red holes in the red class.
+    main = [o for o in ordinates if 100.0 <= o["at"][0] <= 400.0 and 150.0 <= o["at"][1] <= 350.0]
+    check(len(main) > 10, "sheet 1 main view has %d ordinates" % len(main))
+    check(all(near(o["origin"], DATUM) for o in main), "sheet 1 ordinates not all from the datum")
+    red = [(130.0, 180.0), (130.0, 320.0), (370.0, 320.0), (160.0, 250.0), (340.0, 250.0)]
+    red_ordinates = [o for o in main if any(near(o["at"], r) for r in red)]
+    check(len(red_ordinates) >= 4, "red holes with ordinates: %d" % len(red_ordinates))
+    for o in red_ordinates:
+        s = o["style"]
+        check(s.get("dimdec") == RED_DEC and s.get("dimtol") == 1 and abs(s.get("dimtp", -1) - RED_TP) < 1e-9
+              and abs(s.get("dimtm", -1) - RED_TM) < 1e-9, "red hole ordinate class: %s" % s)
+    # Sheet 2, main view: too many holes, its corners only, as ordinates of the corner class.
+    core = [o for o in ordinates if 1000.0 <= o["at"][0] <= 1600.0]
+    corners = sorted((o["x"], round(o["measured"], 6)) for o in core)
+    check(corners == [(False, 0.0), (False, 70.0), (True, 0.0), (True, 100.0)],
+          "sheet 2 main view ordinates: %s" % corners)
+
+
+def check_readers(merged, scratch, check):
+    """LibreCAD's dxf2pdf converts the merged drawing, and ezdxf's drawing add-on renders it
+    (docs/render_drawing.py, which made the README's picture)."""
+    import os
+    import pathlib
+    import shutil
+    import subprocess
+    import sys
+    scratch = pathlib.Path(scratch)
+    if shutil.which("librecad"):
+        shutil.copy(merged, scratch / "merged.dxf")
+        env = dict(os.environ, QT_QPA_PLATFORM="offscreen")
+        run = subprocess.run(["timeout", "180", "librecad", "dxf2pdf", "-o", "merged.pdf", "merged.dxf"],
+                             cwd=scratch, env=env, capture_output=True)
+        pdf = scratch / "merged.pdf"
+        check(run.returncode == 0 and pdf.is_file() and pdf.stat().st_size > 10000,
+              "dxf2pdf did not convert the merged drawing: %s" % run.stderr[-500:])
+    docs = pathlib.Path(__file__).resolve().parents[2] / "docs"
+    sys.path.insert(0, str(docs))
+    import render_drawing
+    png = scratch / "merged.png"
+    status = render_drawing.render(str(merged), str(png), dpi=40)
+    check(status == 0 and png.is_file() and png.stat().st_size > 10000,
+          "ezdxf's drawing add-on did not render the merged drawing")
