@@ -2,6 +2,7 @@
 // target's extension names.
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <string>
 
 #include "platform/db/database.hpp"
@@ -58,6 +59,10 @@ int RunConvert(int argc, char** argv) {
         std::fprintf(stderr, "tavrik convert: %s: only .dxf targets can be written\n", out.c_str());
         return kExitFailure;
     }
+    // Paths on the command line are the user's: relative ones hang from the working directory.
+    std::error_code cwdError;
+    in = std::filesystem::absolute(in, cwdError).string();
+    out = std::filesystem::absolute(out, cwdError).string();
     AcDbDatabase db(false, true);
     Acad::ErrorStatus es = db.readDwgFile(dxf::Wide(in).c_str());
     if (es != Acad::eOk) {

@@ -27,6 +27,8 @@
 #include "platform/win/messages.hpp"
 #include "platform/win/prefix.hpp"
 #include "platform/win/text.hpp"
+#include "platform/win/whole_file.hpp"
+#include "run_guard.hpp"
 #include "subcommands.hpp"
 
 namespace {
@@ -35,6 +37,7 @@ struct HostOptions {
     std::string prefix;
     std::vector<std::string> modules;
     std::string script;
+    unsigned timeoutSeconds = 0;  // 0: no deadline
 };
 
 // The lines of the command line: a script read at the start, or standard input.
@@ -54,6 +57,14 @@ std::string DefaultModulePath() {
     return (program.parent_path() / kDefaultModuleName).string();
 }
 
+bool ParseSeconds(const char* text, unsigned& seconds) {
+    char* end = nullptr;
+    unsigned long value = std::strtoul(text, &end, 10);
+    if (end == text || *end != '\0' || value == 0 || value > 86400u * 365) return false;
+    seconds = static_cast<unsigned>(value);
+    return true;
+}
+
 bool ParseOptions(int argc, char** argv, HostOptions& options) {
     for (int i = 1; i < argc; ++i) {
         std::string_view arg = argv[i];
@@ -61,6 +72,7 @@ bool ParseOptions(int argc, char** argv, HostOptions& options) {
         if (arg == "--prefix" && hasValue) options.prefix = argv[++i];
         else if (arg == "--module" && hasValue) options.modules.push_back(argv[++i]);
         else if (arg == "--script" && hasValue) options.script = argv[++i];
+        else if (arg == "--timeout" && hasValue && ParseSeconds(argv[i + 1], options.timeoutSeconds)) ++i;
         else {
             std::fprintf(stderr, "tavrik: unknown or incomplete option %s (see tavrik --help)\n", argv[i]);
             return false;
@@ -79,10 +91,9 @@ bool ParseOptions(int argc, char** argv, HostOptions& options) {
     return true;
 }
 
-bool ReadScript(const std::string& path, LineSource& source) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) return false;
-    std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+bool ReadScript(const std::string& path, LineSource& source, std::string& error) {
+    std::string bytes;
+    if (!ReadWholeFile(path, bytes, error)) return false;
     std::wstringstream lines{DecodeTextBytes(bytes)};
     std::wstring line;
     while (std::getline(lines, line)) source.script.push_back(TrimBlanks(line));
@@ -207,13 +218,19 @@ int RunHost(int argc, char** argv) {
     std::string error;
     if (!OpenPrefix(options.prefix, error)) {
         std::fprintf(stderr, "tavrik: %s\n", error.c_str());
-        return kExitFailure;
+        return kExitUsage;
     }
     LineSource source;
-    if (!options.script.empty() && !ReadScript(options.script, source)) {
-        std::fprintf(stderr, "tavrik: cannot read the script %s\n", options.script.c_str());
+    if (!options.script.empty() && !ReadScript(options.script, source, error)) {
+        std::fprintf(stderr, "tavrik: cannot read the script %s\n", error.c_str());
+        return kExitUsage;
+    }
+    if (!LockPrefix(options.prefix, error)) {
+        std::fprintf(stderr, "tavrik: %s\n", error.c_str());
         return kExitFailure;
     }
+    if (options.timeoutSeconds) StartDeadline(options.timeoutSeconds);
+    HandOffTarget handOff = ReadHandOffTarget();
     source.terminal = !source.fromScript && ::isatty(STDIN_FILENO);
     Host().interactive = source.terminal;
     Editor().drawProgress = ::isatty(STDERR_FILENO);
@@ -229,5 +246,6 @@ int RunHost(int argc, char** argv) {
     UnloadHostModules();
     acdbHostApplicationServices()->setWorkingDatabase(nullptr);
     delete drawing;
+    ok = CheckMergedDrawing(handOff) && ok;
     return ok ? kExitOk : kExitFailure;
 }

@@ -18,12 +18,14 @@ const Subcommand kSubcommands[] = {
     {"prefix", RunPrefix, "tavrik prefix init DIR      make an empty, valid prefix"},
     {"convert", RunConvert, "tavrik convert IN OUT       convert a drawing"},
     {"render", RunRender, "tavrik render IN OUT        draw a drawing to .png, .svg or .pdf (see render --help)"},
+    {"recycle", RunRecycle, "tavrik recycle list|restore ITEM...|restore --all [--prefix DIR]\n"
+                            "                            files the batch deleted or overwrote"},
     {"info", RunInfo, "tavrik info IN [--json]     version, code page, extents, counts, blocks, texts"},
 };
 
 void PrintHelp() {
     std::printf(
-        "usage: tavrik [--prefix DIR] [--module FILE]... [--script FILE]\n"
+        "usage: tavrik [--prefix DIR] [--module FILE]... [--script FILE] [--timeout SECONDS]\n"
         "       tavrik SUBCOMMAND ARGS...\n"
         "\n"
         "Runs a headless CAD host: loads each module (Tavrik.arx beside the program unless\n"
@@ -35,12 +37,18 @@ void PrintHelp() {
         "                  (default: $TAVRIK_PREFIX)\n"
         "  --module FILE   a module to load instead of Tavrik.arx; may be repeated\n"
         "  --script FILE   read commands from FILE instead of the terminal\n"
+        "  --timeout S     end the run after S seconds, printing the last line of Cg.log\n"
         "  --help          this text\n"
         "  --version       the version\n"
         "\n"
         "subcommands:\n");
     for (const Subcommand& s : kSubcommands) std::printf("  %s\n", s.usage);
-    std::printf("\nexit status: 0 success, 1 failure, 2 usage error\n");
+    std::printf(
+        "\nOne run at a time works on a prefix: a second run on a prefix in use is refused.\n"
+        "Files that the batch deletes or overwrites inside the prefix are kept in its recycle\n"
+        "folder for RecycleDays days (host.ini, 14 by default). When a batch ends without a\n"
+        "merged drawing that reads at the name the hand-off gives, the host says so and fails.\n"
+        "\nexit status: 0 success, 1 failure, 2 usage error or unreadable host file\n");
 }
 
 }  // namespace

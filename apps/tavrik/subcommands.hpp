@@ -9,7 +9,9 @@ int RunPrefix(int argc, char** argv);  // prefix init DIR
 // exists; main reports the subcommand as unavailable while it is missing.
 [[gnu::weak]] int RunConvert(int argc, char** argv);
 int RunRender(int argc, char** argv);  // render IN OUT, in render_command.cpp
-int RunInfo(int argc, char** argv);    // info IN [--json], in info_command.cpp
+int RunInfo(int argc, char** argv);
+int RunRecycle(int argc, char** argv);  // recycle list|restore, in recycle_command.cpp
+int RunRecycle(int argc, char** argv);  // recycle list|restore, in recycle_command.cpp    // info IN [--json], in info_command.cpp
 
 inline constexpr const char* kDefaultModuleName = "Tavrik.arx";
 inline constexpr int kExitOk = 0;

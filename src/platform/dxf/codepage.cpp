@@ -153,6 +153,54 @@ unsigned Utf8CodePoint(std::string_view s) {
     return cp;
 }
 
+// The length of the well-formed UTF-8 sequence at the start of `s`, 0 when it is not one.
+// Overlong forms, surrogates and values above U+10FFFF are not well formed.
+size_t WellFormedLength(std::string_view s) {
+    unsigned char c = static_cast<unsigned char>(s[0]);
+    if (c < 0x80) return 1;
+    size_t n = c >= 0xC2 && c <= 0xDF ? 2 : c >= 0xE0 && c <= 0xEF ? 3 : c >= 0xF0 && c <= 0xF4 ? 4 : 0;
+    if (n == 0 || s.size() < n) return 0;
+    for (size_t i = 1; i < n; ++i)
+        if ((static_cast<unsigned char>(s[i]) & 0xC0) != 0x80) return 0;
+    unsigned cp = Utf8CodePoint(s.substr(0, n));
+    bool overlong = (n == 3 && cp < 0x800) || (n == 4 && cp < 0x10000);
+    if (overlong || (cp >= 0xD800 && cp <= 0xDFFF) || cp > 0x10FFFF) return 0;
+    return n;
+}
+
+// The length of the longest start of `s` that some well-formed sequence begins with (at least
+// one byte): the part that one U+FFFD stands for, so that a bad sequence never takes the
+// characters after it.
+size_t IllFormedLength(std::string_view s) {
+    unsigned char c = static_cast<unsigned char>(s[0]);
+    size_t n = c >= 0xC2 && c <= 0xDF ? 2 : c >= 0xE0 && c <= 0xEF ? 3 : c >= 0xF0 && c <= 0xF4 ? 4 : 1;
+    size_t taken = 1;
+    for (; taken < n && taken < s.size(); ++taken) {
+        unsigned char b = static_cast<unsigned char>(s[taken]);
+        unsigned char low = 0x80, high = 0xBF;
+        if (taken == 1 && c == 0xE0) low = 0xA0;
+        if (taken == 1 && c == 0xED) high = 0x9F;
+        if (taken == 1 && c == 0xF0) low = 0x90;
+        if (taken == 1 && c == 0xF4) high = 0x8F;
+        if (b < low || b > high) break;
+    }
+    return taken;
+}
+
+// UTF-8 text with each ill-formed sequence replaced by U+FFFD.
+void RepairUtf8(std::string_view bytes, std::string& out) {
+    for (size_t i = 0; i < bytes.size();) {
+        size_t n = WellFormedLength(bytes.substr(i));
+        if (n > 0) {
+            out.append(bytes.substr(i, n));
+            i += n;
+        } else {
+            AppendUtf8(out, 0xFFFD);
+            i += IllFormedLength(bytes.substr(i));
+        }
+    }
+}
+
 }  // namespace
 
 void AppendUtf8(std::string& out, unsigned cp) {
@@ -196,9 +244,15 @@ std::string CodePageName(int codePage) {
 }
 
 bool DecodesUnchanged(std::string_view bytes, int codePage) {
-    unsigned char highBit = codePage == 65001 ? 0 : 0x80;
-    for (char c : bytes)
-        if (c == '\\' || (static_cast<unsigned char>(c) & highBit) != 0) return false;
+    bool ascii = true;
+    for (char c : bytes) {
+        if (c == '\\') return false;
+        ascii = ascii && (static_cast<unsigned char>(c) & 0x80) == 0;
+    }
+    if (ascii) return true;
+    if (codePage != 65001) return false;
+    for (size_t i = 0, n = 0; i < bytes.size(); i += n)
+        if ((n = WellFormedLength(bytes.substr(i))) == 0) return false;
     return true;
 }
 
@@ -206,8 +260,9 @@ void DecodeText(std::string_view bytes, int codePage, std::string& out) {
     out.clear();
     std::string decoded;
     std::string_view text = bytes;
-    if (codePage != 65001 && !IsAscii(bytes)) {
-        IconvToUtf8(bytes, codePage, decoded);
+    if (!IsAscii(bytes)) {
+        if (codePage == 65001) RepairUtf8(bytes, decoded);
+        else IconvToUtf8(bytes, codePage, decoded);
         text = decoded;
     }
     if (HasEscape(text))

@@ -42,7 +42,8 @@ struct WriteOptions {
 
 // Writes the database to text. Objects made in memory take handles from $HANDSEED.
 Acad::ErrorStatus WriteDxfText(AcDbDatabase& db, const WriteOptions& options, std::string& out);
-// Writes atomically: a temporary file beside the target, then a rename over it.
+// Writes atomically: a temporary file beside the target, then a rename over it. The
+// temporary files that saves of the target by processes no longer running left are removed.
 Acad::ErrorStatus WriteDxfFile(AcDbDatabase& db, const std::string& path,
                                const WriteOptions& options);
 

@@ -1,12 +1,15 @@
 // Writing: an object's record as read is the template; the values the database models are
 // laid over it in place, and what it does not model is written back as it was. Objects without
 // a template (made in memory) are written from the model alone.
+#include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <thread>
 
 #include "platform/db/block_reference.hpp"
@@ -19,6 +22,7 @@
 #include "platform/dxf/dxf.hpp"
 #include "platform/dxf/model.hpp"
 #include "platform/dxf/tagger.hpp"
+#include "platform/win/temporaries.hpp"
 
 namespace dxf {
 
@@ -1082,19 +1086,26 @@ Acad::ErrorStatus WriteDxfText(AcDbDatabase& db, const WriteOptions& options, st
 }
 
 Acad::ErrorStatus WriteDxfFile(AcDbDatabase& db, const std::string& path, const WriteOptions& options) {
-    std::string temp = path + ".tmp" + std::to_string(::getpid());
+    RemoveStaleTemporaries(path);
+    std::string temp = TemporaryName(path, ::getpid());
     auto fail = [&](const std::string& reason) {
+        std::string why = std::strerror(errno);
         std::remove(temp.c_str());
-        db.setLastError(Wide(path + ":0: DXF008 " + reason));
+        db.setLastError(Wide(path + ":0: DXF008 " + reason + ": " + why));
         return Acad::eFileAccessErr;
     };
+    errno = 0;
     std::FILE* file = std::fopen(temp.c_str(), "wb");
     if (!file) return fail("cannot create " + temp);
     // The text goes out in pieces: a large drawing is never held whole in memory.
     std::string buffer;
     bool written = Writer(db, options, buffer, file).write();
-    if (std::fclose(file) != 0 || !written) return fail("cannot write " + temp);
-    if (std::rename(temp.c_str(), path.c_str()) != 0) return fail("cannot rename into place");
+    if (!written) {
+        std::fclose(file);
+        return fail("cannot write " + temp);
+    }
+    if (std::fclose(file) != 0) return fail("cannot write " + temp);
+    if (std::rename(temp.c_str(), path.c_str()) != 0) return fail("cannot rename " + temp + " into place");
     db.setFilename(Wide(path));
     db.setLastError(L"");
     return Acad::eOk;

@@ -7,7 +7,10 @@
 #include <system_error>
 
 #include "platform/win/codepage.hpp"
+#include "platform/win/faults.hpp"
 #include "platform/win/paths.hpp"
+#include "platform/win/recycle.hpp"
+#include "platform/win/temporaries.hpp"
 
 namespace fs = std::filesystem;
 
@@ -16,8 +19,34 @@ BOOL DeleteFileW(LPCWSTR path) {
     fs::path file = ResolvePath(path);
     std::error_code error;
     if (!fs::is_regular_file(file, error)) return FALSE;
-    return fs::remove(file, error) ? TRUE : FALSE;
+    std::string reason;
+    return RecycleFile(file, reason) ? TRUE : FALSE;
 }
+
+namespace {
+
+// Copies `source` to a temporary file beside `target`, then renames it into place: a reader or
+// a killed process never sees a half-written target. What the target held is recycled first.
+bool CopyThroughTemporary(const fs::path& source, const fs::path& target) {
+    RemoveStaleTemporaries(target.string());
+    fs::path temp = TemporaryName(target.string(), ::getpid());
+    std::error_code error;
+    std::string reason;
+    if (DriveFullFault(target)) {
+        errno = ENOSPC;
+        return false;
+    }
+    if (!fs::copy_file(source, temp, fs::copy_options::overwrite_existing, error) || !RecycleCopy(target, reason)) {
+        fs::remove(temp, error);
+        return false;
+    }
+    fs::rename(temp, target, error);
+    if (!error) return true;
+    fs::remove(temp, error);
+    return false;
+}
+
+}  // namespace
 
 BOOL CopyFileW(LPCWSTR from, LPCWSTR to, BOOL failIfExists) {
     if (!from || !to) return FALSE;
@@ -25,8 +54,9 @@ BOOL CopyFileW(LPCWSTR from, LPCWSTR to, BOOL failIfExists) {
     fs::path target = ResolvePath(to);
     std::error_code error;
     if (!fs::is_regular_file(source, error)) return FALSE;
-    auto options = failIfExists ? fs::copy_options::none : fs::copy_options::overwrite_existing;
-    return fs::copy_file(source, target, options, error) && !error ? TRUE : FALSE;
+    if (failIfExists && fs::exists(target, error)) return FALSE;
+    if (fs::is_directory(target, error)) return FALSE;
+    return CopyThroughTemporary(source, target) ? TRUE : FALSE;
 }
 
 BOOL CreateDirectoryW(LPCWSTR path, void*) {

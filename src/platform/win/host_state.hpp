@@ -45,6 +45,8 @@ struct HostState {
     bool closeRequested = false;           // WM_CLOSE reached the main window
     bool mainWindowEnabled = true;
     bool interactive = false;              // message boxes wait for Enter only when true
+    int recycleDays = 14;                  // how long the recycle folder keeps what it holds
+    std::string recycleEntry;              // this run's folder in the recycle folder, once made
 };
 
 HostState& Host();

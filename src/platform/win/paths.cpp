@@ -44,15 +44,20 @@ fs::path MatchEntry(const fs::path& folder, const std::wstring& name) {
     return folder / utf8;
 }
 
-// "." and ".." act on the path built so far, as Windows folds them before any look-up.
-fs::path Walk(fs::path base, const std::vector<std::wstring>& parts) {
+// "." and ".." act on the path built so far, as Windows folds them before any look-up; ".."
+// stops at the root (a drive's folder), so no path leaves its drive.
+fs::path Walk(const fs::path& root, const std::vector<std::wstring>& parts) {
+    fs::path base = root;
+    std::vector<fs::path> walked;
     for (const std::wstring& part : parts) {
         if (part == L".") continue;
         if (part == L"..") {
-            base = base.parent_path();
+            if (!walked.empty()) walked.pop_back();
+            base = walked.empty() ? root : walked.back();
             continue;
         }
         base = MatchEntry(base, part);
+        walked.push_back(base);
     }
     return base;
 }
@@ -74,13 +79,13 @@ fs::path ResolvePath(std::wstring_view path) {
         std::wstring current = Host().currentDirectory;
         if (HasDrive(current) && std::towupper(static_cast<wint_t>(current[0])) ==
                                      std::towupper(static_cast<wint_t>(path[0])))
-            return Walk(ResolvePath(current), Components(rest));
+            return Walk(DriveFolder(path[0]), Components(current.substr(2) + L"\\" + std::wstring(rest)));
         return Walk(DriveFolder(path[0]), Components(rest));
     }
     // The current directory is always a drive path (the prefix settings keep it so).
     std::wstring current = Host().currentDirectory;
     if (!path.empty() && IsSeparator(path.front())) return Walk(DriveFolder(current[0]), Components(path));
-    return Walk(ResolvePath(current), Components(path));
+    return Walk(DriveFolder(current[0]), Components(current.substr(2) + L"\\" + std::wstring(path)));
 }
 
 fs::path ResolvePathA(std::string_view ansiPath) { return ResolvePath(WideFromAnsi(ansiPath)); }

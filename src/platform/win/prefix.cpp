@@ -4,8 +4,11 @@
 #include <system_error>
 
 #include "platform/win/host_state.hpp"
+#include "platform/win/codepage.hpp"
 #include "platform/win/ini.hpp"
+#include "platform/win/recycle.hpp"
 #include "platform/win/text.hpp"
+#include "platform/win/whole_file.hpp"
 
 namespace fs = std::filesystem;
 
@@ -16,6 +19,8 @@ const char* kDefaultSettings =
     "; ANSI code page of the host: 936 (GBK) or 65001 (UTF-8)\r\n"
     "CodePage=936\r\n"
     "CurrentDirectory=C:\\\r\n"
+    "; days that the recycle folder keeps deleted and overwritten files\r\n"
+    "RecycleDays=14\r\n"
     "\r\n"
     "[Environment]\r\n"
     "LOCALAPPDATA=C:\\Users\\tavrik\\AppData\\Local\r\n";
@@ -38,9 +43,31 @@ bool ApplySettings(const IniDocument& settings, HostState& state, std::string& e
         }
         state.currentDirectory = *current;
     }
+    if (const std::wstring* days = FindIniValue(settings, L"Host", L"RecycleDays")) {
+        wchar_t* end = nullptr;
+        long value = std::wcstol(days->c_str(), &end, 10);
+        if (days->empty() || *end != L'\0' || value < 0) {
+            error = "host.ini: RecycleDays must be a number of days, 0 or more";
+            return false;
+        }
+        state.recycleDays = static_cast<int>(value);
+    }
     if (const IniSection* environment = FindIniSection(settings, L"Environment"))
         for (const IniEntry& entry : environment->entries)
             state.environment.emplace(UpperCase(entry.key), entry.value);
+    return true;
+}
+
+// The text of a file of the prefix; a missing file reads as empty, any other failure is an error.
+bool ReadPrefixFile(const fs::path& file, std::wstring& text, std::string& error) {
+    std::error_code code;
+    std::string bytes;
+    if (!fs::exists(fs::symlink_status(file, code))) {
+        text.clear();
+        return true;
+    }
+    if (!ReadWholeFile(file, bytes, error)) return false;
+    text = DecodeTextBytes(bytes);
     return true;
 }
 
@@ -55,8 +82,13 @@ bool OpenPrefix(const fs::path& folder, std::string& error) {
     HostState& state = Host();
     state.prefix = fs::absolute(folder, code);
     state.environment.clear();
-    if (!ApplySettings(ReadIniFile(folder / kHostSettingsFileName), state, error)) return false;
-    state.registry = LoadRegistryFile(folder / kRegistryFileName);
+    std::wstring settings, registry;
+    if (!ReadPrefixFile(folder / kHostSettingsFileName, settings, error) ||
+        !ReadPrefixFile(folder / kRegistryFileName, registry, error))
+        return false;
+    if (!ApplySettings(ParseIni(settings), state, error)) return false;
+    state.registry = ParseRegistryExport(registry);
+    PurgeRecycle(state.prefix, state.recycleDays);
     return true;
 }
 

@@ -1,0 +1,78 @@
+#include <gtest/gtest.h>
+
+#include "platform/win/files.hpp"
+#include "platform/win/paths.hpp"
+#include "platform/win/recycle.hpp"
+#include "platform/win/whole_file.hpp"
+#include "prefix_fixture.hpp"
+
+namespace {
+
+namespace fs = std::filesystem;
+using Recycle = PrefixTest;
+
+TEST_F(Recycle, deleted_file_goes_to_the_recycle_folder_and_comes_back) {
+    WriteBytes("drives/d/x/a.dxf", "sheet");
+    ASSERT_TRUE(DeleteFileW(L"D:\\x\\a.dxf"));
+    EXPECT_FALSE(fs::exists(prefix_ / "drives/d/x/a.dxf"));
+    std::vector<RecycledFile> files = ListRecycle(prefix_);
+    ASSERT_EQ(files.size(), 1u);
+    EXPECT_EQ(files[0].original, "drives/d/x/a.dxf");
+    std::string error;
+    ASSERT_TRUE(RestoreRecycled(prefix_, files[0].item, error)) << error;
+    EXPECT_EQ(ReadBytes(prefix_ / "drives/d/x/a.dxf"), "sheet");
+}
+
+TEST_F(Recycle, copy_over_a_file_keeps_the_old_one_and_leaves_no_temporary) {
+    WriteBytes("drives/d/a.dxf", "old");
+    WriteBytes("drives/d/b.dxf", "new");
+    ASSERT_TRUE(CopyFileW(L"D:\\b.dxf", L"D:\\a.dxf", FALSE));
+    EXPECT_EQ(ReadBytes(prefix_ / "drives/d/a.dxf"), "new");
+    std::vector<RecycledFile> files = ListRecycle(prefix_);
+    ASSERT_EQ(files.size(), 1u);
+    EXPECT_EQ(ReadBytes(prefix_ / kRecycleFolderName / files[0].item), "old");
+    size_t entries = 0;
+    for (const auto& entry : fs::directory_iterator(prefix_ / "drives/d")) entries += entry.is_regular_file();
+    EXPECT_EQ(entries, 2u);
+}
+
+TEST_F(Recycle, second_version_of_one_path_is_kept_beside_the_first) {
+    WriteBytes("drives/d/a.dxf", "1");
+    ASSERT_TRUE(DeleteFileW(L"D:\\a.dxf"));
+    WriteBytes("drives/d/a.dxf", "2");
+    ASSERT_TRUE(DeleteFileW(L"D:\\a.dxf"));
+    std::vector<RecycledFile> files = ListRecycle(prefix_);
+    ASSERT_EQ(files.size(), 2u);
+    EXPECT_EQ(files[0].original, files[1].original);
+}
+
+TEST_F(Recycle, copy_onto_a_folder_fails_and_keeps_the_folder) {
+    WriteBytes("drives/d/b.dxf", "new");
+    fs::create_directories(prefix_ / "drives/d/a.dxf");
+    EXPECT_FALSE(CopyFileW(L"D:\\b.dxf", L"D:\\a.dxf", FALSE));
+    EXPECT_TRUE(fs::is_directory(prefix_ / "drives/d/a.dxf"));
+}
+
+TEST_F(Recycle, dot_dot_stops_at_the_drive_root) {
+    EXPECT_EQ(ResolvePath(L"D:\\..\\..\\..\\etc\\x"), prefix_ / "drives/d/etc/x");
+    EXPECT_EQ(ResolvePath(L"D:\\a\\..\\..\\b"), prefix_ / "drives/d/b");
+    EXPECT_EQ(ResolvePath(L"..\\..\\..\\..\\z"), prefix_ / "drives/c/z");
+}
+
+TEST_F(Recycle, whole_file_read_refuses_a_folder_and_a_device_naming_the_file) {
+    std::string bytes, error;
+    EXPECT_FALSE(ReadWholeFile(prefix_ / "drives", bytes, error));
+    EXPECT_NE(error.find("drives: is a folder"), std::string::npos) << error;
+    EXPECT_FALSE(ReadWholeFile("/dev/zero", bytes, error));
+    EXPECT_NE(error.find("/dev/zero: is not a regular file"), std::string::npos) << error;
+}
+
+TEST_F(Recycle, host_ini_that_is_a_folder_fails_to_open_the_prefix) {
+    fs::remove(prefix_ / kHostSettingsFileName);
+    fs::create_directories(prefix_ / kHostSettingsFileName);
+    std::string error;
+    EXPECT_FALSE(OpenPrefix(prefix_, error));
+    EXPECT_NE(error.find("host.ini: is a folder"), std::string::npos) << error;
+}
+
+}  // namespace
