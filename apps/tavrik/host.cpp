@@ -27,6 +27,7 @@
 #include "platform/win/messages.hpp"
 #include "platform/win/prefix.hpp"
 #include "platform/win/text.hpp"
+#include "run_report.hpp"
 #include "subcommands.hpp"
 
 namespace {
@@ -212,8 +213,10 @@ int RunHost(int argc, char** argv) {
     OpenHostDocument(drawing, L"Drawing1.dwg");
 
     bool ok = true;
+    BeginRunReport();
     if (LoadModules(options.modules, ok)) ok = RunCommandLine(source) && ok;
     else ok = false;
+    FinishRunReport();
     UnloadHostModules();
     acdbHostApplicationServices()->setWorkingDatabase(nullptr);
     delete drawing;
