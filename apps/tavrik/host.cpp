@@ -27,6 +27,7 @@
 #include "platform/win/messages.hpp"
 #include "platform/win/prefix.hpp"
 #include "platform/win/text.hpp"
+#include "run_report.hpp"
 #include "subcommands.hpp"
 
 namespace {
@@ -224,8 +225,10 @@ int RunHost(int argc, char** argv) {
     hostDrawing = drawing;
 
     bool ok = true;
+    BeginRunReport();
     if (LoadModules(options.modules, ok)) ok = RunCommandLine(source) && ok;
     else ok = false;
+    FinishRunReport();
     UnloadHostModules();
     acdbHostApplicationServices()->setWorkingDatabase(nullptr);
     delete drawing;
