@@ -27,8 +27,12 @@
 #include "platform/win/messages.hpp"
 #include "platform/win/prefix.hpp"
 #include "platform/win/text.hpp"
+<<<<<<< HEAD
 #include "platform/win/whole_file.hpp"
 #include "run_guard.hpp"
+=======
+#include "run_report.hpp"
+>>>>>>> main
 #include "subcommands.hpp"
 
 namespace {
@@ -241,8 +245,10 @@ int RunHost(int argc, char** argv) {
     hostDrawing = drawing;
 
     bool ok = true;
+    BeginRunReport();
     if (LoadModules(options.modules, ok)) ok = RunCommandLine(source) && ok;
     else ok = false;
+    FinishRunReport();
     UnloadHostModules();
     acdbHostApplicationServices()->setWorkingDatabase(nullptr);
     delete drawing;

@@ -49,6 +49,12 @@ Acad::ErrorStatus AcDbDatabase::readDwgFile(const ACHAR* fileName, int, bool, co
     return dxf::ReadDxfFile(*this, path);
 }
 
+namespace {
+dxf::DrawingSavedObserver savedObserver = nullptr;
+}  // namespace
+
+void dxf::SetDrawingSavedObserver(DrawingSavedObserver observer) { savedObserver = observer; }
+
 Acad::ErrorStatus AcDbDatabase::saveAs(const ACHAR* fileName) {
     if (fileName == nullptr) return Acad::eNoFileName;
     dxf::WriteOptions options;
@@ -69,7 +75,10 @@ Acad::ErrorStatus AcDbDatabase::saveAs(const ACHAR* fileName) {
         setLastError(std::wstring(fileName) + L":0: DXF008 " + dxf::Wide(reason));
         return Acad::eFileAccessErr;
     }
-    return dxf::WriteDxfFile(*this, target.string(), options);
+    std::string path = target.string();
+    Acad::ErrorStatus es = dxf::WriteDxfFile(*this, path, options);
+    if (es == Acad::eOk && savedObserver) savedObserver(*this, path);
+    return es;
 }
 
 Acad::ErrorStatus acdbSaveAs2004(AcDbDatabase* db, const ACHAR* fileName) {

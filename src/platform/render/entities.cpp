@@ -15,9 +15,11 @@
 #include "platform/db/mtext.hpp"
 #include "platform/db/point_entity.hpp"
 #include "platform/db/polyline.hpp"
+#include "platform/db/polyline_bulges.hpp"
 #include "platform/db/polyline_classic.hpp"
 #include "platform/db/spline.hpp"
 #include "platform/db/text.hpp"
+#include "platform/ge/path3d.hpp"
 #include "platform/render/canvas.hpp"
 
 namespace tavrik::render {
@@ -52,25 +54,26 @@ std::vector<AcGePoint3d> SampleCurve(const AcDbCurve& curve, int count) {
     return points;
 }
 
-// A lightweight polyline, segment by segment: straight ones need their ends only.
+// A lightweight polyline's segments in world coordinates of its block, built once (asking the
+// polyline for each point would rebuild its path every time).
+tavrik::ge::Path3d PathOf(const AcDbPolyline& polyline) {
+    return tavrik::ge::pathInPlane(tavrik::polyline_bulges::bulgePathOf(polyline), polyline.normal(),
+                                   polyline.elevation());
+}
+
+// Points along one segment: its ends for a straight one, arcSamples steps along an arc.
+void SampleSegment(const tavrik::ge::Path3d& path, size_t i, int arcSamples, std::vector<AcGePoint3d>& points) {
+    const auto& segment = path.segments[i];
+    int steps = segment.arc ? arcSamples : 1;
+    for (int k = points.empty() ? 0 : 1; k <= steps; ++k)
+        points.push_back(tavrik::ge::pointAt(segment, static_cast<double>(k) / steps));
+}
+
 std::vector<AcGePoint3d> SamplePolyline(const AcDbPolyline& polyline, int arcSamples) {
+    tavrik::ge::Path3d path = PathOf(polyline);
     std::vector<AcGePoint3d> points;
-    unsigned n = polyline.numVerts();
-    unsigned segments = polyline.isClosed() ? n : (n > 0 ? n - 1 : 0);
-    for (unsigned i = 0; i < segments; ++i) {
-        double bulge = 0.0;
-        polyline.getBulgeAt(i, bulge);
-        int steps = bulge == 0.0 ? 1 : arcSamples;
-        for (int k = i == 0 ? 0 : 1; k <= steps; ++k) {
-            AcGePoint3d p;
-            if (polyline.getPointAtParam(i + static_cast<double>(k) / steps, p) == Acad::eOk) points.push_back(p);
-        }
-    }
-    if (n == 1) {
-        AcGePoint3d p;
-        polyline.getPointAt(0, p);
-        points.push_back(p);
-    }
+    for (size_t i = 0; i < path.segments.size(); ++i) SampleSegment(path, i, arcSamples, points);
+    if (points.empty() && polyline.numVerts() > 0) points.push_back(path.first);
     return points;
 }
 
@@ -95,17 +98,11 @@ std::vector<AcGePoint3d> WideSegmentOutline(const std::vector<AcGePoint3d>& cent
 // A polyline with widths: each segment filled as its band (a segment of no width is stroked).
 void DrawWidePolyline(Canvas& canvas, const AcDbPolyline& polyline, const BlockContext& context,
                       const Pen& pen, int arcSamples) {
-    unsigned n = polyline.numVerts();
-    unsigned segments = polyline.isClosed() ? n : (n > 0 ? n - 1 : 0);
-    for (unsigned i = 0; i < segments; ++i) {
+    tavrik::ge::Path3d path = PathOf(polyline);
+    for (size_t i = 0; i < path.segments.size() && i < polyline.numVerts(); ++i) {
         const AcDbPolyline::Vertex& vertex = polyline.vertices()[i];
-        int steps = vertex.bulge == 0.0 ? 1 : arcSamples;
         std::vector<AcGePoint3d> points;
-        for (int k = 0; k <= steps; ++k) {
-            AcGePoint3d p;
-            if (polyline.getPointAtParam(i + static_cast<double>(k) / steps, p) == Acad::eOk) points.push_back(p);
-        }
-        if (points.size() < 2) continue;
+        SampleSegment(path, i, arcSamples, points);
         if (vertex.startWidth == 0.0 && vertex.endWidth == 0.0) StrokePath(canvas, context, pen, points, false);
         else FillPath(canvas, context, pen.color, {WideSegmentOutline(points, vertex.startWidth, vertex.endWidth)});
     }

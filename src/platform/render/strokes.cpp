@@ -29,7 +29,13 @@ std::vector<double> DeviceDashes(const Canvas& canvas, const BlockContext& conte
         total += px.back();
     }
     if (total < 2.0) return {};
-    for (size_t i = 0; i < px.size(); i += 2) px[i] = std::max(px[i], 1.0);
+    // Dots (zero-length dashes) become a pixel long, taken from the gap after them, so that
+    // the pattern keeps its length.
+    for (size_t i = 0; i + 1 < px.size(); i += 2) {
+        double widen = std::max(0.0, 1.0 - px[i]);
+        px[i] += widen;
+        px[i + 1] = std::max(0.0, px[i + 1] - widen);
+    }
     return px;
 }
 

@@ -12,8 +12,9 @@ using namespace rendertest;
 namespace render = tavrik::render;
 
 const std::string kLayers =
-    "0\nTABLE\n2\nLTYPE\n70\n2\n0\nLTYPE\n2\nCONTINUOUS\n70\n0\n3\n\n72\n65\n73\n0\n40\n0\n"
-    "0\nLTYPE\n2\nDASHED\n70\n0\n3\n\n72\n65\n73\n2\n40\n6\n49\n4\n49\n-2\n0\nENDTAB\n"
+    "0\nTABLE\n2\nLTYPE\n70\n3\n0\nLTYPE\n2\nCONTINUOUS\n70\n0\n3\n\n72\n65\n73\n0\n40\n0\n"
+    "0\nLTYPE\n2\nDASHED\n70\n0\n3\n\n72\n65\n73\n2\n40\n6\n49\n4\n49\n-2\n"
+    "0\nLTYPE\n2\nDOTS\n70\n0\n3\n\n72\n65\n73\n2\n40\n4\n49\n0\n49\n-4\n0\nENDTAB\n"
     "0\nTABLE\n2\nLAYER\n70\n3\n0\nLAYER\n2\n0\n70\n0\n62\n7\n6\nCONTINUOUS\n"
     "0\nLAYER\n2\nRED\n70\n0\n62\n1\n6\nCONTINUOUS\n0\nLAYER\n2\nOFF\n70\n0\n62\n-3\n6\nCONTINUOUS\n"
     "0\nLAYER\n2\nFROZEN\n70\n1\n62\n3\n6\nCONTINUOUS\n0\nENDTAB\n";
@@ -147,6 +148,13 @@ TEST(RenderLinetypes, dashed_line_leaves_gaps_at_its_scale) {
     EXPECT_EQ(InkRuns(picture, 30), 14);
     EXPECT_EQ(InkRuns(picture, 70), 4);
     EXPECT_EQ(InkRuns(picture, 50), 0);
+}
+
+TEST(RenderLinetypes, dotted_line_draws_a_dot_each_pattern) {
+    Rendered r = Render("dots", Dxf(kLayers, kFrame + Line("0", 50, "6\nDOTS\n")), Light());
+    ASSERT_EQ(r.status, 0);
+    // 80 units of a 4-unit pattern of a dot and a gap: 20 dots, each a pixel taken from its gap.
+    EXPECT_EQ(InkRuns(Picture(r.png), 50), 20);
 }
 
 int InkRows(const Picture& picture, int x) {

@@ -133,7 +133,12 @@ def hatches():
                    (10, 70), (20, 20), (97, 0),
                    (75, 0), (76, 1), (52, 0), (41, 1), (77, 0), (78, 1),
                    (53, 45), (43, 0), (44, 0), (45, -2.2), (46, 2.2), (79, 0), (98, 0))
-    return drawing(solid + pattern)
+    # A solid hatch bounded by half an ellipse (an ellipse edge, clockwise) and its axis.
+    ellipse = tags((0, "HATCH"), (8, "0"), (62, 5), (10, 0), (20, 0), (30, 0), (2, "SOLID"), (70, 1), (71, 0),
+                   (91, 1), (92, 1), (93, 2),
+                   (72, 3), (10, 20), (20, -20), (11, 20), (21, 0), (40, 0.5), (50, 180), (51, 360), (73, 0),
+                   (72, 1), (10, 40), (20, -20), (11, 0), (21, -20), (97, 0), (75, 0), (76, 1), (98, 0))
+    return drawing(solid + pattern + ellipse)
 
 
 SCENES = {"curves": curves, "texts": texts, "blocks": blocks, "dimension": dimension, "hatches": hatches}
