@@ -27,12 +27,9 @@
 #include "platform/win/messages.hpp"
 #include "platform/win/prefix.hpp"
 #include "platform/win/text.hpp"
-<<<<<<< HEAD
 #include "platform/win/whole_file.hpp"
 #include "run_guard.hpp"
-=======
 #include "run_report.hpp"
->>>>>>> main
 #include "subcommands.hpp"
 
 namespace {
