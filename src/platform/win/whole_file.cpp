@@ -24,7 +24,6 @@ bool ReadWholeFile(const std::filesystem::path& file, std::string& bytes, std::s
     bool ok = false;
     if (::fstat(fd, &info) != 0) Fail(file, std::strerror(errno), error);
     else if (S_ISDIR(info.st_mode)) Fail(file, "is a folder, not a file", error);
-    else if (!S_ISREG(info.st_mode)) Fail(file, "is not a regular file", error);
     else if (static_cast<std::size_t>(info.st_size) > limit) Fail(file, "is larger than " + std::to_string(limit) + " bytes", error);
     else ok = true;
     char buffer[65536];
@@ -33,7 +32,7 @@ bool ReadWholeFile(const std::filesystem::path& file, std::string& bytes, std::s
         if (n == 0) break;
         if (n < 0 && errno == EINTR) continue;
         if (n < 0) ok = Fail(file, std::strerror(errno), error);
-        else if (bytes.size() + static_cast<std::size_t>(n) > limit) ok = Fail(file, "grew while it was read", error);
+        else if (bytes.size() + static_cast<std::size_t>(n) > limit) ok = Fail(file, "is larger than " + std::to_string(limit) + " bytes", error);
         else bytes.append(buffer, static_cast<std::size_t>(n));
     }
     ::close(fd);

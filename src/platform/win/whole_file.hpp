@@ -1,7 +1,7 @@
 #pragma once
 // Reading a whole small file (a script, host.ini, registry.reg) with an error that names the
-// file and the reason: a folder, a device, a file too large or unreadable is refused, never
-// read without end.
+// file and the reason: a folder, a file too large or unreadable is refused; a device is read
+// up to the limit (an empty script from /dev/null), never without end.
 #include <cstddef>
 #include <filesystem>
 #include <string>
