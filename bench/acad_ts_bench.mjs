@@ -11,7 +11,8 @@ for (let i = 0; i < repeat; ++i) {
   const buffer = fs.readFileSync(process.argv[3]);
   const bytes = buffer.buffer.slice(buffer.byteOffset, buffer.byteOffset + buffer.byteLength);
   const doc = DwgReader.readFromStream(bytes, () => {});
-  count = doc.modelSpace.entities.length;
+  count = 0;
+  for (const _ of doc.modelSpace.entities) ++count;
 }
 const seconds = Number(process.hrtime.bigint() - start) / 1e9 / repeat;
 const peak = process.resourceUsage().maxRSS / 1024;

@@ -14,7 +14,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 "$build/bench/dwg_bench" "$file" "$version" "$repeat" | tee "$work/tavrik.txt"
 node "$root/bench/acad_ts_bench.mjs" "$root/build-oracle" "$file" "$repeat" | tee "$work/acad.txt"
-awk '{ r[FILENAME] = $3; m[FILENAME] = $7 }
+awk '{ r[FILENAME] = $3; m[FILENAME] = $8 }
      END { t = ARGV[1]; a = ARGV[2];
            printf "acad-ts / tavrik: read %.1fx, peak memory %.1fx\n", r[a] / r[t], m[a] / m[t] }' \
     "$work/tavrik.txt" "$work/acad.txt"
