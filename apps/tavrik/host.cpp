@@ -27,6 +27,7 @@
 #include "platform/win/messages.hpp"
 #include "platform/win/prefix.hpp"
 #include "platform/win/text.hpp"
+#include "run_report.hpp"
 #include "subcommands.hpp"
 
 namespace {
@@ -107,8 +108,19 @@ ReadResult NextLine(LineSource& source, const std::wstring& prompt, long long ti
     return ReadResult::kLine;
 }
 
+// The host's own document drawing; a module that fails inside a drawing of its own leaves that
+// drawing as the working database.
+const AcDbDatabase* hostDrawing = nullptr;
+
+// " while processing FILE" when the working database is a drawing other than the host's own.
+std::wstring DrawingInProcess() {
+    const AcDbDatabase* working = acdbHostApplicationServices()->workingDatabase();
+    if (!working || working == hostDrawing || working->filename().empty()) return L"";
+    return L" while processing " + working->filename();
+}
+
 void ReportFailure(const std::wstring& what, const char* reason) {
-    WriteConsoleText(stderr, L"tavrik: " + what + L" failed: " + WideFromUtf8(reason) + L"\n");
+    WriteConsoleText(stderr, L"tavrik: " + what + L" failed" + DrawingInProcess() + L": " + WideFromUtf8(reason) + L"\n");
 }
 
 // Runs `body`, reporting an exception that escapes it; false when one did.
@@ -210,10 +222,13 @@ int RunHost(int argc, char** argv) {
     auto* drawing = new AcDbDatabase(true, false);
     acdbHostApplicationServices()->setWorkingDatabase(drawing);
     OpenHostDocument(drawing, L"Drawing1.dwg");
+    hostDrawing = drawing;
 
     bool ok = true;
+    BeginRunReport();
     if (LoadModules(options.modules, ok)) ok = RunCommandLine(source) && ok;
     else ok = false;
+    FinishRunReport();
     UnloadHostModules();
     acdbHostApplicationServices()->setWorkingDatabase(nullptr);
     delete drawing;

@@ -140,6 +140,7 @@ ClassInterfaceData* RunFirstCleanups(AcDbDatabase* db) {
     cleanup->SetLogPath(kLogLogPath);
     cleanup->SetUserPath(userPath);
     cleanup->FunCoorToZero();
+    cleanup->FunChangeColor();
     return cleanup;
 }
 
@@ -147,6 +148,19 @@ void RunLastCleanups(ClassInterfaceData* cleanup) {
     cleanup->FunDeleteSmallLineAndPoint();
     cleanup->FunUpLineScale();
     cleanup->FunLineWidthToZero();
+}
+
+// Replaces the marked holes by their symbols; a drawing without points has no hole work at all.
+void SubstituteDrawingHoles(ModuleState& state, const AcArray<tPt>& drawingPoints, const std::wstring& path) {
+    if (drawingPoints.isEmpty()) return;
+    AppendLogText(L"换孔\n", kCgLogPath);
+    std::wstring configPath = GetConfigRoot() + L"\\CAD\\CAD_hole.ini";
+    HoleSubstitution holes(drawingPoints, configPath);
+    holes.ReadHoleConfig(configPath);
+    AppendLogText(L"准备 换孔\n", kCgLogPath);
+    AppendLogInt(state.cadStandardIni.sundry.SUBCIR ? 1 : 0, kCgLogPath);
+    AppendLogText(L"\n", kCgLogPath);
+    if (state.cadStandardIni.sundry.SUBCIR) holes.SubstituteHoles(state.CurrentDatabase, path, state.targetLayer);
 }
 
 // Ends the drawing: the former working database comes back and the drawing's goes.
@@ -201,6 +215,7 @@ void ProcessDrawing(const std::wstring& path) {
     acedSetStatusBarProgressMeter(message.c_str(), 0, sheetMarkers.length());
     for (int i = 0; i < sheetMarkers.length(); ++i) ProcessSheet(state, sheetMarkers[i], i);
     db->updateExt(false);
+    SubstituteDrawingHoles(state, drawingPoints, path);
 
     acdbHostApplicationServices()->setWorkingDatabase(db);
     ConvertLayersByTable(db);

@@ -142,10 +142,12 @@ class Standard:
         number = wtoi(title.rsplit("-", 1)[1].strip())
         return next((layer for n, layer in self.fill_layers if wtoi(n) == number), None)
 
-    def layer_of(self, entity, target):
+    def layer_of(self, entity, target, colour_index=None):
         layer = entity.dxf.layer.upper()
+        if colour_index is None:
+            colour_index = entity.dxf.get("color", 256)
         if target is not None:
-            colour = next((suffix for c, suffix in self.colour_rows if c == entity.dxf.get("color", 256)), None)
+            colour = next((suffix for c, suffix in self.colour_rows if c == colour_index), None)
             if colour is not None:
                 layer = target + colour
             elif layer not in self.kept | {target}:
@@ -177,7 +179,33 @@ def cleaned_signature(entity, settings, standard, target):
         points = (tuple(round(v, 6) for v in centre), round(entity.dxf.radius, 6))
     if kind in ("LINE", "CIRCLE", "ARC"):
         points = tuple(p[:2] + (0.0,) if isinstance(p, tuple) else p for p in points)
-    return (kind, standard.layer_of(entity, target), points)
+    return (kind, standard.layer_of(entity, target, changed_colour(entity, settings)), points)
+
+
+def nearest_colour_index(rgb):
+    """The palette index 1 to 254 nearest to an RGB triple by the sum of byte differences."""
+    from ezdxf.colors import aci2rgb
+    return min(range(1, 255), key=lambda i: (sum(abs(a - b) for a, b in zip(aci2rgb(i), rgb)), i))
+
+
+def rgb_of(text):
+    numbers = [int(n) if n.isdigit() else 0 for n in text.split()] + [0, 0, 0]
+    return tuple(n & 255 for n in numbers[:3])
+
+
+def changed_colour(entity, settings):
+    """The entity's colour after the colour table of [ModifyColor]: the first rule whose old
+    colour is the entity's (its layer's for ByLayer) gives the new colour as its own."""
+    rules = re.findall(r'\{"ColorOld":"([^"]*)","ColorNew":"([^"]*)"\}',
+                       settings.get("ModifyColor", {}).get("StrChangeColor", ""))
+    own = entity.dxf.get("color", 256)
+    shown = own
+    if own == 256 and entity.doc is not None and entity.dxf.layer in entity.doc.layers:
+        shown = abs(entity.doc.layers.get(entity.dxf.layer).dxf.color)
+    for old, new in rules:
+        if old and new and nearest_colour_index(rgb_of(old)) == shown:
+            return nearest_colour_index(rgb_of(new))
+    return own
 
 
 def part_geometry(paths, settings, standard):

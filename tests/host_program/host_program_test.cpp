@@ -94,6 +94,15 @@ TEST_F(HostProgram, ExceptionEscapingACommandIsReportedWithItsNameAndTheHostGoes
     EXPECT_NE(run.output.find("hello C"), std::string::npos);
 }
 
+TEST_F(HostProgram, ExceptionInsideAModulesDrawingNamesTheDrawingAndTheRunFails) {
+    Outcome run = RunScript("THROWINDRAWING\nHELLO\nC\n");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_NE(run.output.find("command THROWINDRAWING failed while processing D:\\WORK\\PLATE.dwg: Invalid argument"),
+              std::string::npos)
+        << run.output;
+    EXPECT_NE(run.output.find("hello C"), std::string::npos);
+}
+
 TEST_F(HostProgram, TimerArmedByACommandClosesTheHostBeforeLaterInputIsRead) {
     // The pipe stays open for a while and then offers a command that would fail: the host
     // must have been closed by the timer before that line arrives.

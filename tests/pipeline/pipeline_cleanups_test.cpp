@@ -94,3 +94,33 @@ TEST_F(PipelineCleanups, tool_log_is_taken_only_when_it_exists) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST_F(PipelineCleanups, colour_table_recolours_the_drawing_before_the_save) {
+    WriteCadLine(L"[ModifyColor]\r\nStrChangeColor=[{\"ColorOld\":\"255 0 0\",\"ColorNew\":\"0 255 0\"}]\r\n");
+    SaveDrawing(path_, [](AcDbDatabase& db) {
+        AddSheet(db, AcGePoint3d(0, 0, 0));
+        AcDbObjectId id = Add(db, new AcDbLine(AcGePoint3d(50, 50, 0), AcGePoint3d(150, 50, 0)), L"PART");
+        AcDbEntity* entity = nullptr;
+        acdbOpenAcDbEntity(entity, id, AcDb::kForWrite);
+        entity->setColorIndex(1);
+        entity->close();
+    });
+    ProcessDrawing(path_);
+    auto db = ReadDrawing(path_);
+    int red = 0, green = 0;
+    for (const AcDbObjectId& id : ModelSpaceIds(*db)) {
+        AcDbEntity* entity = nullptr;
+        acdbOpenAcDbEntity(entity, id, AcDb::kForRead);
+        if (AcDbLine::cast(entity) && entity->layer() == L"PART") {
+            red += entity->colorIndex() == 1;
+            green += entity->colorIndex() == 3;
+        }
+        entity->close();
+    }
+    EXPECT_EQ(red, 0);
+    EXPECT_EQ(green, 1);
+}
+
+}  // namespace

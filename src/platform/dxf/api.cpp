@@ -28,11 +28,20 @@ Acad::ErrorStatus AcDbDatabase::readDwgFile(const ACHAR* fileName, int, bool, co
     return dxf::ReadDxfFile(*this, path);
 }
 
+namespace {
+dxf::DrawingSavedObserver savedObserver = nullptr;
+}  // namespace
+
+void dxf::SetDrawingSavedObserver(DrawingSavedObserver observer) { savedObserver = observer; }
+
 Acad::ErrorStatus AcDbDatabase::saveAs(const ACHAR* fileName) {
     if (fileName == nullptr) return Acad::eNoFileName;
     dxf::WriteOptions options;
     options.codePage = static_cast<int>(HostCodePage());  // the host writes in its ANSI code page
-    return dxf::WriteDxfFile(*this, ResolvePath(fileName).string(), options);
+    std::string path = ResolvePath(fileName).string();
+    Acad::ErrorStatus es = dxf::WriteDxfFile(*this, path, options);
+    if (es == Acad::eOk && savedObserver) savedObserver(*this, path);
+    return es;
 }
 
 Acad::ErrorStatus acdbSaveAs2004(AcDbDatabase* db, const ACHAR* fileName) {

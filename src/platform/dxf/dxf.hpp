@@ -46,6 +46,11 @@ Acad::ErrorStatus WriteDxfText(AcDbDatabase& db, const WriteOptions& options, st
 Acad::ErrorStatus WriteDxfFile(AcDbDatabase& db, const std::string& path,
                                const WriteOptions& options);
 
+// Told of every drawing that AcDbDatabase::saveAs has written (the database and the file):
+// the host program's run report watches the batch's saves through it. None by default.
+using DrawingSavedObserver = void (*)(AcDbDatabase& db, const std::string& path);
+void SetDrawingSavedObserver(DrawingSavedObserver observer);
+
 // The version's $ACADVER name ("AC1018") and back.
 std::string VersionName(AcDb::AcDbDwgVersion version);
 AcDb::AcDbDwgVersion VersionFromName(std::string_view name);

@@ -623,7 +623,7 @@ void ReadMText(AcDbMText& e, const AcDbRawTags& tags, AcDbDatabase& db) {
             case 1: last = s; break;
             case 7: e.setTextStyle(StyleId(db, db.textStyleTableId(), Wide(s))); break;
             case 44: e.setLineSpacingFactor(Real(s)); break;
-            case 50: rotation = Real(s); break;
+            case 50: rotation = Real(s) / kDegrees; break;  // degrees, as for every other angle
             default: break;
         }
     });

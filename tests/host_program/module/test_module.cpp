@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "platform/db/database.hpp"
 #include "platform/ed/commands.hpp"
 #include "platform/ed/documents.hpp"
 #include "platform/ed/input.hpp"
@@ -24,6 +25,15 @@ void Hello() {
 
 void Throw() { throw std::runtime_error("boom"); }
 
+// Fails while a drawing of its own is the working database, as the batch does on a bad
+// configuration row; the drawing stays open.
+void ThrowInDrawing() {
+    auto* drawing = new AcDbDatabase(true, false);
+    drawing->setFilename(L"D:\\WORK\\PLATE.dwg");
+    acdbHostApplicationServices()->setWorkingDatabase(drawing);
+    throw std::invalid_argument("Invalid argument");
+}
+
 void QuitTimerProc(HWND, UINT, UINT_PTR, DWORD) {
     acutPrintf(L"closing\n");
     SendMessageW(adsw_acadMainWnd(), WM_CLOSE, 0, 0);
@@ -34,11 +44,12 @@ void ArmQuit() { SetTimer(nullptr, 1, 100, QuitTimerProc); }
 void Register() {
     acedRegCmds->addCommand(kGroup, L"_Hello", L"HELLO", ACRX_CMD_MODAL, Hello);
     acedRegCmds->addCommand(kGroup, L"_Throw", L"THROW", ACRX_CMD_MODAL, Throw);
+    acedRegCmds->addCommand(kGroup, L"_ThrowInDrawing", L"THROWINDRAWING", ACRX_CMD_MODAL, ThrowInDrawing);
     acedRegCmds->addCommand(kGroup, L"_ArmQuit", L"ARMQUIT", ACRX_CMD_SESSION, ArmQuit);
 }
 
 void Unregister() {
-    for (const ACHAR* name : {L"_Hello", L"_Throw", L"_ArmQuit"}) acedRegCmds->removeCmd(kGroup, name);
+    for (const ACHAR* name : {L"_Hello", L"_Throw", L"_ThrowInDrawing", L"_ArmQuit"}) acedRegCmds->removeCmd(kGroup, name);
     acutPrintf(L"unloaded\n");
 }
 

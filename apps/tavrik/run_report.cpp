@@ -1,0 +1,305 @@
+// What the host observes of a batch: the hand-off's drawings before the module touches them,
+// each drawing and the merged one when the batch saves it, and the lines of Cg.log.
+#include "run_report.hpp"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cctype>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+
+#include "platform/db/block_reference.hpp"
+#include "platform/db/block_table_record.hpp"
+#include "platform/db/database.hpp"
+#include "platform/db/dimension.hpp"
+#include "platform/db/point_entity.hpp"
+#include "platform/dxf/dxf.hpp"
+#include "platform/dxf/model.hpp"
+#include "platform/render/render.hpp"
+#include "platform/win/codepage.hpp"
+#include "platform/win/crt.hpp"
+#include "platform/win/paths.hpp"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// The logs' folder, where Cg.log is written, and the hand-off below LOCALAPPDATA.
+constexpr const wchar_t* kLogFolder = L"D:\\Mytool\\cad\\";
+constexpr const char* kViewLayers[] = {"FRONT", "LEFT", "TOP"};
+// A hole mark and the symbol put there share their position within this distance.
+constexpr double kSamePosition = 0.01;
+
+// Positions and boxes the report compares between a drawing before and after the batch.
+struct DrawingFacts {
+    std::vector<AcGePoint3d> points;
+    std::vector<AcGePoint3d> insertPositions;
+    std::vector<AcGePoint3d> dimensionCentres;  // where their texts stand
+    std::map<std::string, tavrik::render::Window> viewBoxes;
+};
+
+struct Watch {
+    bool active = false;
+    fs::path handOffLog;
+    fs::path mergedFolder;
+    fs::path cgLog;
+    std::uintmax_t cgLogStart = 0;
+    std::chrono::steady_clock::time_point lastSave;     // the end of the last save seen
+    std::chrono::steady_clock::time_point drawingStart;  // the last save of another drawing
+    int currentDrawing = -1;
+    double observingSeconds = 0.0;  // the report's own work during the current drawing
+    RunReport report;
+    std::vector<DrawingFacts> factsBefore;
+};
+
+Watch& TheWatch() {
+    static Watch watch;
+    return watch;
+}
+
+std::string ReadBytes(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+}
+
+std::string Lower(std::string text) {
+    for (auto& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return text;
+}
+
+void Widen(tavrik::render::Window& box, const AcDbExtents& e, bool first) {
+    if (first) box = {e.minPoint().x, e.minPoint().y, e.maxPoint().x, e.maxPoint().y};
+    box.x0 = std::min(box.x0, e.minPoint().x);
+    box.y0 = std::min(box.y0, e.minPoint().y);
+    box.x1 = std::max(box.x1, e.maxPoint().x);
+    box.y1 = std::max(box.y1, e.maxPoint().y);
+}
+
+void NoteEntity(const AcDbEntity& entity, DrawingFacts& facts) {
+    if (const AcDbPoint* point = AcDbPoint::cast(&entity)) facts.points.push_back(point->position());
+    if (const AcDbBlockReference* reference = AcDbBlockReference::cast(&entity))
+        facts.insertPositions.push_back(reference->position());
+    if (const AcDbDimension* dimension = AcDbDimension::cast(&entity))
+        facts.dimensionCentres.push_back(dimension->textPosition());
+    AcDbExtents box;
+    std::string layer = dxf::Utf8(entity.layer());
+    for (const char* view : kViewLayers) {
+        if (Lower(layer) != Lower(view) || entity.getGeomExtents(box) != Acad::eOk) continue;
+        bool first = !facts.viewBoxes.count(view);
+        Widen(facts.viewBoxes[view], box, first);
+    }
+}
+
+DrawingFacts FactsOf(const AcDbDatabase& db) {
+    DrawingFacts facts;
+    AcDbBlockTableRecord* space = nullptr;
+    if (acdbOpenObject(space, db.modelSpaceId(), AcDb::kForRead) != Acad::eOk) return facts;
+    AcDbObjectIdArray ids = space->entityIds();
+    space->close();
+    for (AcDbObjectId id : ids) {
+        AcDbEntity* entity = nullptr;
+        if (acdbOpenAcDbEntity(entity, id, AcDb::kForRead) != Acad::eOk) continue;
+        NoteEntity(*entity, facts);
+        entity->close();
+    }
+    return facts;
+}
+
+std::string Preview(const AcDbDatabase& db, const std::string& name) {
+    const char* tmp = std::getenv("TMPDIR");
+    fs::path file = fs::path(tmp ? tmp : "/tmp") / ("tavrik-report-" + std::to_string(::getpid()) + "-" + name + ".png");
+    tavrik::render::Options options;
+    options.width = 800;
+    options.height = 600;
+    std::string error;
+    if (tavrik::render::RenderDrawing(db, file.string(), options, error) != 0) return {};
+    std::string bytes = ReadBytes(file);
+    std::error_code ignored;
+    fs::remove(file, ignored);
+    return bytes;
+}
+
+double DistanceToBox(const AcGePoint3d& p, const tavrik::render::Window& box) {
+    double dx = std::max({box.x0 - p.x, 0.0, p.x - box.x1});
+    double dy = std::max({box.y0 - p.y, 0.0, p.y - box.y1});
+    return std::hypot(dx, dy);
+}
+
+// Dimensions per view: each dimension belongs to the view whose box is nearest its text.
+std::map<std::string, int> DimensionsPerView(const DrawingFacts& facts, const DrawingFacts& views) {
+    std::map<std::string, int> counts;
+    for (const auto& [view, box] : views.viewBoxes) counts[view] = 0;
+    for (const AcGePoint3d& text : facts.dimensionCentres) {
+        const std::string* nearest = nullptr;
+        double best = 0.0;
+        for (const auto& [view, box] : views.viewBoxes) {
+            double d = DistanceToBox(text, box);
+            if (!nearest || d < best) nearest = &view, best = d;
+        }
+        if (nearest) ++counts[*nearest];
+    }
+    return counts;
+}
+
+// Dimensions that the batch added per view (the views' boxes are the export's); holes
+// replaced: hole marks (the export's points) where a block (the symbol) stands after.
+void CompareFacts(const DrawingFacts& before, const DrawingFacts& after, DrawingReport& drawing) {
+    std::map<std::string, int> was = DimensionsPerView(before, before), is = DimensionsPerView(after, before);
+    for (const auto& [view, n] : is) drawing.dimensionsPerView[view] = n - was[view];
+    drawing.holesReplaced = static_cast<int>(std::count_if(before.points.begin(), before.points.end(), [&](const AcGePoint3d& p) {
+        return std::any_of(after.insertPositions.begin(), after.insertPositions.end(),
+                           [&](const AcGePoint3d& q) { return p.distanceTo(q) <= kSamePosition; });
+    }));
+}
+
+void OnSaved(AcDbDatabase& db, const std::string& written) {
+    Watch& watch = TheWatch();
+    fs::path file = fs::path(written).lexically_normal();
+    auto now = std::chrono::steady_clock::now();
+    for (size_t i = 0; i < watch.report.drawings.size(); ++i) {
+        DrawingReport& drawing = watch.report.drawings[i];
+        if (drawing.file != file) continue;
+        // A drawing is saved more than once (the version conversion rewrites it first): its
+        // time runs from the last save of the drawing before it to its own last save.
+        if (watch.currentDrawing != static_cast<int>(i)) {
+            watch.drawingStart = watch.lastSave;
+            watch.observingSeconds = 0.0;
+        }
+        watch.currentDrawing = static_cast<int>(i);
+        drawing.finished = true;
+        drawing.seconds = std::chrono::duration<double>(now - watch.drawingStart).count() - watch.observingSeconds;
+        drawing.after = SummarizeDrawing(db);
+        drawing.previewAfter = Preview(db, "after-" + std::to_string(i));
+        CompareFacts(watch.factsBefore[i], FactsOf(db), drawing);
+        watch.lastSave = std::chrono::steady_clock::now();
+        watch.observingSeconds += std::chrono::duration<double>(watch.lastSave - now).count();
+        return;
+    }
+    if (file.parent_path() == watch.mergedFolder) {
+        watch.report.mergedSeen = true;
+        watch.report.mergedPath = file.string();
+        watch.report.merged = SummarizeDrawing(db);
+        watch.report.mergedPreview = Preview(db, "merged");
+    }
+}
+
+std::vector<std::wstring> Lines(const std::wstring& text) {
+    std::vector<std::wstring> lines;
+    std::wstringstream in(text);
+    std::wstring line;
+    while (std::getline(in, line)) {
+        if (!line.empty() && line.back() == L'\r') line.pop_back();
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+// The part's drawings: the hand-off's files of its extension whose stem begins with the part's.
+std::vector<fs::path> PartDrawings(const fs::path& folder, const std::wstring& partFile) {
+    std::wstring stem = partFile.substr(0, partFile.rfind(L'.'));
+    std::wstring ext = partFile.substr(partFile.rfind(L'.') + 1);
+    std::vector<fs::path> files;
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator(folder, error)) {
+        std::string name = Lower(entry.path().filename().string());
+        std::string wantStem = Lower(dxf::Utf8(stem)), wantExt = "." + Lower(dxf::Utf8(ext));
+        if (name.rfind(wantStem, 0) == 0 && name.size() > wantExt.size() &&
+            name.compare(name.size() - wantExt.size(), wantExt.size(), wantExt) == 0)
+            files.push_back(entry.path().lexically_normal());
+    }
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
+void NoteDrawingBefore(Watch& watch, const fs::path& file) {
+    DrawingReport drawing;
+    drawing.name = file.filename().string();
+    drawing.file = file;
+    AcDbDatabase db(false, true);
+    DrawingFacts facts;
+    if (dxf::ReadDxfFile(db, file.string()) == Acad::eOk) {
+        drawing.before = SummarizeDrawing(db);
+        drawing.previewBefore = Preview(db, "before-" + std::to_string(watch.report.drawings.size()));
+        facts = FactsOf(db);
+    }
+    watch.report.drawings.push_back(std::move(drawing));
+    watch.factsBefore.push_back(std::move(facts));
+}
+
+// Cg.log's lines that the batch wrote, each drawing's from its "开始处理" line on.
+void AssignLogLines(Watch& watch) {
+    std::string bytes = ReadBytes(watch.cgLog);
+    if (watch.cgLogStart <= bytes.size()) bytes.erase(0, watch.cgLogStart);
+    DrawingReport* current = nullptr;
+    for (const std::wstring& line : Lines(DecodeTextBytes(bytes))) {
+        size_t start = line.find(L"开始处理");
+        if (start != std::wstring::npos) {
+            for (DrawingReport& drawing : watch.report.drawings)
+                if (line.find(dxf::Wide(drawing.name), start) != std::wstring::npos) current = &drawing;
+        }
+        if (!current) continue;
+        current->logLines.push_back(dxf::Utf8(line));
+        if (line.find(L"查找图框") != std::wstring::npos) ++current->sheets;
+        size_t frame = line.find(L"图框名为:");
+        if (frame != std::wstring::npos) {
+            std::wstring rest = line.substr(frame + 5);
+            size_t end = Lower(dxf::Utf8(rest)).find(".dwg");
+            std::string name = dxf::Utf8(rest);
+            current->frames.push_back(end == std::string::npos ? name : name.substr(0, end + 4));
+        }
+    }
+}
+
+bool WriteReplacing(const fs::path& target, const std::string& bytes) {
+    fs::path temporary = target;
+    temporary += ".part";
+    {
+        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
+        out << bytes;
+        if (!out) return false;
+    }
+    std::error_code error;
+    fs::rename(temporary, target, error);
+    return !error;
+}
+
+}  // namespace
+
+void BeginRunReport() {
+    Watch& watch = TheWatch();
+    const char* localAppData = crt::getenv("LOCALAPPDATA");
+    fs::path handOff = ResolvePath(WideFromAnsi(std::string(localAppData ? localAppData : "") + "\\Convert\\"));
+    watch.handOffLog = handOff / "ugm.log";
+    std::vector<std::wstring> ugm = Lines(DecodeTextBytes(ReadBytes(watch.handOffLog)));
+    if (ugm.size() < 2 || ugm[1].find(L'.') == std::wstring::npos) return;
+    watch.active = true;
+    watch.mergedFolder = ResolvePath(ugm[0]).lexically_normal();
+    if (!watch.mergedFolder.has_filename()) watch.mergedFolder = watch.mergedFolder.parent_path();
+    watch.cgLog = ResolvePath(kLogFolder) / "Cg.log";
+    std::error_code error;
+    watch.cgLogStart = fs::exists(watch.cgLog, error) ? fs::file_size(watch.cgLog, error) : 0;
+    // Line 2 names the part as a file: its stem and extension (the folder before them is the
+    // hand-off's).
+    std::wstring partFile = ugm[1].substr(ugm[1].find_last_of(L"\\/") + 1);
+    for (const fs::path& file : PartDrawings(handOff, partFile)) NoteDrawingBefore(watch, file);
+    dxf::SetDrawingSavedObserver(OnSaved);
+    watch.lastSave = std::chrono::steady_clock::now();
+}
+
+void FinishRunReport() {
+    Watch& watch = TheWatch();
+    dxf::SetDrawingSavedObserver(nullptr);
+    std::error_code error;
+    // A batch that stopped early leaves its hand-off: no report then.
+    if (!watch.active || fs::exists(watch.handOffLog, error)) return;
+    AssignLogLines(watch);
+    fs::path folder = watch.cgLog.parent_path();
+    fs::create_directories(folder, error);
+    bool ok = WriteReplacing(folder / "report.json", ReportJson(watch.report)) &&
+              WriteReplacing(folder / "report.html", ReportHtml(watch.report));
+    if (!ok) std::fprintf(stderr, "tavrik: cannot write the run report in %s\n", folder.c_str());
+}

@@ -1,0 +1,226 @@
+// Holes replaced by their symbols: the marker point's layer picks the type, the smallest circle
+// the row, the dashed smallest and largest circles the symbol.
+#include <gtest/gtest.h>
+
+#include "batch_fixture.hpp"
+#include "platform/db/point_entity.hpp"
+#include "platform/win/codepage.hpp"
+#include "standard/hole_substitution.hpp"
+
+namespace {
+
+constexpr const wchar_t* kIni = L"D:\\MYTOOL\\CAD\\CAD_hole.ini";
+constexpr const wchar_t* kDrawing = L"D:\\WORK\\PLATE.dwg";
+
+class HoleSubstitutionTest : public BatchTest {
+protected:
+    void SetUp() override {
+        BatchTest::SetUp();
+        WriteText(kDrawing, L"x");
+        for (const wchar_t* name : {L"D1", L"S1", L"BD", L"BS", L"DS", L"SD", L"T3A", L"T3B"}) SaveSymbol(name);
+    }
+    // A symbol drawing of one line on layer SYMBOL in colour 3, its text the symbol's name.
+    static void SaveSymbol(const std::wstring& name) {
+        SaveDrawing(L"D:\\HOLES\\" + name + L".dwg", [&](AcDbDatabase& db) {
+            Modify(Add(db, new AcDbText(AcGePoint3d(0, 0, 0), name), L"SYMBOL"),
+                   [](AcDbEntity* text) { text->setColorIndex(3); });
+        });
+    }
+    void WriteIni(const std::wstring& rows) {
+        WriteText(kIni, L"[BLKPATH]\r\nBLKPATH,D:\\HOLES\\\r\n[DASHL]\r\nHIDDEN,DASHED\r\n[TYPE1]\r\nLAYER,H1\r\n" + rows);
+    }
+    AcDbObjectId Circle(const AcGePoint3d& center, double diameter, bool dashed = false,
+                        const std::wstring& layer = L"PART") {
+        AcDbObjectId id = Add(*hostDrawing_, new AcDbCircle(center, AcGeVector3d::kZAxis, diameter / 2), layer);
+        if (dashed) Modify(id, [](AcDbEntity* circle) { circle->setLinetypeName(L"hidden"); });
+        return id;
+    }
+    static void Modify(const AcDbObjectId& id, const std::function<void(AcDbEntity*)>& change) {
+        AcDbEntity* entity = nullptr;
+        ASSERT_EQ(acdbOpenAcDbEntity(entity, id, AcDb::kForWrite), Acad::eOk);
+        change(entity);
+        entity->close();
+    }
+    void Point(const AcGePoint3d& at, const std::wstring& layer = L"h1") {
+        Add(*hostDrawing_, new AcDbPoint(at), layer);
+    }
+    HoleSubstitution Run() {
+        AcArray<tPt> points;
+        CollectPoints(hostDrawing_.get(), points);
+        HoleSubstitution holes(points, kIni);
+        holes.ReadHoleConfig(kIni);
+        EXPECT_EQ(holes.SubstituteHoles(hostDrawing_.get(), kDrawing, L"TARGET"), 0);
+        return holes;
+    }
+    // The texts of the inserted symbols, with their layers and colours.
+    std::vector<std::wstring> Symbols(const std::wstring& layer = L"") {
+        std::vector<std::wstring> names;
+        for (const AcDbObjectId& id : ModelSpaceIds(*hostDrawing_)) {
+            AcDbEntity* entity = nullptr;
+            if (acdbOpenAcDbEntity(entity, id, AcDb::kForRead) != Acad::eOk) continue;
+            if (auto* text = AcDbText::cast(entity); text && (layer.empty() || entity->layer() == layer))
+                names.push_back(std::wstring(text->textString()));
+            entity->close();
+        }
+        return names;
+    }
+    bool Exists(const AcDbObjectId& id) {
+        AcDbEntity* entity = nullptr;
+        if (acdbOpenAcDbEntity(entity, id, AcDb::kForRead) != Acad::eOk) return false;
+        entity->close();
+        return true;
+    }
+    static constexpr const wchar_t* kRow = L"10,D1,S1,BD,BS,DS,SD\r\n";
+};
+
+TEST_F(HoleSubstitutionTest, one_solid_circle_with_marker_becomes_solid_one_symbol_on_its_layer) {
+    WriteIni(kRow);
+    AcDbObjectId circle = Circle(AcGePoint3d(5, 5, 0), 10);
+    Point(AcGePoint3d(5, 5, 0));
+    HoleSubstitution holes = Run();
+    EXPECT_FALSE(Exists(circle));
+    EXPECT_EQ(Symbols(L"PART"), (std::vector<std::wstring>{L"S1"}));
+    ASSERT_EQ(holes.inserted.length(), 1);
+    AcDbEntity* symbol = nullptr;
+    ASSERT_EQ(acdbOpenAcDbEntity(symbol, holes.inserted[0], AcDb::kForRead), Acad::eOk);
+    EXPECT_EQ(symbol->colorIndex(), 3);
+    symbol->close();
+}
+
+TEST_F(HoleSubstitutionTest, one_dashed_circle_becomes_dash_one_symbol) {
+    WriteIni(kRow);
+    Circle(AcGePoint3d(0, 0, 0), 10, true);
+    Point(AcGePoint3d(0, 0, 0));
+    Run();
+    EXPECT_EQ(Symbols(), (std::vector<std::wstring>{L"D1"}));
+}
+
+struct TwoCircles {
+    bool smallDashed, largeDashed;
+    const wchar_t* symbol;
+};
+
+TEST_F(HoleSubstitutionTest, two_circles_choose_by_smallest_and_largest_dash) {
+    for (TwoCircles c : {TwoCircles{true, true, L"BD"}, TwoCircles{false, false, L"BS"},
+                         TwoCircles{true, false, L"DS"}, TwoCircles{false, true, L"SD"}}) {
+        hostDrawing_ = std::make_unique<AcDbDatabase>(true, true);
+        WriteIni(kRow);
+        Circle(AcGePoint3d(0, 0, 0), 10, c.smallDashed);
+        Circle(AcGePoint3d(0, 0, 0), 16, c.largeDashed);
+        Point(AcGePoint3d(0, 0, 0));
+        Run();
+        EXPECT_EQ(Symbols(), (std::vector<std::wstring>{c.symbol})) << c.symbol;
+    }
+}
+
+TEST_F(HoleSubstitutionTest, circle_without_marker_point_stays) {
+    WriteIni(kRow);
+    AcDbObjectId circle = Circle(AcGePoint3d(0, 0, 0), 10);
+    Point(AcGePoint3d(0.0011, 0, 0));
+    Run();
+    EXPECT_TRUE(Exists(circle));
+    EXPECT_TRUE(Symbols().empty());
+}
+
+TEST_F(HoleSubstitutionTest, marker_within_a_thousandth_matches) {
+    WriteIni(kRow);
+    Circle(AcGePoint3d(0, 0, 0), 10);
+    Point(AcGePoint3d(0.001, 0, 0));
+    Run();
+    EXPECT_EQ(Symbols().size(), 1u);
+}
+
+TEST_F(HoleSubstitutionTest, marker_on_another_types_layer_does_not_match) {
+    WriteIni(kRow + std::wstring(L"[TYPE2]\r\nLAYER,H2\r\n12,x,x,x,x,x,x\r\n"));
+    AcDbObjectId circle = Circle(AcGePoint3d(0, 0, 0), 10);
+    Point(AcGePoint3d(0, 0, 0), L"H2");
+    Run();
+    EXPECT_TRUE(Exists(circle));
+    EXPECT_TRUE(Symbols().empty());
+}
+
+TEST_F(HoleSubstitutionTest, three_circles_use_smallest_and_largest_and_make_one_symbol) {
+    WriteIni(kRow);
+    AcDbObjectId small = Circle(AcGePoint3d(0, 0, 0), 10, true);
+    AcDbObjectId middle = Circle(AcGePoint3d(0, 0, 0), 12, false);
+    AcDbObjectId large = Circle(AcGePoint3d(0, 0, 0), 16, true);
+    Point(AcGePoint3d(0, 0, 0));
+    HoleSubstitution holes = Run();
+    EXPECT_EQ(Symbols(), (std::vector<std::wstring>{L"BD"}));
+    EXPECT_EQ(holes.inserted.length(), 1);
+    EXPECT_FALSE(Exists(small));
+    EXPECT_TRUE(Exists(middle));
+    EXPECT_TRUE(Exists(large));
+}
+
+TEST_F(HoleSubstitutionTest, same_result_whichever_member_comes_last_in_drawing_order) {
+    WriteIni(kRow);
+    AcDbObjectId large = Circle(AcGePoint3d(0, 0, 0), 16);
+    AcDbObjectId small = Circle(AcGePoint3d(0, 0, 0), 10, true);
+    Point(AcGePoint3d(0, 0, 0));
+    Run();
+    EXPECT_EQ(Symbols(), (std::vector<std::wstring>{L"DS"}));
+    EXPECT_FALSE(Exists(small));
+    EXPECT_TRUE(Exists(large));
+}
+
+TEST_F(HoleSubstitutionTest, largest_circle_of_two_circle_hole_stays_beside_the_symbol) {
+    WriteIni(kRow);
+    AcDbObjectId small = Circle(AcGePoint3d(0, 0, 0), 10);
+    AcDbObjectId large = Circle(AcGePoint3d(0, 0, 0), 16);
+    Point(AcGePoint3d(0, 0, 0));
+    Run();
+    EXPECT_FALSE(Exists(small));
+    EXPECT_TRUE(Exists(large));
+}
+
+TEST_F(HoleSubstitutionTest, later_matching_row_overwrites_the_name) {
+    WriteIni(L"3.0,T3A,T3A,T3A,T3A,T3A,T3A\r\n3.00001,T3B,T3B,T3B,T3B,T3B,T3B\r\n");
+    Circle(AcGePoint3d(0, 0, 0), 3.000005);
+    Point(AcGePoint3d(0, 0, 0));
+    Run();
+    EXPECT_EQ(Symbols(), (std::vector<std::wstring>{L"T3B"}));
+}
+
+TEST_F(HoleSubstitutionTest, diameter_off_by_more_than_tolerance_does_not_match) {
+    WriteIni(L"3.0,T3A,T3A,T3A,T3A,T3A,T3A\r\n");
+    Circle(AcGePoint3d(0, 0, 0), 3.00002);
+    Point(AcGePoint3d(0, 0, 0));
+    Run();
+    EXPECT_TRUE(Symbols().empty());
+}
+
+TEST_F(HoleSubstitutionTest, missing_library_file_is_reported_and_circle_stays) {
+    WriteIni(L"10,NONE,NONE,NONE,NONE,NONE,NONE\r\n");
+    AcDbObjectId circle = Circle(AcGePoint3d(0, 0, 0), 10);
+    Point(AcGePoint3d(0, 0, 0));
+    Run();
+    EXPECT_TRUE(Exists(circle));
+    EXPECT_NE(CgLog().find(L"换孔文件未找到\n"), std::wstring::npos);
+}
+
+TEST_F(HoleSubstitutionTest, missing_drawing_file_changes_nothing) {
+    WriteIni(kRow);
+    AcDbObjectId circle = Circle(AcGePoint3d(0, 0, 0), 10);
+    Point(AcGePoint3d(0, 0, 0));
+    AcArray<tPt> points;
+    CollectPoints(hostDrawing_.get(), points);
+    HoleSubstitution holes(points, kIni);
+    holes.ReadHoleConfig(kIni);
+    holes.SubstituteHoles(hostDrawing_.get(), L"D:\\WORK\\MISSING.dwg", L"T");
+    EXPECT_TRUE(Exists(circle));
+    EXPECT_EQ(holes.layerName, L"T");
+}
+
+TEST_F(HoleSubstitutionTest, insertion_is_logged_step_by_step) {
+    WriteIni(kRow);
+    Circle(AcGePoint3d(0, 0, 0), 10);
+    Point(AcGePoint3d(0, 0, 0));
+    Run();
+    std::wstring log = CgLog();
+    size_t found = log.find(L"10.000000换孔文件已找到,开始插入\n开始插入块\nD:\\HOLES\\S1.dwg插入dwg D:\\HOLES\\S1.dwg\n");
+    ASSERT_NE(found, std::wstring::npos) << Utf8FromWide(log);
+    EXPECT_NE(log.find(L"孔文件正确插入\n1\n0取颜色正确\n清除pary\n", found), std::wstring::npos) << Utf8FromWide(log);
+}
+
+}  // namespace
