@@ -184,6 +184,34 @@ TEST(JsonText, nested_object_ends_the_object_text_early_in_an_array) {
     EXPECT_EQ(Keys(document.objects[0]), (std::vector<std::wstring>{L"a", L"b"}));
 }
 
+TEST(JsonText, wrapped_object_with_an_unclosed_name_takes_the_rest_as_name) {
+    EXPECT_EQ(Object(L"{\"ab}}").name, L"ab}}");
+}
+
+TEST(JsonText, wrapped_object_under_an_empty_key) {
+    JsonObject object = Object(L"{\"\":{\"x\":1}}");
+    EXPECT_EQ(object.name, L"");
+    ASSERT_EQ(object.values.size(), 1u);
+    EXPECT_EQ(object.values[0].key, L"x");
+}
+
+TEST(JsonText, key_closed_by_the_last_character_is_not_gathered) {
+    EXPECT_EQ(Keys(Object(L"{\"in\":{\"z\":1},\"z\"")), (std::vector<std::wstring>{L"z"}));
+}
+
+TEST(JsonText, keys_inside_arrays_are_not_gathered) {
+    EXPECT_EQ(Keys(Object(L"{\"a\":[{\"k\":1},{\"q\":2}],\"b\":3}")), (std::vector<std::wstring>{L"a", L"b"}));
+}
+
+TEST(JsonText, parse_clears_the_name_of_a_reused_object) {
+    JsonObject object;
+    object.name = L"old";
+    JsonObjectParse(L"{\"x\":1}", object);
+    EXPECT_EQ(object.name, L"");
+    JsonObjectParse(L"x", object);
+    EXPECT_TRUE(object.values.empty());
+}
+
 TEST(JsonText, shape_two_without_an_array_is_empty) {
     EXPECT_TRUE(Parse(L"{\"R\":\"x\",\"y\":[{}]}").objects.empty());
 }

@@ -22,7 +22,7 @@ protected:
     // A symbol drawing of one line on layer SYMBOL in colour 3, its text the symbol's name.
     static void SaveSymbol(const std::wstring& name) {
         SaveDrawing(L"D:\\HOLES\\" + name + L".dwg", [&](AcDbDatabase& db) {
-            Modify(Add(db, new AcDbText(AcGePoint3d(0, 0, 0), name), L"SYMBOL"),
+            Modify(Add(db, new AcDbText(AcGePoint3d(1, 0, 0), name), L"SYMBOL"),
                    [](AcDbEntity* text) { text->setColorIndex(3); });
         });
     }
@@ -84,6 +84,8 @@ TEST_F(HoleSubstitutionTest, one_solid_circle_with_marker_becomes_solid_one_symb
     AcDbEntity* symbol = nullptr;
     ASSERT_EQ(acdbOpenAcDbEntity(symbol, holes.inserted[0], AcDb::kForRead), Acad::eOk);
     EXPECT_EQ(symbol->colorIndex(), 3);
+    ASSERT_NE(AcDbText::cast(symbol), nullptr);
+    EXPECT_EQ(AcDbText::cast(symbol)->position(), AcGePoint3d(6, 5, 0));  // placed at scale 1
     symbol->close();
 }
 

@@ -111,9 +111,11 @@ TEST(DwgBitReader, bit_long_long_counts_its_bytes) {
     w.RC(0x02);
     w.RC(0x03);
     w.bits(0, 3);
+    w.RC(0xFF);  // not part of either value
     BitReader r = ReaderOf(w);
     EXPECT_EQ(r.BLL(), 0x030201u);
     EXPECT_EQ(r.BLL(), 0u);
+    EXPECT_EQ(r.RC(), 0xFF);
 }
 
 double WithBytes(double base, std::initializer_list<std::pair<int, unsigned char>> patches) {

@@ -49,6 +49,8 @@ TEST(DwgClasses, records_of_a_2000_section) {
     EXPECT_FALSE(classes[0].isEntity);
     EXPECT_EQ(dwg::TypeName(501, classes), "LWPOLYLINE");
     EXPECT_EQ(dwg::TypeName(19, classes), "LINE");
+    EXPECT_EQ(dwg::TypeName(13, classes), "VERTEX");
+    EXPECT_EQ(dwg::TypeName(14, classes), "VERTEX");
     EXPECT_EQ(dwg::TypeName(502, classes), "");
 }
 
