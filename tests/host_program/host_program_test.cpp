@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -150,6 +151,39 @@ TEST_F(HostProgram, PrefixInitMakesAValidPrefixAndRefusesAFullFolder) {
     EXPECT_TRUE(fs::exists(prefix_ / "host.ini"));
     EXPECT_EQ(Shell(Tavrik("prefix init " + prefix_.string())).status, 1);
     EXPECT_EQ(Shell(Tavrik("prefix")).status, 2);
+}
+
+}  // namespace
+
+namespace {
+
+TEST_F(HostProgram, script_that_is_a_folder_is_named_with_exit_status_two) {
+    Outcome run = Shell(Tavrik("--prefix " + prefix_.string() + " --script " + work_.string()));
+    EXPECT_EQ(run.status, 2);
+    EXPECT_NE(run.output.find(work_.string() + ": is a folder"), std::string::npos) << run.output;
+}
+
+TEST_F(HostProgram, host_ini_that_is_a_folder_is_named_with_exit_status_two) {
+    fs::remove(prefix_ / "host.ini");
+    fs::create_directories(prefix_ / "host.ini");
+    Outcome run = RunScript("QUIT\n");
+    EXPECT_EQ(run.status, 2);
+    EXPECT_NE(run.output.find("host.ini: is a folder"), std::string::npos) << run.output;
+}
+
+TEST_F(HostProgram, second_run_on_a_prefix_in_use_is_refused) {
+    // The first run holds the prefix while it waits on its open input.
+    FILE* first = ::popen((Tavrik("--prefix " + prefix_.string() + " --module " + TAVRIK_TEST_MODULE) +
+                           " > /dev/null 2>&1").c_str(), "w");
+    ASSERT_NE(first, nullptr);
+    for (int i = 0; i < 100 && !fs::exists(prefix_ / "tavrik.lock"); ++i) ::usleep(50000);
+    ::usleep(300000);
+    Outcome second = RunScript("QUIT\n");
+    std::fputs("QUIT\n", first);
+    ::pclose(first);
+    EXPECT_EQ(second.status, 1);
+    EXPECT_NE(second.output.find("another tavrik run"), std::string::npos) << second.output;
+    EXPECT_EQ(RunScript("QUIT\n").status, 0);
 }
 
 }  // namespace
