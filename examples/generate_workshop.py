@@ -294,6 +294,8 @@ def export_drawing(name):
     doc.styles.get("Standard").dxf.font = "txt.shx"
     doc.styles.new("chinesef_fs", dxfattribs={"font": "chinesef_fs.shx", "width": 0.8})
     doc.styles.new("bar", dxfattribs={"font": "FREE3OF9.TTF"})
+    # Decimal point, not the metric default comma, as the shop's standard has it.
+    doc.dimstyles.get("Standard").dxf.dimdsep = ord(".")
     return doc
 
 
@@ -414,7 +416,7 @@ def sheet_plate_b(msp, origin):
     m.point((150.0, 100.0), "0")  # the view centre that UG leaves behind
 
     # Left view: the plate seen from the side, thickness across.
-    left = s.view("LEFT", 450.0, 150.0, T, H)
+    left = s.view("LEFT", 490.0, 150.0, T, H)
     left.rect(0.0, 0.0, T, H, "1")
     left.line((0.0, H), (0.0, 0.0))  # left edge twice
     left.spline([(20.0, 60.0), (20.0, 85.0), (20.0, 115.0), (20.0, 140.0)], layer="2",
@@ -429,7 +431,7 @@ def sheet_plate_b(msp, origin):
         left.line((-4.0, y), (T + 4.0, y), "3", CENTER, color=5)
 
     # Top view: the plate seen from the front, with a local section break line.
-    top = s.view("TOP", 100.0, 380.0, W, T)
+    top = s.view("TOP", 100.0, 400.0, W, T)
     top.rect(0.0, 0.0, W, T, "1")
     for x in (17.5, 42.5, 257.5, 282.5):
         top.line((x, 0.0), (x, T), "2", DASHED)

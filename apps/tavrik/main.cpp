@@ -17,6 +17,8 @@ struct Subcommand {
 const Subcommand kSubcommands[] = {
     {"prefix", RunPrefix, "tavrik prefix init DIR      make an empty, valid prefix"},
     {"convert", RunConvert, "tavrik convert IN OUT       convert a drawing"},
+    {"render", RunRender, "tavrik render IN OUT        draw a drawing to .png, .svg or .pdf (see render --help)"},
+    {"info", RunInfo, "tavrik info IN [--json]     version, code page, extents, counts, blocks, texts"},
 };
 
 void PrintHelp() {

@@ -318,6 +318,7 @@ def main():
             check(not missing, "geometry of the sheets missing in the merged drawing: %s" % list(missing)[:5])
             check_sheets.check_frames(doc, check)
             check_sheets.check_dimensions(doc, check)
+            check_sheets.check_readers(merged, scratch, check)
             check_cleanups(doc, settings)
             check_texts(doc, expected_texts)
             check_standard(doc, standard)

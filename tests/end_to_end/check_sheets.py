@@ -103,3 +103,29 @@ def check_dimensions(doc, check):
     corners = sorted((o["x"], round(o["measured"], 6)) for o in core)
     check(corners == [(False, 0.0), (False, 70.0), (True, 0.0), (True, 100.0)],
           "sheet 2 main view ordinates: %s" % corners)
+
+
+def check_readers(merged, scratch, check):
+    """LibreCAD's dxf2pdf converts the merged drawing, and ezdxf's drawing add-on renders it
+    (docs/render_drawing.py, which made the README's picture)."""
+    import os
+    import pathlib
+    import shutil
+    import subprocess
+    import sys
+    scratch = pathlib.Path(scratch)
+    if shutil.which("librecad"):
+        shutil.copy(merged, scratch / "merged.dxf")
+        env = dict(os.environ, QT_QPA_PLATFORM="offscreen")
+        run = subprocess.run(["timeout", "180", "librecad", "dxf2pdf", "-o", "merged.pdf", "merged.dxf"],
+                             cwd=scratch, env=env, capture_output=True)
+        pdf = scratch / "merged.pdf"
+        check(run.returncode == 0 and pdf.is_file() and pdf.stat().st_size > 10000,
+              "dxf2pdf did not convert the merged drawing: %s" % run.stderr[-500:])
+    docs = pathlib.Path(__file__).resolve().parents[2] / "docs"
+    sys.path.insert(0, str(docs))
+    import render_drawing
+    png = scratch / "merged.png"
+    status = render_drawing.render(str(merged), str(png), dpi=40)
+    check(status == 0 and png.is_file() and png.stat().st_size > 10000,
+          "ezdxf's drawing add-on did not render the merged drawing")

@@ -39,6 +39,19 @@ protected:
             if (AcDbDimension::cast(id.stub()->object.get())) ++n;
         return n;
     }
+    // Dimensions whose block holds no picture.
+    int DimensionsWithoutPicture(AcDbDatabase& db) {
+        int n = 0;
+        for (const AcDbObjectId& id : ModelSpaceIds(db)) {
+            auto* dim = AcDbDimension::cast(id.stub()->object.get());
+            if (dim == nullptr) continue;
+            auto* block = dim->dimBlockId().isValid()
+                              ? AcDbBlockTableRecord::cast(dim->dimBlockId().stub()->object.get())
+                              : nullptr;
+            if (block == nullptr || block->entityIds().isEmpty()) ++n;
+        }
+        return n;
+    }
 };
 
 TEST_F(SheetSteps, frame_of_the_drawings_name_is_scaled_onto_the_sheet) {
@@ -64,6 +77,7 @@ TEST_F(SheetSteps, tavrik_off_with_dim_on_dimensions_the_views_without_a_frame) 
     EXPECT_EQ(CgLog().find(L"查找图框"), std::wstring::npos);
     // One hole and two corner seeds, each with an x and a y ordinate.
     EXPECT_EQ(Dimensions(*db), 6);
+    EXPECT_EQ(DimensionsWithoutPicture(*db), 0);
     // The frame box was measured all the same: the sheet's scale is 420 / 297.
     EXPECT_DOUBLE_EQ(Module().dimensionState.sheetScale, 420.0 / 297.0);
 }

@@ -4,6 +4,7 @@
 #include "platform/db/block_reference.hpp"
 #include "platform/db/block_table_record.hpp"
 #include "platform/db/database.hpp"
+#include "platform/db/dimension.hpp"
 #include "platform/db/names.hpp"
 #include "platform/db/text.hpp"
 
@@ -65,6 +66,8 @@ private:
             delete copy;
             return nullptr;
         }
+        // An untransformed dimension keeps the picture its block brought along.
+        if (auto* dim = AcDbDimension::cast(copy); dim != nullptr && identity) dim->markGraphicsCurrent();
         return copy;
     }
 

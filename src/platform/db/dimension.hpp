@@ -113,6 +113,13 @@ public:
     Acad::ErrorStatus setDimtoh(bool v) { return setIntVar(74, v ? 1 : 0); }
 
     void setDatabaseDefaults(AcDbDatabase* db = nullptr);
+    // Draws the dimension anew into its anonymous "*D" block (made when it names none). Without
+    // forceUpdate nothing happens while the picture would stay the same. A dimension that is
+    // closed after a write is redrawn so.
+    Acad::ErrorStatus recomputeDimBlock(bool forceUpdate = true);
+    // Takes the block as it stands for the picture of the present definition (a reader's
+    // dimensions keep the block of their file until they change).
+    void markGraphicsCurrent();
     void collectReferences(AcDbObjectIdArray& refs) const override;
     void remapReferences(const AcDbIdMapper& map) override;
 
@@ -121,6 +128,7 @@ protected:
     AcDbDimension(const AcDbDimension&) = default;
     AcCmColor colorVar(int code) const;
     const AcDbDimVarValue* styleValue(int code) const;
+    void closedAfterWrite() override;
 
 private:
     AcDbObjectId m_style;
@@ -135,6 +143,7 @@ private:
     double m_storedMeasurement = 0.0;
     int m_flags = 0;
     AcDbDimVars m_overrides;
+    std::string m_graphicsKey;  // the picture the block holds, as last drawn
 };
 
 // A linear dimension measured along a rotation angle.

@@ -6,6 +6,8 @@
 
 namespace {
 using K = AcDbDimVarValue::Kind;
+
+AcDbObject* ObjectOfId(AcDbObjectId id) { return id.isValid() ? id.stub()->object.get() : nullptr; }
 // The metric Standard style's values.
 constexpr AcDbDimVarInfo kDimVars[] = {
     {3, "DIMPOST", K::kString, 0},      {4, "DIMAPOST", K::kString, 0},
@@ -60,6 +62,11 @@ const AcDbDimVarInfo* acdbDimVarByName(const std::string& name) {
 const AcDbDimVarValue* AcDbDimension::styleValue(int code) const {
     AcDbObjectId styleId = m_style;
     if (styleId.isNull() && database() != nullptr) styleId = database()->dimstyle();
+    // No current style named: the drawing's Standard style is the current one.
+    if (styleId.isNull() && database() != nullptr) {
+        auto* table = AcDbDimStyleTable::cast(ObjectOfId(database()->dimStyleTableId()));
+        if (table != nullptr) table->getAt(L"Standard", styleId);
+    }
     if (!styleId.isValid()) return nullptr;
     auto* style = AcDbDimStyleTableRecord::cast(styleId.stub()->object.get());
     if (style == nullptr) return nullptr;

@@ -65,6 +65,7 @@ Acad::ErrorStatus AcDbObject::erase(bool erasing) {
 Acad::ErrorStatus AcDbObject::close() {
     if (m_writer) {
         m_writer = false;
+        closedAfterWrite();
         return Acad::eOk;
     }
     if (m_readers > 0) {

@@ -91,6 +91,9 @@ protected:
     AcDbObject(const AcDbObject& other);
     AcDbObject& operator=(const AcDbObject&) = delete;
 
+    // Called when a write open ends, for objects that keep derived data up to date.
+    virtual void closedAfterWrite() {}
+
     // Checks for subclasses' setters and getters, as the host asserts them.
     bool writeEnabledOrNew() const { return m_stub == nullptr || m_writer; }
 

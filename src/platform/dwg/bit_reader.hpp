@@ -57,6 +57,7 @@ public:
     void setBitEnd(std::size_t bits);
     void alignToByte() { bit_ = (bit_ + 7) & ~std::size_t{7}; }
     std::size_t bytePosition() const { return bit_ / 8; }
+    std::span<const std::uint8_t> buffer() const { return data_; }
 
     // Raw values.
     bool B();

@@ -5,35 +5,15 @@
 namespace dwg {
 namespace {
 
-// 2007 on, the strings of an object sit at the end of its values, found from the last bit
-// backwards: a flag, then their size in bits in one or two 15-bit words.
 void LocateStrings(ObjectStreams& o) {
     o.strings = o.data;
-    BitReader tail = o.data;
-    if (o.dataEnd < 1) return;
-    tail.seekBit(o.dataEnd - 1);
-    if (!tail.B()) {
-        o.data.setBitEnd(o.dataEnd - 1);
-        o.strings.setBitEnd(0);
-        return;
-    }
-    std::size_t sizeAt = o.dataEnd - 1 - 16;
-    tail.seekBit(sizeAt);
-    std::size_t bits = tail.RS();
-    if (bits & 0x8000) {
-        sizeAt -= 16;
-        tail.seekBit(sizeAt);
-        const std::size_t high = tail.RS();
-        bits = (bits & 0x7FFF) | (high << 15);
-    }
-    if (tail.failed() || bits > sizeAt) {
+    std::size_t stringsStart = 0;
+    if (!FindStringStream(o.data, o.dataEnd, o.strings, stringsStart)) {
         o.data.setBitEnd(0);  // marks the object failed for the caller
         o.data.seekBit(1);
         return;
     }
-    o.strings.seekBit(sizeAt - bits);
-    o.strings.setBitEnd(sizeAt);
-    o.data.setBitEnd(sizeAt - bits);
+    o.data.setBitEnd(stringsStart);
 }
 
 }  // namespace
@@ -84,6 +64,39 @@ bool OpenObject(std::span<const std::uint8_t> objects, std::int64_t offset, Vers
         error = {start, "object header does not fit the object"};
         return false;
     }
+    return true;
+}
+
+// 2007 on, the strings sit at the end of the values, found from the last bit backwards: a flag,
+// then their size in bits in one or two 15-bit words.
+bool FindStringStream(const BitReader& data, std::size_t endBit, BitReader& strings,
+                      std::size_t& stringsStart) {
+    strings = data;
+    stringsStart = endBit;
+    if (endBit < 1) return false;
+    BitReader tail = data;
+    tail.seekBit(endBit - 1);
+    if (!tail.B()) {
+        stringsStart = endBit - 1;
+        strings.seekBit(0);
+        strings.setBitEnd(0);  // no strings: reading one fails the object
+        return !tail.failed();
+    }
+    if (endBit < 17) return false;
+    std::size_t sizeAt = endBit - 1 - 16;
+    tail.seekBit(sizeAt);
+    std::size_t bits = tail.RS();
+    if (bits & 0x8000) {
+        if (sizeAt < 16) return false;
+        sizeAt -= 16;
+        tail.seekBit(sizeAt);
+        const std::size_t high = tail.RS();
+        bits = (bits & 0x7FFF) | (high << 15);
+    }
+    if (tail.failed() || bits > sizeAt) return false;
+    stringsStart = sizeAt - bits;
+    strings.seekBit(stringsStart);
+    strings.setBitEnd(sizeAt);
     return true;
 }
 

@@ -27,6 +27,11 @@ struct ObjectStreams {
 bool OpenObject(std::span<const std::uint8_t> objects, std::int64_t offset, Version version,
                 int codePage, ObjectStreams& out, MapError& error);
 
+// 2007 on: the string stream of values that end at endBit; stringsStart is where the values
+// give way to the strings. False when the stored size does not fit.
+bool FindStringStream(const BitReader& data, std::size_t endBit, BitReader& strings,
+                      std::size_t& stringsStart);
+
 // R13 and R14 give the size of the values late in the object (after the extended data and the
 // preview): the reader calls this when it meets that size.
 void SeekHandles(ObjectStreams& object, std::uint32_t dataBits);

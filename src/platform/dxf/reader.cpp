@@ -623,7 +623,7 @@ void ReadMText(AcDbMText& e, const AcDbRawTags& tags, AcDbDatabase& db) {
             case 1: last = s; break;
             case 7: e.setTextStyle(StyleId(db, db.textStyleTableId(), Wide(s))); break;
             case 44: e.setLineSpacingFactor(Real(s)); break;
-            case 50: rotation = Real(s); break;
+            case 50: rotation = Real(s) / kDegrees; break;  // degrees, as for every other angle
             default: break;
         }
     });
@@ -1413,6 +1413,7 @@ void Builder::resolveNames() {
     for (auto& [dim, name] : m_dimBlockNames) {
         auto it = m_blocks.find(Upper(name));
         if (it != m_blocks.end()) dim->setDimBlockId(it->second->objectId());
+        dim->markGraphicsCurrent();
     }
     auto* linetypes = AcDbLinetypeTable::cast(m_tables.count("LTYPE") ? m_tables["LTYPE"] : nullptr);
     for (auto& [layer, name] : m_layerLinetypes) {

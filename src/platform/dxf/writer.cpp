@@ -648,11 +648,11 @@ AcDbRawTags LayoutTags(const std::string& name, int tab, AcDbHandle block) {
     return t;
 }
 
-// A dimension made in memory gets the anonymous block that readers expect it to name.
+// A dimension made in memory gets the anonymous block that readers expect it to name, with its
+// picture in it.
 void Writer::ensureDimensionBlocks() {
     auto* blocks = AcDbBlockTable::cast(ObjectOf(m_db.blockTableId()));
     if (!blocks) return;
-    int next = 1;
     std::vector<AcDbDimension*> missing;
     for (const auto& bid : blocks->recordIds())
         if (auto* b = AcDbBlockTableRecord::cast(ObjectOf(bid)))
@@ -661,7 +661,11 @@ void Writer::ensureDimensionBlocks() {
                     d && d->dimBlockId().isNull() && d->fileTags().empty())
                     missing.push_back(d);
     for (AcDbDimension* d : missing) {
+        d->recomputeDimBlock();
+        if (!d->dimBlockId().isNull()) continue;
+        // A kind the platform does not draw: an empty block.
         std::wstring name;
+        int next = 1;
         do name = L"*D" + std::to_wstring(next++);
         while (blocks->has(name));
         auto* block = new AcDbBlockTableRecord();

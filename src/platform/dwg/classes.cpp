@@ -1,0 +1,111 @@
+#include "platform/dwg/classes.hpp"
+
+#include "platform/dwg/object_stream.hpp"
+
+#include <cstring>
+#include <map>
+
+namespace dwg {
+namespace {
+
+constexpr std::uint8_t kStartSentinel[16] = {0x8D, 0xA1, 0xC4, 0xB8, 0xC4, 0xA9, 0xF8, 0xC5,
+                                             0xC0, 0xDC, 0xF4, 0x5F, 0xE7, 0xCF, 0xB6, 0x8A};
+
+void ReadClass(BitReader& d, BitReader& text, Version version, ClassRecord& c) {
+    c.number = d.BS();
+    c.proxyFlags = d.BS();
+    c.application = text.T();
+    c.cppName = text.T();
+    c.dxfName = text.T();
+    c.wasZombie = d.B();
+    c.isEntity = static_cast<std::uint16_t>(d.BS()) == 0x1F2;
+    if (version >= Version::kR2004) {
+        c.instanceCount = d.BL();
+        d.BL();  // the version of the drawing that made the class
+        d.BL();  // and its maintenance release
+        d.BL();
+        d.BL();
+    }
+}
+
+}  // namespace
+
+bool ParseClasses(std::span<const std::uint8_t> section, Version version, int codePage,
+                  std::vector<ClassRecord>& out, MapError& error) {
+    if (section.size() < 16 + 4 || std::memcmp(section.data(), kStartSentinel, 16) != 0) {
+        error = {0, "classes section does not start with its sentinel"};
+        return false;
+    }
+    std::uint32_t size;
+    std::memcpy(&size, section.data() + 16, 4);
+    if (section.size() < 20 + 2 || size > section.size() - 20 - 2) {
+        error = {16, "classes section size " + std::to_string(size) + " runs past the section"};
+        return false;
+    }
+    const auto checked = section.subspan(16, 4 + size);
+    const std::uint16_t stored =
+        static_cast<std::uint16_t>(section[20 + size] | (section[21 + size] << 8));
+    if (Crc16(0xC0C1, checked) != stored) {
+        error = {20 + size, "classes section CRC mismatch"};
+        return false;
+    }
+    BitReader d(section.subspan(20, size), version, codePage);
+    BitReader text = d;
+    std::size_t end = std::size_t{size} * 8;
+    if (version >= Version::kR2007) {
+        // The data's size in bits leads; the strings sit in their own stream at its end.
+        const std::size_t bits = d.RL() + 32;
+        std::size_t stringsStart = 0;
+        if (!FindStringStream(d, bits, text, stringsStart)) {
+            error = {20, "classes string stream does not fit"};
+            return false;
+        }
+        end = stringsStart;
+        d.setBitEnd(end);
+    }
+    if (version >= Version::kR2004) {
+        d.BS();  // the highest class number
+        d.RC();
+        d.RC();
+        d.B();
+    }
+    while (d.bitPosition() + 8 < end && !d.failed()) {
+        ClassRecord c;
+        ReadClass(d, version >= Version::kR2007 ? text : d, version, c);
+        if (d.failed() || text.failed()) break;
+        out.push_back(std::move(c));
+    }
+    if (d.failed()) {
+        error = {20 + d.bytePosition(), "class record runs past the classes data"};
+        return false;
+    }
+    return true;
+}
+
+std::string TypeName(std::int32_t type, const std::vector<ClassRecord>& classes) {
+    static const std::map<std::int32_t, const char*> kFixed = {
+        {1, "TEXT"}, {2, "ATTRIB"}, {3, "ATTDEF"}, {4, "BLOCK"}, {5, "ENDBLK"}, {6, "SEQEND"},
+        {7, "INSERT"}, {8, "INSERT"}, {10, "VERTEX"}, {11, "VERTEX"}, {12, "VERTEX"},
+        {13, "VERTEX"}, {14, "VERTEX"}, {15, "POLYLINE"}, {16, "POLYLINE"}, {17, "ARC"},
+        {18, "CIRCLE"}, {19, "LINE"}, {20, "DIMENSION"}, {21, "DIMENSION"}, {22, "DIMENSION"},
+        {23, "DIMENSION"}, {24, "DIMENSION"}, {25, "DIMENSION"}, {26, "DIMENSION"},
+        {27, "POINT"}, {28, "3DFACE"}, {29, "POLYLINE"}, {30, "POLYLINE"}, {31, "SOLID"},
+        {32, "TRACE"}, {33, "SHAPE"}, {34, "VIEWPORT"}, {35, "ELLIPSE"}, {36, "SPLINE"},
+        {37, "REGION"}, {38, "3DSOLID"}, {39, "BODY"}, {40, "RAY"}, {41, "XLINE"},
+        {42, "DICTIONARY"}, {43, "OLEFRAME"}, {44, "MTEXT"}, {45, "LEADER"}, {46, "TOLERANCE"},
+        {47, "MLINE"}, {48, "BLOCK_CONTROL"}, {49, "BLOCK_RECORD"}, {50, "LAYER_CONTROL"},
+        {51, "LAYER"}, {52, "STYLE_CONTROL"}, {53, "STYLE"}, {56, "LTYPE_CONTROL"},
+        {57, "LTYPE"}, {60, "VIEW_CONTROL"}, {61, "VIEW"}, {62, "UCS_CONTROL"}, {63, "UCS"},
+        {64, "VPORT_CONTROL"}, {65, "VPORT"}, {66, "APPID_CONTROL"}, {67, "APPID"},
+        {68, "DIMSTYLE_CONTROL"}, {69, "DIMSTYLE"}, {70, "VX_CONTROL"}, {71, "VX_TABLE_RECORD"},
+        {72, "GROUP"}, {73, "MLINESTYLE"}, {74, "OLE2FRAME"}, {76, "LONG_TRANSACTION"},
+        {77, "LWPOLYLINE"}, {78, "HATCH"}, {79, "XRECORD"}, {80, "ACDBPLACEHOLDER"},
+        {81, "VBA_PROJECT"}, {82, "LAYOUT"}};
+    if (const auto it = kFixed.find(type); it != kFixed.end()) return it->second;
+    for (const auto& c : classes) {
+        if (c.number == type) return c.dxfName;
+    }
+    return {};
+}
+
+}  // namespace dwg

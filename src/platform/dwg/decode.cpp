@@ -1,0 +1,108 @@
+#include "platform/dwg/decode.hpp"
+
+#include <type_traits>
+
+#include "platform/dwg/classes.hpp"
+
+namespace dwg {
+namespace {
+
+template <typename Record, typename Reader>
+bool Decode(ObjectStreams& o, DecodedObject& out, Reader read) {
+    Record& record = out.emplace<Record>();
+    return read(o, record);
+}
+
+bool Keep(ObjectStreams& o, bool entity, std::span<const std::uint8_t> bytes, DecodedObject& out) {
+    auto& kept = out.emplace<KeptObject>();
+    kept.entity = entity;
+    kept.bytes.assign(bytes.begin(), bytes.end());
+    if (entity) {
+        ReadEntityCommon(o, kept.common);
+    } else {
+        ReadObjectCommon(o, kept.common);
+    }
+    // The handle stream holds nothing but references: read them to its end.
+    while (o.handles.bitEnd() - o.handles.bitPosition() >= 8 && !o.handles.failed()) {
+        kept.references.push_back(o.handles.H());
+    }
+    return !o.data.failed() && !o.handles.failed();
+}
+
+}  // namespace
+
+const EntityCommon* EntityCommonOf(const DecodedObject& decoded) {
+    return std::visit(
+        [](const auto& r) -> const EntityCommon* {
+            using R = std::decay_t<decltype(r)>;
+            if constexpr (std::is_same_v<R, EntityCommon>) {
+                return &r;
+            } else if constexpr (std::is_same_v<R, KeptObject>) {
+                return r.entity ? &r.common : nullptr;
+            } else if constexpr (std::is_same_v<R, ArcRecord>) {
+                return &r.circle.common;
+            } else if constexpr (std::is_same_v<R, AttributeRecord>) {
+                return &r.text.common;
+            } else if constexpr (requires { r.common.mode; }) {
+                return &r.common;
+            } else {
+                return nullptr;
+            }
+        },
+        decoded);
+}
+
+bool IsEntityType(std::int32_t type, const std::vector<ClassRecord>& classes) {
+    if (type >= 500) {
+        for (const auto& c : classes) {
+            if (c.number == type) return c.isEntity;
+        }
+        return false;
+    }
+    // The fixed types below 42 are entities, as are MTEXT to MLINE, OLE2FRAME, LWPOLYLINE
+    // and HATCH.
+    return (type >= 1 && type <= 41) || (type >= 43 && type <= 47) || type == 74 ||
+           type == 77 || type == 78;
+}
+
+bool DecodeObject(ObjectStreams& o, const std::vector<ClassRecord>& classes, DecodedObject& out) {
+    switch (o.type) {
+        case kLine: return Decode<LineRecord>(o, out, ReadLine);
+        case kCircle: return Decode<CircleRecord>(o, out, ReadCircle);
+        case kArc: return Decode<ArcRecord>(o, out, ReadArc);
+        case kPoint: return Decode<PointRecord>(o, out, ReadPoint);
+        case kText: return Decode<TextRecord>(o, out, ReadText);
+        case kAttrib:
+        case kAttdef: {
+            auto& r = out.emplace<AttributeRecord>();
+            return ReadAttribute(o, r, o.type == kAttdef);
+        }
+        case kMText: return Decode<MTextRecord>(o, out, ReadMText);
+        case kInsert:
+        case kMinsert: {
+            auto& r = out.emplace<InsertRecord>();
+            return ReadInsert(o, r, o.type == kMinsert);
+        }
+        case kBlock: return Decode<BlockBeginRecord>(o, out, ReadBlockBegin);
+        case kEndblk:
+        case kSeqend: return Decode<EntityCommon>(o, out, ReadCommonOnly);
+        case kBlockHeader: return Decode<BlockHeaderRecord>(o, out, ReadBlockHeader);
+        case kLayer: return Decode<LayerRecord>(o, out, ReadLayer);
+        case kEllipse: return Decode<EllipseRecord>(o, out, ReadEllipse);
+        case kLwPolyline: return Decode<LwPolylineRecord>(o, out, ReadLwPolyline);
+        case kPolyline2d:
+        case kPolyline3d:
+        case kPolylinePface: return Decode<PolylineRecord>(o, out, ReadPolyline);
+        case kVertex2d:
+        case kVertex3d:
+        case kVertexMesh:
+        case kVertexPface:
+        case kVertexPfaceFace: return Decode<VertexRecord>(o, out, ReadVertex);
+        case kSolid:
+        case kTrace: return Decode<SolidRecord>(o, out, ReadSolid);
+        case kDictionary: return Decode<DictionaryRecord>(o, out, ReadDictionary);
+        default: return Keep(o, IsEntityType(o.type, classes), o.data.buffer(), out);
+    }
+}
+
+}  // namespace dwg

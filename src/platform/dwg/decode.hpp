@@ -1,0 +1,38 @@
+#pragma once
+// One object of the object data decoded by its type into the record of its kind. Kinds the
+// database does not model are kept whole: their common data, their bytes and every handle
+// reference of their handle stream, so that a writer can put them back.
+#include <variant>
+
+#include "platform/dwg/curves.hpp"
+#include "platform/dwg/objects.hpp"
+#include "platform/dwg/texts.hpp"
+
+namespace dwg {
+
+struct ClassRecord;
+
+struct KeptObject {
+    bool entity = false;
+    EntityCommon common;  // for an object only its ObjectCommon part is filled
+    std::vector<HandleRef> references;  // after the common ones, as stored (codes kept)
+    std::vector<std::uint8_t> bytes;    // the whole object, after its size and before its CRC
+};
+
+using DecodedObject =
+    std::variant<std::monostate, KeptObject, LineRecord, CircleRecord, ArcRecord, PointRecord, TextRecord,
+                 AttributeRecord, MTextRecord, InsertRecord, BlockBeginRecord, EntityCommon,
+                 BlockHeaderRecord, LayerRecord, EllipseRecord, LwPolylineRecord,
+                 PolylineRecord, VertexRecord, SolidRecord, DictionaryRecord>;
+
+// False when the object's data does not hold what its type needs. The classes tell whether a
+// drawing's own type (500 and up) is an entity.
+bool DecodeObject(ObjectStreams& o, const std::vector<ClassRecord>& classes, DecodedObject& out);
+
+// The common entity data of a decoded entity; null for objects and undecoded kinds.
+const EntityCommon* EntityCommonOf(const DecodedObject& decoded);
+
+// True for the fixed entity types and the classes marked as entities.
+bool IsEntityType(std::int32_t type, const std::vector<ClassRecord>& classes);
+
+}  // namespace dwg
