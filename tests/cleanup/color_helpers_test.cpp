@@ -90,6 +90,10 @@ TEST_F(EffectiveColor, by_layer_takes_the_layer_colour) {
     AcDbObjectId id = AddToDrawing(new AcDbLine(AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0)), L"PART");
     SetLayerColor(L"PART", 6);
     EXPECT_EQ(EffectiveColorIndex(id), 6);
+    // The entity is closed again.
+    AcDbEntity* entity = nullptr;
+    ASSERT_EQ(acdbOpenAcDbEntity(entity, id, AcDb::kForWrite), Acad::eOk);
+    entity->close();
 }
 
 TEST_F(EffectiveColor, layer_missing_or_entity_not_opening_gives_minus_1) {

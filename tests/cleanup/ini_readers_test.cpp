@@ -119,13 +119,18 @@ TEST(ColorLists, closed_colours_map_in_order_and_last_open_one_is_ignored) {
     EXPECT_EQ(ansiColors, (AcArray<int>{5, 2}));
 }
 
+// "0 0 255;" takes 8 bytes and "0...01 0 0;" the next 1,016: its semicolon is byte 1,024, one
+// past what the buffer holds, so the second colour stays open and is ignored.
 TEST(ColorLists, ansi_list_reads_only_1023_bytes) {
-    std::wstring padding(1016, L'0');  // "0...0255 0 0;" ends beyond byte 1023
+    std::wstring text = L"0 0 255;" + std::wstring(1010, L'0') + L"1 0 0;";
     AcArray<int> colors;
-    ColorListFromAnsiText(L"0 0 255;" + padding + L"1 0 0;", colors);
+    ColorListFromAnsiText(text, colors);
     EXPECT_EQ(colors, (AcArray<int>{5}));
+    AcArray<int> shorter;
+    ColorListFromAnsiText(text.substr(1), shorter);  // the semicolon is now byte 1,023
+    EXPECT_EQ(shorter.length(), 2);
     AcArray<int> wide;
-    ColorListFromText(L"0 0 255;" + padding + L"1 0 0;", wide);
+    ColorListFromText(text, wide);
     EXPECT_EQ(wide.length(), 2);
 }
 

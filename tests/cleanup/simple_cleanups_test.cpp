@@ -125,6 +125,12 @@ TEST_F(SimpleCleanups, neighbouring_short_lines_and_points_all_go) {
     EXPECT_TRUE(IsGone(c));
     EXPECT_FALSE(IsGone(d));
     EXPECT_TRUE(IsGone(e));
+    // The erased entities are closed again.
+    for (AcDbObjectId id : {a, b, c, e}) {
+        AcDbEntity* entity = nullptr;
+        ASSERT_EQ(acdbOpenAcDbEntity(entity, id, AcDb::kForRead, true), Acad::eOk);
+        entity->close();
+    }
 }
 
 TEST_F(SimpleCleanups, delete_switch_off_removes_nothing) {

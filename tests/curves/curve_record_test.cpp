@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <functional>
 #include <memory>
 
@@ -188,6 +189,18 @@ TEST_F(CurveRecord, arc_record_has_circle_code_2002_while_its_type_is_2003) {
     EXPECT_THAT(record.startPoint, IsNearPoint(AcGePoint3d(10, 0, 0), 1e-9));
     EXPECT_THAT(record.midPoint, IsNearPoint(AcGePoint3d(10 / std::sqrt(2.0), 10 / std::sqrt(2.0), 0), 1e-9));
     EXPECT_THAT(record.endPoint, IsNearPoint(AcGePoint3d(0, 10, 0), 1e-9));
+}
+
+TEST_F(CurveRecord, arc_middle_is_at_the_half_of_a_range_that_does_not_start_at_zero) {
+    AcDbObjectId id = AddToDrawing(new AcDbArc(AcGePoint3d(1, 1, 0), 2.0, 0.5, 2.0));
+    tCurve record(id);
+    EXPECT_THAT(record.startPoint, IsNearPoint(AcGePoint3d(1 + 2 * std::cos(0.5), 1 + 2 * std::sin(0.5), 0), 1e-9));
+    EXPECT_THAT(record.midPoint, IsNearPoint(AcGePoint3d(1 + 2 * std::cos(1.25), 1 + 2 * std::sin(1.25), 0), 1e-9));
+    EXPECT_THAT(record.endPoint, IsNearPoint(AcGePoint3d(1 + 2 * std::cos(2.0), 1 + 2 * std::sin(2.0), 0), 1e-9));
+    // The record closed the arc again.
+    AcDbEntity* entity = nullptr;
+    ASSERT_EQ(acdbOpenAcDbEntity(entity, id, AcDb::kForWrite), Acad::eOk);
+    entity->close();
 }
 
 TEST_F(CurveRecord, polyline_record_has_code_2002_and_all_vertices) {

@@ -251,3 +251,120 @@ TEST_F(OrdinateDimensions, left_view_measures_from_its_lower_right_corner) {
 }
 
 }  // namespace
+
+namespace {
+
+class OrdinateVariables : public OrdinateDimensions {};
+
+TEST_F(OrdinateVariables, ordinate_takes_text_and_tolerance_format_variables_from_the_standard) {
+    DimStyleKeys& keys = Module().cadStandardIni.dimStyle;
+    keys.DIMTXT = 2.5;
+    keys.DIMTZIN = 4;
+    keys.DIMTDEC = 3;
+    keys.DIMTFAC = 0.6;
+    keys.DIMTOLJ = 2;
+    keys.DIMCLRE = 5;
+    AcDbObjectId id;
+    MakeOrdinate(id, 0, AcGePoint3d(0, 0, 0), AcGePoint3d(10, 0, 0), AcGePoint3d(10, -10, 0), 1.0, 2,
+                 {0.01, 0.02, 0});
+    AcDbOrdinateDimension* dim = nullptr;
+    ASSERT_EQ(acdbOpenObject(dim, id, AcDb::kForRead), Acad::eOk);
+    EXPECT_EQ(dim->dimtxt(), 2.5);
+    EXPECT_EQ(dim->dimtzin(), 4);
+    EXPECT_EQ(dim->dimtdec(), 3);
+    EXPECT_EQ(dim->dimtfac(), 0.6);
+    EXPECT_EQ(dim->dimtolj(), 2);
+    EXPECT_EQ(dim->dimclre().colorIndex(), 5);
+    EXPECT_EQ(dim->dimtm(), 0.01);
+    EXPECT_EQ(dim->dimtp(), 0.02);
+    EXPECT_EQ(dim->leaderEndPoint(), AcGePoint3d(10, -10, 0));
+    dim->close();
+}
+
+struct ThresholdCase {
+    double gap;    // distance of the defining point from the origin or the opposite corner
+    int dimdec;    // the class's decimals that result
+};
+
+class BaseThreshold : public OrdinateDimensions, public testing::WithParamInterface<ThresholdCase> {};
+
+TEST_P(BaseThreshold, point_within_1e05_of_the_origin_takes_the_base_class) {
+    AcDbObjectId id;
+    MakeOrdinate(id, 1, AcGePoint3d(0, 0, 0), AcGePoint3d(0, GetParam().gap, 0), AcGePoint3d(-5, 0, 0),
+                 1.0, 1, {0.0, 0.0, 1});  // Basedec is 0
+    AcDbOrdinateDimension* dim = nullptr;
+    ASSERT_EQ(acdbOpenObject(dim, id, AcDb::kForRead), Acad::eOk);
+    EXPECT_EQ(dim->dimdec(), GetParam().dimdec);
+    dim->close();
+}
+
+INSTANTIATE_TEST_SUITE_P(Boundary, BaseThreshold,
+                         testing::Values(ThresholdCase{0.9e-05, 0}, ThresholdCase{1e-05, 0},
+                                         ThresholdCase{1.1e-05, 1}));
+
+class ConerThreshold : public OrdinateDimensions, public testing::WithParamInterface<ThresholdCase> {};
+
+TEST_P(ConerThreshold, record_within_1e05_of_the_opposite_corner_takes_the_coner_class) {
+    AddFrontView();
+    DimensionView(L"FRONT");  // sets the view box: opposite corner (405, 305)
+    for (const AcDbObjectId& id : ModelSpaceIds(Drawing())) {
+        AcDbEntity* e = nullptr;
+        acdbOpenAcDbEntity(e, id, AcDb::kForWrite);
+        if (AcDbDimension::cast(e)) e->erase();
+        e->close();
+    }
+    std::vector<circle> top = {Record(405, 305 - GetParam().gap)}, bottom;
+    WriteXOrdinates(top, bottom, AcDbExtents());
+    std::vector<OrdinateSeen> all = Ordinates();
+    ASSERT_EQ(all.size(), 1u);
+    EXPECT_EQ(all[0].dimdec, GetParam().dimdec);
+}
+
+INSTANTIATE_TEST_SUITE_P(Boundary, ConerThreshold,
+                         testing::Values(ThresholdCase{0.9e-05, 2}, ThresholdCase{1.1e-05, 1}));
+
+TEST_F(OrdinateVariables, outline_dimension_takes_the_tolerance_format_variables) {
+    DimStyleKeys& keys = Module().cadStandardIni.dimStyle;
+    keys.DIMTZIN = 4;
+    keys.DIMTDEC = 3;
+    keys.DIMTFAC = 0.6;
+    keys.DIMTOLJ = 2;
+    keys.DIMTXT = 2.5;
+    MakeOutlineDimension(AcGePoint3d(0, 0, 0), AcGePoint3d(10, 0, 0), AcGePoint3d(5, -10, 0), 0.0, 1.0);
+    AcDbRotatedDimension* dim = nullptr;
+    ASSERT_EQ(acdbOpenObject(dim, RotatedDimensions().at(0), AcDb::kForRead), Acad::eOk);
+    EXPECT_EQ(dim->dimtzin(), 4);
+    EXPECT_EQ(dim->dimtdec(), 3);
+    EXPECT_EQ(dim->dimtfac(), 0.6);
+    EXPECT_EQ(dim->dimtolj(), 2);
+    EXPECT_EQ(dim->dimtxt(), 2.5);
+    dim->close();
+}
+
+TEST_F(OrdinateVariables, datum_a_little_off_the_origin_corner_stays_the_datum) {
+    Module().cadStandardIni.sundry.CIRCOUNT = 1;
+    AddFrontView();
+    AddCircle(150, 150);
+    AddCircle(105.0015, 105, 256, L"FRONT");
+    DimensionView(L"FRONT");
+    EXPECT_TRUE(State().haveDatum);
+    for (const OrdinateSeen& o : Ordinates()) EXPECT_EQ(o.origin, AcGePoint3d(105.0015, 105, 0));
+}
+
+TEST_F(OrdinateVariables, ordinates_are_made_in_the_order_of_their_sorted_lists) {
+    State().viewKind = 0;
+    std::vector<circle> top = {Record(300, 200), Record(100, 200), Record(200, 200)}, bottom;
+    WriteXOrdinates(top, bottom, AcDbExtents());
+    std::vector<circle> left, right = {Record(300, 250), Record(300, 50), Record(300, 150)};
+    WriteYOrdinates(left, right, AcDbExtents());
+    std::vector<OrdinateSeen> all = Ordinates();
+    ASSERT_EQ(all.size(), 6u);
+    EXPECT_EQ(all[0].definingPoint.x, 100.0);
+    EXPECT_EQ(all[1].definingPoint.x, 200.0);
+    EXPECT_EQ(all[2].definingPoint.x, 300.0);
+    EXPECT_EQ(all[3].definingPoint.y, 50.0);
+    EXPECT_EQ(all[4].definingPoint.y, 150.0);
+    EXPECT_EQ(all[5].definingPoint.y, 250.0);
+}
+
+}  // namespace

@@ -206,6 +206,24 @@ TEST_F(ViewAnalysis, datum_point_keeps_its_value_when_a_later_view_has_no_marker
     EXPECT_EQ(State().datumPoint, AcGePoint3d(1, 2, 0));
 }
 
+TEST_F(ViewAnalysis, erased_entities_are_passed_over_and_the_walks_succeed) {
+    AcDbObjectId gone = AddCircle(150, 150);
+    AcDbEntity* e = nullptr;
+    acdbOpenAcDbEntity(e, gone, AcDb::kForWrite);
+    e->erase();
+    e->close();
+    AddViewFrame(L"FRONT", 100, 100, 410, 310);
+    AddCircle(200, 200);
+    AcDbObjectIdArray lines;
+    EXPECT_EQ(CollectViewFrame(L"FRONT", lines, &Drawing()), 0);
+    EXPECT_EQ(lines.length(), 4);
+    std::vector<circle> circles;
+    AcDbExtents box;
+    EXPECT_EQ(CollectViewCircles(lines, circles, box, &Drawing()), 0);
+    ASSERT_EQ(circles.size(), 1u);
+    EXPECT_EQ(circles[0].center, AcGePoint3d(200, 200, 0));
+}
+
 TEST_F(ViewAnalysis, frame_lines_must_lie_wholly_in_the_frame_box) {
     Add(Drawing(), new AcDbLine(AcGePoint3d(0, 0, 0), AcGePoint3d(840, 594, 0)), L"FRONT");
     Add(Drawing(), new AcDbLine(AcGePoint3d(0, 0, 0), AcGePoint3d(840.001, 594, 0)), L"FRONT");

@@ -195,4 +195,9 @@ TEST_F(LayerConversion, dimensions_gather_on_the_dim_layer_which_is_made) {
     layers->close();
 }
 
+TEST_F(LayerConversion, dimensions_of_a_drawing_without_tables_give_16) {
+    AcDbDatabase empty(false, true);
+    EXPECT_EQ(GatherDimensions(L"DIM", &empty), 16);
+}
+
 }  // namespace

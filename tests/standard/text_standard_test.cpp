@@ -181,4 +181,13 @@ TEST_F(TextStandard, missing_bar_style_leaves_barcodes_without_message) {
     EXPECT_EQ(TextStyleName(barcode), L"Standard");
 }
 
+TEST_F(TextStandard, style_look_up_closes_the_style_table) {
+    AddTextStyle(Drawing(), L"bar");
+    EXPECT_EQ(ApplyTextStyle(L"bar", L"`**`*", Db()), 0);
+    EXPECT_EQ(SetStyleFonts(L"bar", Db()), 0);
+    AcDbTextStyleTable* styles = nullptr;
+    ASSERT_EQ(Drawing().getSymbolTable(styles, AcDb::kForWrite), Acad::eOk);
+    styles->close();
+}
+
 }  // namespace
