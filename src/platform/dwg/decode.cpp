@@ -101,6 +101,14 @@ bool DecodeObject(ObjectStreams& o, const std::vector<ClassRecord>& classes, Dec
         case kSolid:
         case kTrace: return Decode<SolidRecord>(o, out, ReadSolid);
         case kDictionary: return Decode<DictionaryRecord>(o, out, ReadDictionary);
+        case kSpline: return Decode<SplineRecord>(o, out, ReadSpline);
+        case kDimensionOrdinate:
+        case kDimensionLinear:
+        case kDimensionAligned:
+        case kDimensionAngular3Pt:
+        case kDimensionAngular2Ln:
+        case kDimensionRadius:
+        case kDimensionDiameter: return Decode<DimensionRecord>(o, out, ReadDimension);
         default: return Keep(o, IsEntityType(o.type, classes), o.data.buffer(), out);
     }
 }
