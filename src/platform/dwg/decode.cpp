@@ -102,6 +102,7 @@ bool DecodeObject(ObjectStreams& o, const std::vector<ClassRecord>& classes, Dec
         case kTrace: return Decode<SolidRecord>(o, out, ReadSolid);
         case kDictionary: return Decode<DictionaryRecord>(o, out, ReadDictionary);
         case kSpline: return Decode<SplineRecord>(o, out, ReadSpline);
+        case kXRecord: return Decode<XRecordRecord>(o, out, ReadXRecord);
         case kDimensionOrdinate:
         case kDimensionLinear:
         case kDimensionAligned:

@@ -396,6 +396,13 @@ void WriteObject(DxfText& out, const DecodedObject& decoded, const std::string& 
         }
         return;
     }
+    if (const auto* x = std::get_if<XRecordRecord>(&decoded)) {
+        Head(out, typeName, x->common, x->common.owner);
+        out.tag(100, "AcDbXrecord");
+        out.integer(280, x->cloning);
+        for (const auto& [code, value] : x->groups) out.tag(code, value);
+        return;
+    }
     if (const auto* k = std::get_if<KeptObject>(&decoded)) {
         Head(out, typeName, k->common, k->common.owner);
         return;

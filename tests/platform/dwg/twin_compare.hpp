@@ -96,12 +96,33 @@ private:
         if (auto* x = AcDbSymbolTableRecord::cast(&a)) {
             text("name", Numbered(x->name()), Numbered(AcDbSymbolTableRecord::cast(&b)->name()));
         }
+        if (kindOf(a) == L"XRECORD") data(a.fileTags(), b.fileTags());
         auto* e = AcDbEntity::cast(&a);
         if (e == nullptr) return;
         const auto* f = AcDbEntity::cast(&b);
         text("layer", e->layer(), f->layer());
         number("colour", e->colorIndex(), f->colorIndex());
         entity(*e, *f);
+    }
+
+    // The groups after the record's subclass marker, as text.
+    static std::vector<std::string> Body(const AcDbRawTags& tags) {
+        std::vector<std::string> out;
+        bool body = false;
+        for (const auto& t : tags) {
+            if (body) out.push_back(std::to_string(t.code) + "=" + std::string(t.value));
+            if (t.code == 100) body = true;
+        }
+        return out;
+    }
+    void data(const AcDbRawTags& a, const AcDbRawTags& b) {
+        const auto x = Body(a), y = Body(b);
+        for (std::size_t i = 0; i < std::max(x.size(), y.size()); ++i) {
+            const std::string p = i < x.size() ? x[i] : "", q = i < y.size() ? y[i] : "";
+            if (p == q) continue;
+            differ("group " + std::to_string(i), p, q);
+            return;
+        }
     }
 
     void entity(const AcDbEntity& a, const AcDbEntity& b) {
