@@ -70,9 +70,10 @@ void Thickness(DxfText& out, double thickness) {
     if (thickness != 0) out.tag(39, thickness);
 }
 
-// The owner, extension dictionary and reactors every record starts with.
-void Head(DxfText& out, const std::string& type, const ObjectCommon& c, std::uint64_t owner,
-          int handleCode = 5) {
+}  // namespace
+
+void WriteHead(DxfText& out, const std::string& type, const ObjectCommon& c, std::uint64_t owner,
+               int handleCode) {
     out.tag(0, type);
     out.handle(handleCode, c.handle);
     if (!c.reactors.empty()) {
@@ -86,6 +87,12 @@ void Head(DxfText& out, const std::string& type, const ObjectCommon& c, std::uin
         out.tag(102, "}");
     }
     out.handle(330, owner);
+}
+
+namespace {
+
+void Head(DxfText& out, const std::string& type, const ObjectCommon& c, std::uint64_t owner) {
+    WriteHead(out, type, c, owner, 5);
 }
 
 void EntityProperties(DxfText& out, const EntityCommon& c, std::uint64_t owner,

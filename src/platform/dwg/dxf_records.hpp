@@ -36,6 +36,10 @@ struct NameIndex {
                      std::uint64_t handle) const;
 };
 
+// The head every record starts with: type, handle, reactors, extension dictionary, owner.
+void WriteHead(DxfText& out, const std::string& type, const ObjectCommon& c, std::uint64_t owner,
+               int handleCode = 5);
+
 // The entity's record: its type name, head, common properties and values. owner is the block
 // record (or the entity) that holds it. Kept kinds give their head and common part only.
 void WriteEntity(DxfText& out, const DecodedObject& decoded, const std::string& typeName,

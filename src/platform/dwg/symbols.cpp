@@ -48,12 +48,36 @@ int EntryFlags(const TableEntry& e, int own = 0) {
 }
 
 void RecordHead(DxfText& out, const std::string& type, const TableEntry& e, const char* subclass) {
-    out.tag(0, type);
-    out.handle(type == "DIMSTYLE" ? 105 : 5, e.common.handle);
-    out.handle(330, e.common.owner);
+    WriteHead(out, type, e.common, e.common.owner, type == "DIMSTYLE" ? 105 : 5);
     out.tag(100, "AcDbSymbolTableRecord");
     out.tag(100, subclass);
     out.tag(2, e.name);
+}
+
+void WriteDimensionVariables(DxfText& out, const DimensionVariables& m) {
+    out.tag(3, m.post);
+    out.tag(4, m.apost);
+    const std::pair<int, double> reals[] = {
+        {40, m.scale}, {41, m.asz}, {42, m.exo}, {43, m.dli}, {44, m.exe}, {45, m.rnd},
+        {46, m.dle}, {47, m.tp}, {48, m.tm}, {140, m.txt}, {141, m.cen}, {142, m.tsz},
+        {143, m.altf}, {144, m.lfac}, {145, m.tvp}, {146, m.tfac}, {147, m.gap}, {148, m.altrnd}};
+    for (const auto& [code, value] : reals) out.tag(code, value);
+    const std::pair<int, int> shorts[] = {
+        {71, m.tol}, {72, m.lim}, {73, m.tih}, {74, m.toh}, {75, m.se1}, {76, m.se2},
+        {77, m.tad}, {78, m.zin}, {79, m.azin}, {170, m.alt}, {171, m.altd}, {172, m.tofl},
+        {173, m.sah}, {174, m.tix}, {175, m.soxd}, {176, m.clrd.index}, {177, m.clre.index},
+        {178, m.clrt.index}, {179, m.adec}, {271, m.dec}, {272, m.tdec}, {273, m.altu},
+        {274, m.alttd}, {275, m.aunit}, {276, m.frac}, {277, m.lunit}, {278, m.dsep},
+        {279, m.tmove}, {280, m.just}, {281, m.sd1}, {282, m.sd2}, {283, m.tolj},
+        {284, m.tzin}, {285, m.altz}, {286, m.alttz}, {288, m.upt}, {289, m.atfit},
+        {371, m.lwd}, {372, m.lwe}};
+    for (const auto& [code, value] : shorts) out.integer(code, value);
+    const std::pair<int, std::uint64_t> handles[] = {
+        {340, m.txsty}, {341, m.ldrblk}, {342, m.blkHandle}, {343, m.blk1Handle},
+        {344, m.blk2Handle}};
+    for (const auto& [code, value] : handles) {
+        if (value != 0) out.handle(code, value);
+    }
 }
 
 }  // namespace
@@ -63,6 +87,10 @@ bool ReadSymbolRecord(ObjectStreams& o, SymbolRecord& out) {
     if (o.type == kStyle) ReadStyle(o, out);
     if (o.type == kLinetype) ReadLinetype(o, out);
     ReadTableEntryHandles(o, out.entry);
+    if (o.type == kDimensionStyle) {
+        ReadDimensionVariables(o.data, o.text(), o.handles, out.dim);
+        o.data.B();
+    }
     return !o.data.failed() && !o.strings.failed() && !o.handles.failed();
 }
 
@@ -89,6 +117,7 @@ void WriteSymbolRecord(DxfText& out, const std::string& table, const SymbolRecor
         return;
     }
     out.integer(70, EntryFlags(r.entry));
+    if (table == "DIMSTYLE") WriteDimensionVariables(out, r.dim);
     if (table == "LTYPE") {
         out.tag(3, r.description);
         out.integer(72, 65);

@@ -8,6 +8,7 @@
 
 #include "platform/dwg/blocks.hpp"
 #include "platform/dwg/dxf_records.hpp"
+#include "platform/dwg/header.hpp"
 #include "platform/dwg/tables.hpp"
 
 namespace dwg {
@@ -23,6 +24,8 @@ struct SymbolRecord {
     std::string description;
     double patternLength = 0;
     std::vector<double> dashes;
+    // DIMSTYLE
+    DimensionVariables dim;
 };
 
 // Reads the record by its type: the text style and linetype values in full, the name and
