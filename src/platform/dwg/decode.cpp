@@ -110,8 +110,14 @@ bool DecodeObject(ObjectStreams& o, const std::vector<ClassRecord>& classes, Dec
         case kDimensionAngular2Ln:
         case kDimensionRadius:
         case kDimensionDiameter: return Decode<DimensionRecord>(o, out, ReadDimension);
-        default: return Keep(o, IsEntityType(o.type, classes), o.data.buffer(), out);
+        case kLayout: return Decode<LayoutRecord>(o, out, ReadLayout);
+        default: break;
     }
+    // Kinds numbered per drawing are told by their class name.
+    const std::string name = o.type >= 500 ? TypeName(o.type, classes) : std::string();
+    if (name == "LAYOUT") return Decode<LayoutRecord>(o, out, ReadLayout);
+    if (name == "XRECORD") return Decode<XRecordRecord>(o, out, ReadXRecord);
+    return Keep(o, IsEntityType(o.type, classes), o.data.buffer(), out);
 }
 
 }  // namespace dwg

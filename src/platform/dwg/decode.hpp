@@ -6,6 +6,7 @@
 
 #include "platform/dwg/annotations.hpp"
 #include "platform/dwg/curves.hpp"
+#include "platform/dwg/layout.hpp"
 #include "platform/dwg/objects.hpp"
 #include "platform/dwg/texts.hpp"
 #include "platform/dwg/xrecord.hpp"
@@ -26,7 +27,7 @@ using DecodedObject =
                  AttributeRecord, MTextRecord, InsertRecord, BlockBeginRecord, EntityCommon,
                  BlockHeaderRecord, LayerRecord, EllipseRecord, LwPolylineRecord,
                  PolylineRecord, VertexRecord, SolidRecord, DictionaryRecord,
-                 DimensionRecord, SplineRecord, XRecordRecord>;
+                 DimensionRecord, SplineRecord, XRecordRecord, LayoutRecord>;
 
 // False when the object's data does not hold what its type needs. The classes tell whether a
 // drawing's own type (500 and up) is an entity.

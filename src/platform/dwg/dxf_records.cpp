@@ -370,6 +370,61 @@ void Body(DxfText& out, const SplineRecord& r, const NameIndex&) {
     for (const auto& p : r.fitPoints) out.point(11, p);
 }
 
+void WritePlotSettings(DxfText& out, const PlotSettings& p) {
+    out.tag(100, "AcDbPlotSettings");
+    out.tag(1, p.pageSetupName);
+    out.tag(2, p.printerName);
+    out.tag(4, p.paperSize);
+    out.tag(6, p.plotViewName);
+    for (int i = 0; i < 4; ++i) out.tag(40 + i, p.margins[i]);
+    out.tag(44, p.paperWidth);
+    out.tag(45, p.paperHeight);
+    out.tag(46, p.origin.x);
+    out.tag(47, p.origin.y);
+    out.tag(48, p.windowMin.x);
+    out.tag(49, p.windowMin.y);
+    out.tag(140, p.windowMax.x);
+    out.tag(141, p.windowMax.y);
+    out.tag(142, p.realWorldUnits);
+    out.tag(143, p.drawingUnits);
+    out.integer(70, p.flags);
+    out.integer(72, p.paperUnits);
+    out.integer(73, p.rotation);
+    out.integer(74, p.plotType);
+    out.tag(7, p.styleSheet);
+    out.integer(75, p.scaleType);
+    out.integer(76, p.shadeMode);
+    if (p.shadeResolution != 0) out.integer(77, p.shadeResolution);
+    if (p.shadeDpi != 0) out.integer(78, p.shadeDpi);
+    out.tag(147, p.scaleFactor);
+    out.tag(148, p.imageOrigin.x);
+    out.tag(149, p.imageOrigin.y);
+    if (p.plotView != 0) out.handle(333, p.plotView);
+}
+
+void WriteLayout(DxfText& out, const LayoutRecord& l, const std::string& typeName) {
+    WriteHead(out, typeName, l.common, l.common.owner, 5);
+    WritePlotSettings(out, l.plot);
+    out.tag(100, "AcDbLayout");
+    out.tag(1, l.name);
+    out.integer(70, l.flags);
+    out.integer(71, l.tabOrder);
+    out.point(10, l.limmin);
+    out.point(11, l.limmax);
+    out.point(12, l.insbase);
+    out.point(14, l.extmin);
+    out.point(15, l.extmax);
+    out.tag(146, l.elevation);
+    out.point(13, l.ucsOrigin);
+    out.point(16, l.ucsX);
+    out.point(17, l.ucsY);
+    out.integer(76, l.orthoView);
+    out.handle(330, l.block);
+    if (l.viewport != 0) out.handle(331, l.viewport);
+    if (l.namedUcs != 0) out.handle(345, l.namedUcs);
+    if (l.baseUcs != 0) out.handle(346, l.baseUcs);
+}
+
 }  // namespace
 
 void WriteEntity(DxfText& out, const DecodedObject& decoded, const std::string& typeName,
@@ -408,6 +463,10 @@ void WriteObject(DxfText& out, const DecodedObject& decoded, const std::string& 
         out.tag(100, "AcDbXrecord");
         out.integer(280, x->cloning);
         for (const auto& [code, value] : x->groups) out.tag(code, value);
+        return;
+    }
+    if (const auto* l = std::get_if<LayoutRecord>(&decoded)) {
+        WriteLayout(out, *l, typeName);
         return;
     }
     if (const auto* k = std::get_if<KeptObject>(&decoded)) {

@@ -97,6 +97,9 @@ private:
             text("name", Numbered(x->name()), Numbered(AcDbSymbolTableRecord::cast(&b)->name()));
         }
         if (kindOf(a) == L"XRECORD") data(a.fileTags(), b.fileTags());
+        if (auto* x = AcDbDimStyleTableRecord::cast(&a)) {
+            dimensionStyle(*x, *AcDbDimStyleTableRecord::cast(&b));
+        }
         auto* e = AcDbEntity::cast(&a);
         if (e == nullptr) return;
         const auto* f = AcDbEntity::cast(&b);
@@ -122,6 +125,25 @@ private:
             if (p == q) continue;
             differ("group " + std::to_string(i), p, q);
             return;
+        }
+    }
+
+    // Every variable the DXF gives (it leaves out those at their defaults).
+    void dimensionStyle(const AcDbDimStyleTableRecord& a, const AcDbDimStyleTableRecord& b) {
+        for (const auto& [code, value] : b.dimVars()) {
+            const auto it = a.dimVars().find(code);
+            const std::string what = "dimension variable " + std::to_string(code);
+            if (it == a.dimVars().end()) {
+                differ(what, "", "set");
+            } else if (value.kind == AcDbDimVarValue::kReal) {
+                number(what, it->second.real, value.real);
+            } else if (value.kind == AcDbDimVarValue::kInt) {
+                number(what, it->second.integer, value.integer);
+            } else if (value.kind == AcDbDimVarValue::kString) {
+                text(what, it->second.text, value.text);
+            } else {
+                number(what, it->second.id.handle().value(), value.id.handle().value());
+            }
         }
     }
 
