@@ -6,6 +6,7 @@
 
 #include <fstream>
 
+#include "platform/db/block_table_record.hpp"
 #include "platform/db/database.hpp"
 #include "platform/dwg/corpus_files.hpp"
 #include "platform/dxf/dxf.hpp"
@@ -57,6 +58,33 @@ TEST(DwgDrawing, example_2000_equals_its_dxf_twin_object_by_object) {
     for (auto h : twins.missing) ADD_FAILURE() << std::hex << h << " is missing";
     EXPECT_GT(twins.compared, 400);
     std::cout << twins.compared << " objects compared\n";
+}
+
+}  // namespace
+
+namespace {
+
+TEST(DwgDrawing, every_uncompressed_corpus_drawing_reads_into_a_database) {
+    const std::pair<const char*, dwg::Version> files[] = {
+        {"example_r14.dwg", dwg::Version::kR14},
+        {"example_2000.dwg", dwg::Version::kR2000},
+        {"Leader.dwg", dwg::Version::kR14},
+        {"entities-2d.dwg", dwg::Version::kR2000},
+        {"color_sample_AC1015.dwg", dwg::Version::kR2000}};
+    for (const auto& [name, version] : files) {
+        SCOPED_TRACE(name);
+        const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath(name));
+        std::string text;
+        dwg::MapError error;
+        ASSERT_TRUE(dwg::DwgToDxfText(UncompressedSections(file, version), text, error))
+            << error.reason << " at " << error.offset;
+        AcDbDatabase db(false, true);
+        ASSERT_EQ(dxf::ReadDxfBytes(db, text, name), Acad::eOk) << Utf8FromWide(db.lastError());
+        AcDbBlockTableRecord* model = nullptr;
+        ASSERT_EQ(acdbOpenObject(model, db.modelSpaceId(), AcDb::kForRead), Acad::eOk);
+        EXPECT_GT(model->entityIds().length(), 0);
+        model->close();
+    }
 }
 
 }  // namespace
