@@ -141,6 +141,10 @@ ClassInterfaceData* RunFirstCleanups(AcDbDatabase* db) {
     cleanup->SetUserPath(userPath);
     cleanup->FunCoorToZero();
     cleanup->FunChangeColor();
+    cleanup->FunModifyColor();
+    cleanup->FunDeleteRepeatingLine();
+    cleanup->FunConnectPline();
+    cleanup->FunLineDeviation();
     return cleanup;
 }
 
