@@ -111,12 +111,14 @@ bool DecodeObject(ObjectStreams& o, const std::vector<ClassRecord>& classes, Dec
         case kDimensionRadius:
         case kDimensionDiameter: return Decode<DimensionRecord>(o, out, ReadDimension);
         case kLayout: return Decode<LayoutRecord>(o, out, ReadLayout);
+        case kHatch: return Decode<HatchRecord>(o, out, ReadHatch);
         default: break;
     }
     // Kinds numbered per drawing are told by their class name.
     const std::string name = o.type >= 500 ? TypeName(o.type, classes) : std::string();
     if (name == "LAYOUT") return Decode<LayoutRecord>(o, out, ReadLayout);
     if (name == "XRECORD") return Decode<XRecordRecord>(o, out, ReadXRecord);
+    if (name == "HATCH") return Decode<HatchRecord>(o, out, ReadHatch);
     return Keep(o, IsEntityType(o.type, classes), o.data.buffer(), out);
 }
 

@@ -6,6 +6,7 @@
 
 #include "platform/dwg/annotations.hpp"
 #include "platform/dwg/curves.hpp"
+#include "platform/dwg/hatch.hpp"
 #include "platform/dwg/layout.hpp"
 #include "platform/dwg/objects.hpp"
 #include "platform/dwg/texts.hpp"
@@ -27,7 +28,8 @@ using DecodedObject =
                  AttributeRecord, MTextRecord, InsertRecord, BlockBeginRecord, EntityCommon,
                  BlockHeaderRecord, LayerRecord, EllipseRecord, LwPolylineRecord,
                  PolylineRecord, VertexRecord, SolidRecord, DictionaryRecord,
-                 DimensionRecord, SplineRecord, XRecordRecord, LayoutRecord>;
+                 DimensionRecord, SplineRecord, XRecordRecord, LayoutRecord,
+                 HatchRecord>;
 
 // False when the object's data does not hold what its type needs. The classes tell whether a
 // drawing's own type (500 and up) is an entity.

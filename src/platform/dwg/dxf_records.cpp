@@ -304,6 +304,104 @@ void Body(DxfText& out, const SolidRecord& r, const NameIndex&) {
     Normal(out, r.normal);
 }
 
+void HatchEdgeBody(DxfText& out, const HatchEdge& e) {
+    out.integer(72, e.type);
+    switch (e.type) {
+        case 1:
+            out.point(10, e.start);
+            out.point(11, e.end);
+            return;
+        case 2:
+        case 3:
+            out.point(10, e.start);
+            if (e.type == 3) out.point(11, e.end);
+            out.tag(40, e.radius);
+            out.angle(50, e.startAngle);
+            out.angle(51, e.endAngle);
+            out.integer(73, e.counterClockwise ? 1 : 0);
+            return;
+        default: break;
+    }
+    out.integer(94, e.degree);
+    out.integer(73, e.rational ? 1 : 0);
+    out.integer(74, e.periodic ? 1 : 0);
+    out.integer(95, static_cast<long long>(e.knots.size()));
+    out.integer(96, static_cast<long long>(e.controlPoints.size()));
+    for (double k : e.knots) out.tag(40, k);
+    for (std::size_t i = 0; i < e.controlPoints.size(); ++i) {
+        out.point(10, e.controlPoints[i]);
+        if (i < e.weights.size()) out.tag(42, e.weights[i]);
+    }
+    if (e.fitPoints.empty()) return;
+    out.integer(97, static_cast<long long>(e.fitPoints.size()));
+    for (const auto& p : e.fitPoints) out.point(11, p);
+    out.point(12, e.startTangent);
+    out.point(13, e.endTangent);
+}
+
+void HatchPathBody(DxfText& out, const HatchPath& p) {
+    out.integer(92, p.flags);
+    if (p.flags & 2) {
+        out.integer(72, p.hasBulges ? 1 : 0);
+        out.integer(73, p.closed ? 1 : 0);
+        out.integer(93, static_cast<long long>(p.vertices.size()));
+        for (std::size_t i = 0; i < p.vertices.size(); ++i) {
+            out.point(10, p.vertices[i]);
+            if (p.hasBulges) out.tag(42, i < p.bulges.size() ? p.bulges[i] : 0.0);
+        }
+    } else {
+        out.integer(93, static_cast<long long>(p.edges.size()));
+        for (const auto& e : p.edges) HatchEdgeBody(out, e);
+    }
+    out.integer(97, static_cast<long long>(p.sources.size()));
+    for (auto h : p.sources) out.handle(330, h);
+}
+
+void Body(DxfText& out, const HatchRecord& r, const NameIndex&) {
+    out.tag(100, "AcDbHatch");
+    out.point(10, Point3{0, 0, r.elevation});
+    out.point(210, r.normal);
+    out.tag(2, r.name);
+    out.integer(70, r.solid ? 1 : 0);
+    out.integer(71, r.associative ? 1 : 0);
+    out.integer(91, static_cast<long long>(r.paths.size()));
+    for (const auto& p : r.paths) HatchPathBody(out, p);
+    out.integer(75, r.style);
+    out.integer(76, r.patternType);
+    if (!r.solid) {
+        out.angle(52, r.angle);
+        out.tag(41, r.scale);
+        out.integer(77, r.doubled ? 1 : 0);
+        out.integer(78, static_cast<long long>(r.lines.size()));
+        for (const auto& l : r.lines) {
+            out.angle(53, l.angle);
+            out.tag(43, l.base.x);
+            out.tag(44, l.base.y);
+            out.tag(45, l.offset.x);
+            out.tag(46, l.offset.y);
+            out.integer(79, static_cast<long long>(l.dashes.size()));
+            for (double dash : l.dashes) out.tag(49, dash);
+        }
+    }
+    if (r.hasPixelSize) out.tag(47, r.pixelSize);
+    out.integer(98, static_cast<long long>(r.seeds.size()));
+    for (const auto& p : r.seeds) out.point(10, p);
+    if (!r.gradient) return;
+    out.integer(450, 1);
+    out.integer(451, r.gradientReserved);
+    out.integer(452, r.singleColor);
+    out.integer(453, static_cast<long long>(r.gradientColors.size()));
+    out.angle(460, r.gradientAngle);
+    out.tag(461, r.gradientShift);
+    out.tag(462, r.gradientTint);
+    for (const auto& [value, rgb] : r.gradientColors) {
+        out.tag(463, value);
+        out.integer(63, 256);
+        out.integer(421, rgb & 0xFFFFFF);
+    }
+    out.tag(470, r.gradientName);
+}
+
 const char* DimensionSubclass(int dxfType) {
     switch (dxfType) {
         case 0: return "AcDbAlignedDimension";
