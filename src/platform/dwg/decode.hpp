@@ -9,6 +9,7 @@
 #include "platform/dwg/hatch.hpp"
 #include "platform/dwg/layout.hpp"
 #include "platform/dwg/objects.hpp"
+#include "platform/dwg/small_kinds.hpp"
 #include "platform/dwg/texts.hpp"
 #include "platform/dwg/xrecord.hpp"
 
@@ -29,7 +30,8 @@ using DecodedObject =
                  BlockHeaderRecord, LayerRecord, EllipseRecord, LwPolylineRecord,
                  PolylineRecord, VertexRecord, SolidRecord, DictionaryRecord,
                  DimensionRecord, SplineRecord, XRecordRecord, LayoutRecord,
-                 HatchRecord>;
+                 HatchRecord, FaceRecord, RayRecord, DictionaryVariableRecord, ScaleRecord,
+                 GroupRecord, PlaceHolderRecord>;
 
 // False when the object's data does not hold what its type needs. The classes tell whether a
 // drawing's own type (500 and up) is an entity.

@@ -304,6 +304,18 @@ void Body(DxfText& out, const SolidRecord& r, const NameIndex&) {
     Normal(out, r.normal);
 }
 
+void Body(DxfText& out, const FaceRecord& r, const NameIndex&) {
+    out.tag(100, "AcDbFace");
+    for (int i = 0; i < 4; ++i) out.point(10 + i, r.corners[i]);
+    if (r.invisibleEdges != 0) out.integer(70, r.invisibleEdges);
+}
+
+void Body(DxfText& out, const RayRecord& r, const NameIndex&, const std::string& typeName) {
+    out.tag(100, typeName == "RAY" ? "AcDbRay" : "AcDbXline");
+    out.point(10, r.point);
+    out.point(11, r.direction);
+}
+
 void HatchEdgeBody(DxfText& out, const HatchEdge& e) {
     out.integer(72, e.type);
     switch (e.type) {
@@ -491,7 +503,7 @@ void WritePlotSettings(DxfText& out, const PlotSettings& p) {
     out.integer(74, p.plotType);
     out.tag(7, p.styleSheet);
     out.integer(75, p.scaleType);
-    out.integer(76, p.shadeMode);
+    if (p.shadeMode != 0) out.integer(76, p.shadeMode);
     if (p.shadeResolution != 0) out.integer(77, p.shadeResolution);
     if (p.shadeDpi != 0) out.integer(78, p.shadeDpi);
     out.tag(147, p.scaleFactor);
@@ -536,6 +548,8 @@ void WriteEntity(DxfText& out, const DecodedObject& decoded, const std::string& 
             using R = std::decay_t<decltype(r)>;
             if constexpr (std::is_same_v<R, AttributeRecord>) {
                 Body(out, r, names, typeName == "ATTDEF");
+            } else if constexpr (std::is_same_v<R, RayRecord>) {
+                Body(out, r, names, typeName);
             } else if constexpr (requires { Body(out, r, names); }) {
                 Body(out, r, names);
             }
@@ -543,34 +557,74 @@ void WriteEntity(DxfText& out, const DecodedObject& decoded, const std::string& 
         decoded);
 }
 
+namespace {
+
+void ObjectBody(DxfText& out, const DictionaryRecord& d) {
+    out.tag(100, "AcDbDictionary");
+    if (d.hardOwner != 0) out.integer(280, d.hardOwner);
+    out.integer(281, d.cloning);
+    for (const auto& [name, entry] : d.entries) {
+        out.tag(3, name);
+        out.handle(d.hardOwner != 0 ? 360 : 350, entry);
+    }
+    if (d.withDefault) {
+        out.tag(100, "AcDbDictionaryWithDefault");
+        out.handle(340, d.defaultEntry);
+    }
+}
+
+void ObjectBody(DxfText& out, const XRecordRecord& x) {
+    out.tag(100, "AcDbXrecord");
+    out.integer(280, x.cloning);
+    for (const auto& [code, value] : x.groups) out.tag(code, value);
+}
+
+void ObjectBody(DxfText& out, const DictionaryVariableRecord& v) {
+    out.tag(100, "DictionaryVariables");
+    out.integer(280, v.schema);
+    out.tag(1, v.value);
+}
+
+void ObjectBody(DxfText& out, const ScaleRecord& s) {
+    out.tag(100, "AcDbScale");
+    out.integer(70, s.flags);
+    out.tag(300, s.name);
+    out.tag(140, s.paperUnits);
+    out.tag(141, s.drawingUnits);
+    out.integer(290, s.unitScale ? 1 : 0);
+}
+
+void ObjectBody(DxfText& out, const GroupRecord& g) {
+    out.tag(100, "AcDbGroup");
+    out.tag(300, g.description);
+    out.integer(70, g.unnamed);
+    out.integer(71, g.selectable);
+    for (auto h : g.entities) out.handle(340, h);
+}
+
+void ObjectBody(DxfText&, const PlaceHolderRecord&) {}
+void ObjectBody(DxfText&, const KeptObject&) {}
+
+}  // namespace
+
 void WriteObject(DxfText& out, const DecodedObject& decoded, const std::string& typeName,
                  std::uint64_t handle) {
-    if (const auto* d = std::get_if<DictionaryRecord>(&decoded)) {
-        Head(out, typeName, d->common, d->common.owner);
-        out.tag(100, "AcDbDictionary");
-        if (d->hardOwner != 0) out.integer(280, d->hardOwner);
-        out.integer(281, d->cloning);
-        for (const auto& [name, entry] : d->entries) {
-            out.tag(3, name);
-            out.handle(d->hardOwner != 0 ? 360 : 350, entry);
-        }
-        return;
-    }
-    if (const auto* x = std::get_if<XRecordRecord>(&decoded)) {
-        Head(out, typeName, x->common, x->common.owner);
-        out.tag(100, "AcDbXrecord");
-        out.integer(280, x->cloning);
-        for (const auto& [code, value] : x->groups) out.tag(code, value);
-        return;
-    }
     if (const auto* l = std::get_if<LayoutRecord>(&decoded)) {
         WriteLayout(out, *l, typeName);
         return;
     }
-    if (const auto* k = std::get_if<KeptObject>(&decoded)) {
-        Head(out, typeName, k->common, k->common.owner);
-        return;
-    }
+    const bool written = std::visit(
+        [&](const auto& r) {
+            if constexpr (requires { ObjectBody(out, r); r.common.owner; }) {
+                Head(out, typeName, r.common, r.common.owner);
+                ObjectBody(out, r);
+                return true;
+            } else {
+                return false;
+            }
+        },
+        decoded);
+    if (written) return;
     out.tag(0, typeName);
     out.handle(5, handle);
 }

@@ -96,7 +96,13 @@ private:
         if (auto* x = AcDbSymbolTableRecord::cast(&a)) {
             text("name", Numbered(x->name()), Numbered(AcDbSymbolTableRecord::cast(&b)->name()));
         }
-        if (kindOf(a) == L"XRECORD" || kindOf(a) == L"AcDbHatch") data(a.fileTags(), b.fileTags());
+        // The kinds kept as their DXF groups: compared group by group.
+        static const std::wstring kByGroups[] = {L"XRECORD", L"AcDbHatch", L"DICTIONARYVAR",
+                                                 L"SCALE", L"GROUP", L"AcDbFace", L"AcDbRay",
+                                                 L"AcDbXline", L"LAYOUT"};
+        for (const auto& kind : kByGroups) {
+            if (kindOf(a) == kind) data(a.fileTags(), b.fileTags());
+        }
         if (auto* x = AcDbDimStyleTableRecord::cast(&a)) {
             dimensionStyle(*x, *AcDbDimStyleTableRecord::cast(&b));
         }
