@@ -103,6 +103,21 @@ private:
         for (const auto& kind : kByGroups) {
             if (kindOf(a) == kind) data(a.fileTags(), b.fileTags());
         }
+        // The active viewport follows the screen of whoever saved the file last: the DXF was
+        // exported in another session.
+        auto* x = AcDbAbstractViewTableRecord::cast(&a);
+        if (x && x->name() != L"*Active") {
+            auto* y = AcDbAbstractViewTableRecord::cast(&b);
+            number("view centre x", x->centerPoint().x, y->centerPoint().x);
+            number("view centre y", x->centerPoint().y, y->centerPoint().y);
+            number("view height", x->height(), y->height());
+            number("view width", x->width(), y->width());
+            point("view target", x->target(), y->target());
+            number("view direction z", x->viewDirection().z, y->viewDirection().z);
+        }
+        if (auto* u = AcDbUCSTableRecord::cast(&a)) {
+            point("ucs origin", u->origin(), AcDbUCSTableRecord::cast(&b)->origin());
+        }
         if (auto* x = AcDbDimStyleTableRecord::cast(&a)) {
             dimensionStyle(*x, *AcDbDimStyleTableRecord::cast(&b));
         }
