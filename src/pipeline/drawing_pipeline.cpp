@@ -140,6 +140,7 @@ ClassInterfaceData* RunFirstCleanups(AcDbDatabase* db) {
     cleanup->SetLogPath(kLogLogPath);
     cleanup->SetUserPath(userPath);
     cleanup->FunCoorToZero();
+    cleanup->FunSplineToLineAndArc();
     cleanup->FunLineAndArcMerged();
     cleanup->FunChangeColor();
     return cleanup;
