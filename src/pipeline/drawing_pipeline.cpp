@@ -141,6 +141,7 @@ ClassInterfaceData* RunFirstCleanups(AcDbDatabase* db) {
     cleanup->SetUserPath(userPath);
     cleanup->FunCoorToZero();
     cleanup->FunSplineToLineAndArc();
+    cleanup->FunSplineToPline();
     cleanup->FunLineAndArcMerged();
     cleanup->FunChangeColor();
     return cleanup;
