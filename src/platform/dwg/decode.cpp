@@ -101,8 +101,23 @@ bool DecodeObject(ObjectStreams& o, const std::vector<ClassRecord>& classes, Dec
         case kSolid:
         case kTrace: return Decode<SolidRecord>(o, out, ReadSolid);
         case kDictionary: return Decode<DictionaryRecord>(o, out, ReadDictionary);
-        default: return Keep(o, IsEntityType(o.type, classes), o.data.buffer(), out);
+        case kSpline: return Decode<SplineRecord>(o, out, ReadSpline);
+        case kXRecord: return Decode<XRecordRecord>(o, out, ReadXRecord);
+        case kDimensionOrdinate:
+        case kDimensionLinear:
+        case kDimensionAligned:
+        case kDimensionAngular3Pt:
+        case kDimensionAngular2Ln:
+        case kDimensionRadius:
+        case kDimensionDiameter: return Decode<DimensionRecord>(o, out, ReadDimension);
+        case kLayout: return Decode<LayoutRecord>(o, out, ReadLayout);
+        default: break;
     }
+    // Kinds numbered per drawing are told by their class name.
+    const std::string name = o.type >= 500 ? TypeName(o.type, classes) : std::string();
+    if (name == "LAYOUT") return Decode<LayoutRecord>(o, out, ReadLayout);
+    if (name == "XRECORD") return Decode<XRecordRecord>(o, out, ReadXRecord);
+    return Keep(o, IsEntityType(o.type, classes), o.data.buffer(), out);
 }
 
 }  // namespace dwg

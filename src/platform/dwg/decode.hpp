@@ -4,9 +4,12 @@
 // reference of their handle stream, so that a writer can put them back.
 #include <variant>
 
+#include "platform/dwg/annotations.hpp"
 #include "platform/dwg/curves.hpp"
+#include "platform/dwg/layout.hpp"
 #include "platform/dwg/objects.hpp"
 #include "platform/dwg/texts.hpp"
+#include "platform/dwg/xrecord.hpp"
 
 namespace dwg {
 
@@ -23,7 +26,8 @@ using DecodedObject =
     std::variant<std::monostate, KeptObject, LineRecord, CircleRecord, ArcRecord, PointRecord, TextRecord,
                  AttributeRecord, MTextRecord, InsertRecord, BlockBeginRecord, EntityCommon,
                  BlockHeaderRecord, LayerRecord, EllipseRecord, LwPolylineRecord,
-                 PolylineRecord, VertexRecord, SolidRecord, DictionaryRecord>;
+                 PolylineRecord, VertexRecord, SolidRecord, DictionaryRecord,
+                 DimensionRecord, SplineRecord, XRecordRecord, LayoutRecord>;
 
 // False when the object's data does not hold what its type needs. The classes tell whether a
 // drawing's own type (500 and up) is an entity.

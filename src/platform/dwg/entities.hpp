@@ -13,10 +13,13 @@ enum ObjectType : std::int32_t {
     kText = 1, kAttrib = 2, kAttdef = 3, kBlock = 4, kEndblk = 5, kSeqend = 6, kInsert = 7,
     kMinsert = 8, kVertex2d = 10, kVertex3d = 11, kVertexMesh = 12, kVertexPface = 13,
     kVertexPfaceFace = 14, kPolyline2d = 15, kPolyline3d = 16, kPolylinePface = 29,
-    kArc = 17, kCircle = 18, kLine = 19, kPoint = 27, kFace3d = 28, kSolid = 31, kTrace = 32,
+    kArc = 17, kCircle = 18, kLine = 19, kDimensionOrdinate = 20, kDimensionLinear = 21,
+    kDimensionAligned = 22, kDimensionAngular3Pt = 23, kDimensionAngular2Ln = 24,
+    kDimensionRadius = 25, kDimensionDiameter = 26, kPoint = 27, kFace3d = 28, kSolid = 31, kTrace = 32,
     kEllipse = 35, kSpline = 36, kMText = 44, kLeader = 45, kLwPolyline = 77, kHatch = 78,
     kDictionary = 42, kBlockControl = 48, kBlockHeader = 49, kLayerControl = 50, kLayer = 51,
-    kStyleControl = 52, kStyle = 53, kLinetypeControl = 56, kLinetype = 57
+    kStyleControl = 52, kStyle = 53, kLinetypeControl = 56, kLinetype = 57,
+    kDimensionStyle = 69, kXRecord = 79, kLayout = 82
 };
 
 struct LineRecord {

@@ -231,7 +231,7 @@ void ReadDimensionFormats(Streams& r, DimensionVariables& m) {
     m.lwe = r.d.BS();
 }
 
-void ReadDimensionVariables(Streams& r, DimensionVariables& m) {
+void ReadDimensionVariablesOf(Streams& r, DimensionVariables& m) {
     if (r.v >= Version::kR2000) {
         m.post = r.s.T();
         m.apost = r.s.T();
@@ -328,7 +328,7 @@ void ReadVariables(Streams& r, HeaderVariables& out) {
     ReadCurrent(r, out);
     ReadSpace(r, out.paper);
     ReadSpace(r, out.model);
-    ReadDimensionVariables(r, out.dim);
+    ReadDimensionVariablesOf(r, out.dim);
     ReadControls(r, out);
     if (r.v >= Version::kR2000) ReadSettings(r, out);
     ReadSpecialRecords(r, out);
@@ -336,6 +336,12 @@ void ReadVariables(Streams& r, HeaderVariables& out) {
 }
 
 }  // namespace
+
+void ReadDimensionVariables(BitReader& values, BitReader& strings, BitReader& handles,
+                            DimensionVariables& out) {
+    Streams r{values, strings, handles, values.version()};
+    ReadDimensionVariablesOf(r, out);
+}
 
 bool ParseHeader(std::span<const std::uint8_t> section, Version version, int maintenance,
                  int codePage, HeaderVariables& out, MapError& error) {

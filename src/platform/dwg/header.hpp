@@ -74,6 +74,11 @@ struct HeaderVariables {
     HeaderHandles handles;
 };
 
+// The dimension variables as the header and the dimension style records store them: values,
+// strings and handles from their streams (one and the same before 2007).
+void ReadDimensionVariables(BitReader& values, BitReader& strings, BitReader& handles,
+                            DimensionVariables& out);
+
 // Reads the section as stored: start sentinel, size, the variables, CRC, end sentinel.
 // maintenance is the file header's maintenance release (2010 on it decides a size field).
 // False with the offset in the section and the reason when it does not hold its variables.

@@ -1,0 +1,319 @@
+#include "platform/dwg/drawing.hpp"
+
+#include <algorithm>
+#include <map>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/dwg/blocks.hpp"
+#include "platform/dwg/classes.hpp"
+#include "platform/dwg/decode.hpp"
+#include "platform/dwg/dxf_records.hpp"
+#include "platform/dwg/entities.hpp"
+#include "platform/dwg/header.hpp"
+#include "platform/dwg/symbols.hpp"
+#include "platform/dwg/tables.hpp"
+
+namespace dwg {
+
+int WindowsCodePage(int dwgCodePage) {
+    static const std::map<int, int> kPages = {
+        {1, 20127}, {2, 28591}, {3, 28592}, {4, 28593}, {5, 28594}, {6, 28595}, {7, 28596},
+        {8, 28597}, {9, 28598}, {10, 28599}, {11, 437}, {12, 850}, {13, 852}, {14, 855},
+        {15, 857}, {16, 860}, {17, 861}, {18, 863}, {19, 864}, {20, 865}, {21, 869},
+        {22, 932}, {23, 10000}, {24, 950}, {25, 949}, {26, 1361}, {27, 866}, {28, 1250},
+        {29, 1251}, {30, 1252}, {31, 936}, {32, 1253}, {33, 1254}, {34, 1255}, {35, 1256},
+        {36, 1257}, {37, 874}, {38, 932}, {39, 936}, {40, 949}, {41, 950}, {42, 1361},
+        {44, 1258}};
+    const auto it = kPages.find(dwgCodePage);
+    return it == kPages.end() ? 0 : it->second;
+}
+
+std::string CodePageName(int windowsCodePage) { return "ANSI_" + std::to_string(windowsCodePage); }
+
+namespace {
+
+struct Item {
+    std::uint64_t handle = 0;
+    std::int32_t type = 0;
+    std::string typeName;
+    DecodedObject decoded;
+    SymbolRecord symbol;  // the table records the decoders above keep whole
+};
+
+bool IsControl(std::int32_t type) { return type >= 48 && type <= 70 && type % 2 == 0; }
+bool IsTableRecord(std::int32_t type) { return type >= 49 && type <= 71 && type % 2 == 1; }
+
+struct Drawing {
+    const DwgSections& sections;
+    HeaderVariables header;
+    std::vector<ClassRecord> classes;
+    std::vector<Item> items;
+    std::unordered_map<std::uint64_t, std::size_t> byHandle;
+    std::unordered_map<std::uint64_t, std::vector<std::size_t>> owned;  // entities by owner
+    NameIndex names;
+    DxfText out;
+
+    bool decode(MapError& error);
+    void index();
+    std::uint64_t ownerOf(const EntityCommon& c) const {
+        if (c.mode == 1) return header.handles.paperSpace;
+        if (c.mode == 2) return header.handles.modelSpace;
+        return c.owner;
+    }
+    const Item* find(std::uint64_t handle) const {
+        const auto it = byHandle.find(handle);
+        return it == byHandle.end() ? nullptr : &items[it->second];
+    }
+    void writeHeader();
+    void writeTables();
+    void writeTable(const char* name, std::int32_t recordType, std::uint64_t control);
+    void writeBlocks();
+    void writeEntities(std::uint64_t owner);
+    void writeEntity(const Item& item, std::uint64_t owner);
+    void writeObjects();
+};
+
+bool Drawing::decode(MapError& error) {
+    const Version v = sections.version;
+    if (!ParseHeader(sections.header, v, sections.maintenance, sections.codePage, header, error) ||
+        !ParseClasses(sections.classes, v, sections.codePage, classes, error)) {
+        return false;
+    }
+    std::vector<ObjectLocation> map;
+    if (!ParseObjectMap(sections.objectMap, map, error)) return false;
+    items.reserve(map.size());
+    for (const auto& loc : map) {
+        ObjectStreams o;
+        if (!OpenObject(sections.objects, loc.offset, v, sections.codePage, o, error)) return false;
+        Item item;
+        item.handle = loc.handle;
+        item.type = o.type;
+        item.typeName = TypeName(o.type, classes);
+        const ObjectStreams opened = o;
+        if (!DecodeObject(o, classes, item.decoded)) {
+            error = {static_cast<std::size_t>(loc.offset),
+                     "object " + std::to_string(loc.handle) + " (" + item.typeName +
+                         ") does not hold what its type needs"};
+            return false;
+        }
+        if (IsTableRecord(item.type) && std::holds_alternative<KeptObject>(item.decoded)) {
+            ObjectStreams again = opened;
+            ReadSymbolRecord(again, item.symbol);
+        }
+        byHandle[loc.handle] = items.size();
+        items.push_back(std::move(item));
+    }
+    return true;
+}
+
+void Drawing::index() {
+    names.modelSpace = header.handles.modelSpace;
+    names.paperSpace = header.handles.paperSpace;
+    std::map<std::string, int> anonymous;  // the DXF numbers anonymous blocks: *D1, *D2 ...
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        const Item& item = items[i];
+        if (const auto* layer = std::get_if<LayerRecord>(&item.decoded)) {
+            names.layers[item.handle] = layer->entry.name;
+        } else if (const auto* block = std::get_if<BlockHeaderRecord>(&item.decoded)) {
+            std::string name = block->entry.name;
+            if (block->anonymous && name.size() <= 2) name += std::to_string(++anonymous[name]);
+            // Layouts beyond the first have paper space blocks of their own, which the DXF
+            // numbers from 0.
+            if (name == "*Paper_Space" && item.handle != header.handles.paperSpace) {
+                name += std::to_string(anonymous[name]++);
+            }
+            names.blocks[item.handle] = name;
+        } else if (item.type == kLinetype) {
+            names.linetypes[item.handle] = item.symbol.entry.name;
+        } else if (item.type == kStyle) {
+            names.styles[item.handle] = item.symbol.entry.name;
+        } else if (item.type == kDimensionStyle) {
+            names.dimensionStyles[item.handle] = item.symbol.entry.name;
+        }
+        const EntityCommon* common = EntityCommonOf(item.decoded);
+        if (common != nullptr && item.type != kBlock && item.type != kEndblk) {
+            owned[ownerOf(*common)].push_back(i);
+        }
+    }
+}
+
+void Drawing::writeHeader() {
+    const HeaderVariables& h = header;
+    out.tag(0, "SECTION");
+    out.tag(2, "HEADER");
+    // The texts are UTF-8 already: the version read as one whose texts are.
+    out.tag(9, "$ACADVER");
+    out.tag(1, "AC1032");
+    out.tag(9, "$DWGCODEPAGE");
+    out.tag(3, CodePageName(sections.codePage));
+    out.tag(9, "$INSBASE");
+    out.point(10, h.model.insbase);
+    out.tag(9, "$EXTMIN");
+    out.point(10, h.model.extmin);
+    out.tag(9, "$EXTMAX");
+    out.point(10, h.model.extmax);
+    out.tag(9, "$LIMMIN");
+    out.point(10, h.model.limmin);
+    out.tag(9, "$LIMMAX");
+    out.point(10, h.model.limmax);
+    out.tag(9, "$LTSCALE");
+    out.tag(40, h.ltscale);
+    out.tag(9, "$ATTMODE");
+    out.integer(70, h.attmode);
+    out.tag(9, "$TEXTSIZE");
+    out.tag(40, h.textsize);
+    out.tag(9, "$TEXTSTYLE");
+    out.tag(7, names.name(names.styles, h.textstyle));
+    out.tag(9, "$CLAYER");
+    out.tag(8, names.name(names.layers, h.clayer));
+    out.tag(9, "$CECOLOR");
+    out.integer(62, h.cecolor.index);
+    out.tag(9, "$CELTSCALE");
+    out.tag(40, h.celtscale);
+    const DimensionVariables& m = h.dim;
+    const std::pair<const char*, double> reals[] = {
+        {"$DIMSCALE", m.scale}, {"$DIMASZ", m.asz}, {"$DIMEXO", m.exo}, {"$DIMDLI", m.dli},
+        {"$DIMRND", m.rnd},     {"$DIMDLE", m.dle}, {"$DIMEXE", m.exe}, {"$DIMTP", m.tp},
+        {"$DIMTM", m.tm},       {"$DIMTXT", m.txt}, {"$DIMCEN", m.cen}, {"$DIMTSZ", m.tsz},
+        {"$DIMALTF", m.altf},   {"$DIMLFAC", m.lfac}, {"$DIMTVP", m.tvp}, {"$DIMTFAC", m.tfac},
+        {"$DIMGAP", m.gap}};
+    for (const auto& [name, value] : reals) {
+        out.tag(9, name);
+        out.tag(40, value);
+    }
+    const std::pair<const char*, int> shorts[] = {
+        {"$DIMTOL", m.tol}, {"$DIMLIM", m.lim}, {"$DIMTIH", m.tih}, {"$DIMTOH", m.toh},
+        {"$DIMSE1", m.se1}, {"$DIMSE2", m.se2}, {"$DIMTAD", m.tad}, {"$DIMZIN", m.zin},
+        {"$DIMALT", m.alt}, {"$DIMALTD", m.altd}, {"$DIMTOFL", m.tofl}, {"$DIMTIX", m.tix},
+        {"$DIMSOXD", m.soxd}, {"$DIMSAH", m.sah}, {"$DIMJUST", m.just}, {"$DIMSD1", m.sd1},
+        {"$DIMSD2", m.sd2}, {"$DIMTOLJ", m.tolj}, {"$DIMTZIN", m.tzin}, {"$DIMDEC", m.dec},
+        {"$DIMTDEC", m.tdec}, {"$DIMAUNIT", m.aunit}, {"$DIMADEC", m.adec},
+        {"$DIMDSEP", m.dsep}, {"$DIMATFIT", m.atfit}, {"$DIMLUNIT", m.lunit},
+        {"$DIMLWD", m.lwd}, {"$DIMLWE", m.lwe}, {"$DIMTMOVE", m.tmove}, {"$LUNITS", h.lunits},
+        {"$LUPREC", h.luprec}, {"$AUNITS", h.aunits}, {"$AUPREC", h.auprec},
+        {"$PDMODE", h.pdmode}, {"$ANGDIR", h.angdir}, {"$TILEMODE", h.tilemode},
+        {"$INSUNITS", h.insunits}};
+    for (const auto& [name, value] : shorts) {
+        out.tag(9, name);
+        out.integer(70, value);
+    }
+    out.tag(9, "$PDSIZE");
+    out.tag(40, h.pdsize);
+    out.tag(9, "$ANGBASE");
+    out.angle(50, h.angbase);
+    out.tag(9, "$CELWEIGHT");
+    out.integer(370, h.celweight);
+    out.tag(9, "$HANDSEED");
+    out.handle(5, h.handseed);
+    out.tag(0, "ENDSEC");
+}
+
+void Drawing::writeTable(const char* name, std::int32_t recordType, std::uint64_t control) {
+    out.tag(0, "TABLE");
+    out.tag(2, name);
+    out.handle(5, control);
+    out.handle(330, 0);
+    out.tag(100, "AcDbSymbolTable");
+    for (const Item& item : items) {
+        if (item.type != recordType) continue;
+        if (const auto* layer = std::get_if<LayerRecord>(&item.decoded)) {
+            WriteLayer(out, *layer, names);
+        } else if (const auto* block = std::get_if<BlockHeaderRecord>(&item.decoded)) {
+            WriteBlockRecord(out, *block, names.name(names.blocks, item.handle));
+        } else {
+            WriteSymbolRecord(out, name, item.symbol);
+        }
+    }
+    out.tag(0, "ENDTAB");
+}
+
+void Drawing::writeTables() {
+    const HeaderHandles& c = header.handles;
+    out.tag(0, "SECTION");
+    out.tag(2, "TABLES");
+    writeTable("VPORT", 65, c.vportControl);
+    writeTable("LTYPE", kLinetype, c.linetypeControl);
+    writeTable("LAYER", kLayer, c.layerControl);
+    writeTable("STYLE", kStyle, c.styleControl);
+    writeTable("VIEW", 61, c.viewControl);
+    writeTable("UCS", 63, c.ucsControl);
+    writeTable("APPID", 67, c.appidControl);
+    writeTable("DIMSTYLE", kDimensionStyle, c.dimstyleControl);
+    writeTable("BLOCK_RECORD", kBlockHeader, c.blockControl);
+    out.tag(0, "ENDSEC");
+}
+
+void Drawing::writeEntity(const Item& item, std::uint64_t owner) {
+    WriteEntity(out, item.decoded, item.typeName, owner, names);
+    // Attributes and vertices follow their owner, and the SEQEND closes them.
+    const auto it = owned.find(item.handle);
+    if (it == owned.end()) return;
+    std::vector<std::size_t> children = it->second;
+    std::stable_partition(children.begin(), children.end(),
+                          [&](std::size_t i) { return items[i].type != kSeqend; });
+    for (std::size_t i : children) writeEntity(items[i], item.handle);
+}
+
+void Drawing::writeEntities(std::uint64_t owner) {
+    const auto it = owned.find(owner);
+    if (it == owned.end()) return;
+    for (std::size_t i : it->second) writeEntity(items[i], owner);
+}
+
+void Drawing::writeBlocks() {
+    out.tag(0, "SECTION");
+    out.tag(2, "BLOCKS");
+    for (const Item& item : items) {
+        const auto* block = std::get_if<BlockHeaderRecord>(&item.decoded);
+        if (block == nullptr) continue;
+        const std::string name = names.name(names.blocks, item.handle);
+        const Item* begin = find(block->blockEntity);
+        const Item* end = find(block->endBlock);
+        const auto* beginRecord = begin ? std::get_if<BlockBeginRecord>(&begin->decoded) : nullptr;
+        WriteBlockBegin(out, *block, name, beginRecord, item.handle, names);
+        if (item.handle != header.handles.modelSpace && item.handle != header.handles.paperSpace) {
+            writeEntities(item.handle);
+        }
+        const EntityCommon* endCommon = end ? EntityCommonOf(end->decoded) : nullptr;
+        WriteBlockEnd(out, endCommon, item.handle, names);
+    }
+    out.tag(0, "ENDSEC");
+}
+
+void Drawing::writeObjects() {
+    out.tag(0, "SECTION");
+    out.tag(2, "OBJECTS");
+    const Item* named = find(header.handles.namedObjects);
+    if (named != nullptr) WriteObject(out, named->decoded, named->typeName, named->handle);
+    for (const Item& item : items) {
+        if (&item == named || IsControl(item.type) || IsTableRecord(item.type) ||
+            EntityCommonOf(item.decoded) != nullptr || IsEntityType(item.type, classes)) {
+            continue;
+        }
+        WriteObject(out, item.decoded, item.typeName, item.handle);
+    }
+    out.tag(0, "ENDSEC");
+}
+
+}  // namespace
+
+bool DwgToDxfText(const DwgSections& sections, std::string& dxf, MapError& error) {
+    Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}};
+    if (!drawing.decode(error)) return false;
+    drawing.index();
+    drawing.writeHeader();
+    drawing.writeTables();
+    drawing.writeBlocks();
+    drawing.out.tag(0, "SECTION");
+    drawing.out.tag(2, "ENTITIES");
+    drawing.writeEntities(drawing.header.handles.modelSpace);
+    drawing.writeEntities(drawing.header.handles.paperSpace);
+    drawing.out.tag(0, "ENDSEC");
+    drawing.writeObjects();
+    drawing.out.tag(0, "EOF");
+    dxf = drawing.out.text();
+    return true;
+}
+
+}  // namespace dwg

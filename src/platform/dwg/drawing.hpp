@@ -1,0 +1,32 @@
+#pragma once
+// A whole drawing from its sections: the header variables, the classes, the object map and the
+// object data decoded, and written out as the sections of an ASCII DXF file in the order the
+// DXF reader builds a database from (header, tables, blocks, entities, objects).
+#include <cstdint>
+#include <span>
+#include <string>
+
+#include "platform/dwg/bit_reader.hpp"
+#include "platform/dwg/object_map.hpp"
+
+namespace dwg {
+
+struct DwgSections {
+    Version version = Version::kR2000;
+    int maintenance = 0;  // the file header's maintenance release
+    int codePage = 1252;  // the Windows code page of the drawing's texts (before 2007)
+    std::span<const std::uint8_t> header, classes, objectMap;
+    std::span<const std::uint8_t> objects;  // the data the map's offsets count in
+};
+
+// The Windows code page of the file header's code page number (30: 1252, 39: 936 ...); 0 for
+// a number the format does not list.
+int WindowsCodePage(int dwgCodePage);
+// The $DWGCODEPAGE name of a Windows code page ("ANSI_936").
+std::string CodePageName(int windowsCodePage);
+
+// False with the offset (in the section named by the reason) and the reason when a section
+// does not decode.
+bool DwgToDxfText(const DwgSections& sections, std::string& dxf, MapError& error);
+
+}  // namespace dwg

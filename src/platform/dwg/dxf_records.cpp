@@ -1,0 +1,480 @@
+#include "platform/dwg/dxf_records.hpp"
+
+#include <charconv>
+#include <cmath>
+#include <numbers>
+#include <type_traits>
+
+#include "platform/dwg/blocks.hpp"
+#include "platform/dwg/entities.hpp"
+
+namespace dwg {
+
+void DxfText::tag(int code, std::string_view value) {
+    out_ += std::to_string(code);
+    out_ += '\n';
+    out_ += value;
+    out_ += '\n';
+}
+
+void DxfText::tag(int code, double value) {
+    char buffer[32];
+    auto end = std::to_chars(buffer, buffer + sizeof buffer, value).ptr;
+    std::string_view text(buffer, static_cast<std::size_t>(end - buffer));
+    // A whole number keeps a decimal point, as every DXF writer gives it.
+    if (text.find_first_of(".eEn") == std::string_view::npos) {
+        tag(code, std::string(text) + ".0");
+        return;
+    }
+    tag(code, text);
+}
+
+void DxfText::integer(int code, long long value) { tag(code, std::to_string(value)); }
+
+void DxfText::handle(int code, std::uint64_t value) {
+    char buffer[20];
+    auto end = std::to_chars(buffer, buffer + sizeof buffer, value, 16).ptr;
+    std::string text(buffer, end);
+    for (auto& c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    tag(code, text);
+}
+
+void DxfText::point(int code, const Point3& p) {
+    tag(code, p.x);
+    tag(code + 10, p.y);
+    tag(code + 20, p.z);
+}
+
+void DxfText::point(int code, const Point2& p) {
+    tag(code, p.x);
+    tag(code + 10, p.y);
+}
+
+void DxfText::angle(int code, double radians) { tag(code, radians * 180.0 / std::numbers::pi); }
+
+std::string NameIndex::name(const std::unordered_map<std::uint64_t, std::string>& table,
+                            std::uint64_t handle) const {
+    const auto it = table.find(handle);
+    return it == table.end() ? std::string() : it->second;
+}
+
+namespace {
+
+bool IsUpright(const Point3& n) { return n.x == 0 && n.y == 0 && n.z == 1; }
+
+void Normal(DxfText& out, const Point3& n) {
+    if (!IsUpright(n)) out.point(210, n);
+}
+
+void Thickness(DxfText& out, double thickness) {
+    if (thickness != 0) out.tag(39, thickness);
+}
+
+}  // namespace
+
+void WriteHead(DxfText& out, const std::string& type, const ObjectCommon& c, std::uint64_t owner,
+               int handleCode) {
+    out.tag(0, type);
+    out.handle(handleCode, c.handle);
+    if (!c.reactors.empty()) {
+        out.tag(102, "{ACAD_REACTORS");
+        for (auto r : c.reactors) out.handle(330, r);
+        out.tag(102, "}");
+    }
+    if (c.extensionDictionary != 0) {
+        out.tag(102, "{ACAD_XDICTIONARY");
+        out.handle(360, c.extensionDictionary);
+        out.tag(102, "}");
+    }
+    out.handle(330, owner);
+}
+
+namespace {
+
+void Head(DxfText& out, const std::string& type, const ObjectCommon& c, std::uint64_t owner) {
+    WriteHead(out, type, c, owner, 5);
+}
+
+void EntityProperties(DxfText& out, const EntityCommon& c, std::uint64_t owner,
+                      const NameIndex& names) {
+    out.tag(100, "AcDbEntity");
+    if (c.mode == 1 || (owner != 0 && owner == names.paperSpace)) out.integer(67, 1);
+    out.tag(8, names.name(names.layers, c.layer));
+    switch (c.linetypeFlags) {
+        case 1: out.tag(6, "ByBlock"); break;
+        case 2: out.tag(6, "Continuous"); break;
+        case 3: out.tag(6, names.name(names.linetypes, c.linetype)); break;
+        default: break;
+    }
+    if (c.color.index != 256) out.integer(62, c.color.index);
+    if ((c.color.rgb >> 24) == 0xC2) out.integer(420, c.color.rgb & 0xFFFFFF);
+    const int lineweight = LineweightFromIndex(c.lineweight);
+    if (lineweight != -1) out.integer(370, lineweight);
+    if (c.linetypeScale != 1.0) out.tag(48, c.linetypeScale);
+    if (c.invisible & 1) out.integer(60, 1);
+}
+
+void Body(DxfText& out, const LineRecord& r, const NameIndex&) {
+    out.tag(100, "AcDbLine");
+    Thickness(out, r.thickness);
+    out.point(10, r.start);
+    out.point(11, r.end);
+    Normal(out, r.normal);
+}
+
+void Round(DxfText& out, const CircleRecord& r) {
+    out.tag(100, "AcDbCircle");
+    Thickness(out, r.thickness);
+    out.point(10, r.center);
+    out.tag(40, r.radius);
+    Normal(out, r.normal);
+}
+
+void Body(DxfText& out, const CircleRecord& r, const NameIndex&) { Round(out, r); }
+
+void Body(DxfText& out, const ArcRecord& r, const NameIndex&) {
+    Round(out, r.circle);
+    out.tag(100, "AcDbArc");
+    out.angle(50, r.startAngle);
+    out.angle(51, r.endAngle);
+}
+
+void Body(DxfText& out, const PointRecord& r, const NameIndex&) {
+    out.tag(100, "AcDbPoint");
+    out.point(10, r.position);
+    Thickness(out, r.thickness);
+    Normal(out, r.normal);
+    if (r.xAxisAngle != 0) out.angle(50, r.xAxisAngle);
+}
+
+// The TEXT part shared by texts and attributes; the vertical mode's code differs.
+void TextPart(DxfText& out, const TextRecord& r, const NameIndex& names) {
+    out.tag(100, "AcDbText");
+    Thickness(out, r.thickness);
+    out.point(10, Point3{r.insertion.x, r.insertion.y, r.elevation});
+    out.tag(40, r.height);
+    out.tag(1, r.text);
+    if (r.rotation != 0) out.angle(50, r.rotation);
+    if (r.widthFactor != 1) out.tag(41, r.widthFactor);
+    if (r.oblique != 0) out.angle(51, r.oblique);
+    out.tag(7, names.name(names.styles, r.style));
+    if (r.generation != 0) out.integer(71, r.generation);
+    if (r.horizontal != 0) out.integer(72, r.horizontal);
+    if (r.horizontal != 0 || r.vertical != 0) {
+        out.point(11, Point3{r.alignment.x, r.alignment.y, r.elevation});
+    }
+    Normal(out, r.normal);
+}
+
+void Body(DxfText& out, const TextRecord& r, const NameIndex& names) {
+    TextPart(out, r, names);
+    out.tag(100, "AcDbText");
+    if (r.vertical != 0) out.integer(73, r.vertical);
+}
+
+void Body(DxfText& out, const AttributeRecord& r, const NameIndex& names, bool definition) {
+    TextPart(out, r.text, names);
+    if (definition) {
+        out.tag(100, "AcDbAttributeDefinition");
+        out.tag(3, r.prompt);
+    } else {
+        out.tag(100, "AcDbAttribute");
+    }
+    out.tag(2, r.tag);
+    out.integer(70, r.flags);
+    if (r.fieldLength != 0) out.integer(73, r.fieldLength);
+    if (r.text.vertical != 0) out.integer(74, r.text.vertical);
+}
+
+void Body(DxfText& out, const MTextRecord& r, const NameIndex& names) {
+    out.tag(100, "AcDbMText");
+    out.point(10, r.insertion);
+    out.tag(40, r.height);
+    out.tag(41, r.width);
+    out.integer(71, r.attachment);
+    out.integer(72, r.flow);
+    out.tag(1, r.contents);
+    out.tag(7, names.name(names.styles, r.style));
+    Normal(out, r.normal);
+    out.point(11, r.direction);
+    out.integer(73, r.lineSpacingStyle);
+    out.tag(44, r.lineSpacingFactor);
+}
+
+void Body(DxfText& out, const InsertRecord& r, const NameIndex& names) {
+    out.tag(100, r.columns > 1 || r.rows > 1 ? "AcDbMInsertBlock" : "AcDbBlockReference");
+    if (r.hasAttributes) out.integer(66, 1);
+    out.tag(2, names.name(names.blocks, r.block));
+    out.point(10, r.position);
+    if (r.scale.x != 1) out.tag(41, r.scale.x);
+    if (r.scale.y != 1) out.tag(42, r.scale.y);
+    if (r.scale.z != 1) out.tag(43, r.scale.z);
+    if (r.rotation != 0) out.angle(50, r.rotation);
+    if (r.columns > 1) out.integer(70, r.columns);
+    if (r.rows > 1) out.integer(71, r.rows);
+    if (r.columnSpacing != 0) out.tag(44, r.columnSpacing);
+    if (r.rowSpacing != 0) out.tag(45, r.rowSpacing);
+    Normal(out, r.normal);
+}
+
+void Body(DxfText& out, const EllipseRecord& r, const NameIndex&) {
+    out.tag(100, "AcDbEllipse");
+    out.point(10, r.center);
+    out.point(11, r.majorAxis);
+    Normal(out, r.normal);
+    out.tag(40, r.ratio);
+    out.tag(41, r.startParam);
+    out.tag(42, r.endParam);
+}
+
+void Body(DxfText& out, const LwPolylineRecord& r, const NameIndex&) {
+    out.tag(100, "AcDbPolyline");
+    out.integer(90, static_cast<long long>(r.points.size()));
+    out.integer(70, (r.closed() ? 1 : 0) | ((r.flags & 256) ? 128 : 0));
+    if (r.flags & 4) out.tag(43, r.constantWidth);
+    if (r.elevation != 0) out.tag(38, r.elevation);
+    Thickness(out, r.thickness);
+    for (std::size_t i = 0; i < r.points.size(); ++i) {
+        out.point(10, r.points[i]);
+        if (i < r.widths.size()) {
+            out.tag(40, r.widths[i].x);
+            out.tag(41, r.widths[i].y);
+        }
+        if (i < r.bulges.size() && r.bulges[i] != 0) out.tag(42, r.bulges[i]);
+    }
+    Normal(out, r.normal);
+}
+
+// DXF's flags of a POLYLINE: the kind is told by 8 (3D) and 64 (polyface mesh).
+int PolylineFlags(const PolylineRecord& r) {
+    if (r.kind == kPolyline3d) return 8 | (r.flags & 1);
+    if (r.kind == kPolylinePface) return 64;
+    return r.flags;
+}
+
+void Body(DxfText& out, const PolylineRecord& r, const NameIndex&) {
+    out.tag(100, r.kind == kPolyline3d      ? "AcDb3dPolyline"
+                 : r.kind == kPolylinePface ? "AcDbPolyFaceMesh"
+                                            : "AcDb2dPolyline");
+    out.integer(66, 1);
+    out.point(10, Point3{0, 0, r.elevation});
+    Thickness(out, r.thickness);
+    out.integer(70, PolylineFlags(r));
+    if (r.startWidth != 0) out.tag(40, r.startWidth);
+    if (r.endWidth != 0) out.tag(41, r.endWidth);
+    if (r.kind == kPolylinePface) {
+        out.integer(71, r.vertexCount);
+        out.integer(72, r.faceCount);
+    }
+    if (r.curveType != 0) out.integer(75, r.curveType);
+    Normal(out, r.normal);
+}
+
+void Body(DxfText& out, const VertexRecord& r, const NameIndex&) {
+    out.tag(100, "AcDbVertex");
+    if (r.kind == kVertexPfaceFace) {
+        out.tag(100, "AcDbFaceRecord");
+        out.point(10, Point3{});
+        out.integer(70, 128);
+        for (int i = 0; i < 4; ++i) {
+            if (r.faceIndex[i] != 0) out.integer(71 + i, r.faceIndex[i]);
+        }
+        return;
+    }
+    out.tag(100, r.kind == kVertex3d      ? "AcDb3dPolylineVertex"
+                 : r.kind == kVertexPface ? "AcDbPolyFaceMeshVertex"
+                 : r.kind == kVertexMesh  ? "AcDbPolygonMeshVertex"
+                                          : "AcDb2dVertex");
+    out.point(10, r.position);
+    if (r.kind == kVertex2d) {
+        if (r.startWidth != 0) out.tag(40, r.startWidth);
+        if (r.endWidth != 0) out.tag(41, r.endWidth);
+        if (r.bulge != 0) out.tag(42, r.bulge);
+    }
+    out.integer(70, r.flags);
+    if (r.kind == kVertex2d && r.tangent != 0) out.angle(50, r.tangent);
+}
+
+void Body(DxfText& out, const SolidRecord& r, const NameIndex&) {
+    out.tag(100, "AcDbTrace");
+    for (int i = 0; i < 4; ++i) {
+        out.point(10 + i, Point3{r.corners[i].x, r.corners[i].y, r.elevation});
+    }
+    Thickness(out, r.thickness);
+    Normal(out, r.normal);
+}
+
+const char* DimensionSubclass(int dxfType) {
+    switch (dxfType) {
+        case 0: return "AcDbAlignedDimension";
+        case 1: return "AcDbAlignedDimension";
+        case 2: return "AcDb2LineAngularDimension";
+        case 3: return "AcDbDiametricDimension";
+        case 4: return "AcDbRadialDimension";
+        case 5: return "AcDb3PointAngularDimension";
+        default: return "AcDbOrdinateDimension";
+    }
+}
+
+void Body(DxfText& out, const DimensionRecord& r, const NameIndex& names) {
+    out.tag(100, "AcDbDimension");
+    if (r.version != 0) out.integer(280, r.version);
+    out.tag(2, names.name(names.blocks, r.block));
+    out.point(10, r.points[0]);
+    out.point(11, Point3{r.textMidpoint.x, r.textMidpoint.y, r.elevation});
+    if (r.clonePoint.x != 0 || r.clonePoint.y != 0) {
+        out.point(12, Point3{r.clonePoint.x, r.clonePoint.y, r.elevation});
+    }
+    const int type = r.dxfType();
+    // Bit 0 of the stored flags clear: the text stands where the user put it.
+    out.integer(70, type | 32 | ((r.flags & 1) ? 0 : 128) | (r.ordinateX ? 64 : 0));
+    if (!r.text.empty()) out.tag(1, r.text);
+    out.integer(71, r.attachment);
+    if (r.lineSpacingStyle != 1) out.integer(72, r.lineSpacingStyle);
+    if (r.lineSpacingFactor != 1) out.tag(41, r.lineSpacingFactor);
+    out.tag(42, r.measurement);
+    if (r.textRotation != 0) out.angle(53, r.textRotation);
+    if (r.horizontalDirection != 0) out.angle(51, r.horizontalDirection);
+    Normal(out, r.normal);
+    out.tag(3, names.name(names.dimensionStyles, r.style));
+    out.tag(100, DimensionSubclass(type));
+    for (int i = 3; i <= 6; ++i) {
+        if (type == 2 ? true : i == 3 || i == 4 || (i == 5 && type >= 3)) out.point(10 + i, r.points[i]);
+    }
+    if (type == 0 || type == 1) out.angle(52, r.obliqueAngle);
+    if (type == 0) {
+        out.angle(50, r.rotation);
+        out.tag(100, "AcDbRotatedDimension");
+    }
+    if (type == 3 || type == 4) out.tag(40, r.leaderLength);
+}
+
+void Body(DxfText& out, const SplineRecord& r, const NameIndex&) {
+    out.tag(100, "AcDbSpline");
+    const int flags = (r.closed ? 1 : 0) | (r.periodic ? 2 : 0) | (r.rational ? 4 : 0);
+    out.integer(70, flags);
+    out.integer(71, r.degree);
+    out.integer(72, static_cast<long long>(r.knots.size()));
+    out.integer(73, static_cast<long long>(r.controlPoints.size()));
+    out.integer(74, static_cast<long long>(r.fitPoints.size()));
+    out.tag(42, r.knotTolerance);
+    out.tag(43, r.controlTolerance);
+    out.tag(44, r.fitTolerance);
+    if (r.scenario == 2) {
+        out.point(12, r.startTangent);
+        out.point(13, r.endTangent);
+    }
+    for (double k : r.knots) out.tag(40, k);
+    for (double w : r.weights) out.tag(41, w);
+    for (const auto& p : r.controlPoints) out.point(10, p);
+    for (const auto& p : r.fitPoints) out.point(11, p);
+}
+
+void WritePlotSettings(DxfText& out, const PlotSettings& p) {
+    out.tag(100, "AcDbPlotSettings");
+    out.tag(1, p.pageSetupName);
+    out.tag(2, p.printerName);
+    out.tag(4, p.paperSize);
+    out.tag(6, p.plotViewName);
+    for (int i = 0; i < 4; ++i) out.tag(40 + i, p.margins[i]);
+    out.tag(44, p.paperWidth);
+    out.tag(45, p.paperHeight);
+    out.tag(46, p.origin.x);
+    out.tag(47, p.origin.y);
+    out.tag(48, p.windowMin.x);
+    out.tag(49, p.windowMin.y);
+    out.tag(140, p.windowMax.x);
+    out.tag(141, p.windowMax.y);
+    out.tag(142, p.realWorldUnits);
+    out.tag(143, p.drawingUnits);
+    out.integer(70, p.flags);
+    out.integer(72, p.paperUnits);
+    out.integer(73, p.rotation);
+    out.integer(74, p.plotType);
+    out.tag(7, p.styleSheet);
+    out.integer(75, p.scaleType);
+    out.integer(76, p.shadeMode);
+    if (p.shadeResolution != 0) out.integer(77, p.shadeResolution);
+    if (p.shadeDpi != 0) out.integer(78, p.shadeDpi);
+    out.tag(147, p.scaleFactor);
+    out.tag(148, p.imageOrigin.x);
+    out.tag(149, p.imageOrigin.y);
+    if (p.plotView != 0) out.handle(333, p.plotView);
+}
+
+void WriteLayout(DxfText& out, const LayoutRecord& l, const std::string& typeName) {
+    WriteHead(out, typeName, l.common, l.common.owner, 5);
+    WritePlotSettings(out, l.plot);
+    out.tag(100, "AcDbLayout");
+    out.tag(1, l.name);
+    out.integer(70, l.flags);
+    out.integer(71, l.tabOrder);
+    out.point(10, l.limmin);
+    out.point(11, l.limmax);
+    out.point(12, l.insbase);
+    out.point(14, l.extmin);
+    out.point(15, l.extmax);
+    out.tag(146, l.elevation);
+    out.point(13, l.ucsOrigin);
+    out.point(16, l.ucsX);
+    out.point(17, l.ucsY);
+    out.integer(76, l.orthoView);
+    out.handle(330, l.block);
+    if (l.viewport != 0) out.handle(331, l.viewport);
+    if (l.namedUcs != 0) out.handle(345, l.namedUcs);
+    if (l.baseUcs != 0) out.handle(346, l.baseUcs);
+}
+
+}  // namespace
+
+void WriteEntity(DxfText& out, const DecodedObject& decoded, const std::string& typeName,
+                 std::uint64_t owner, const NameIndex& names) {
+    const EntityCommon* common = EntityCommonOf(decoded);
+    if (common == nullptr) return;
+    Head(out, typeName, *common, owner);
+    EntityProperties(out, *common, owner, names);
+    std::visit(
+        [&](const auto& r) {
+            using R = std::decay_t<decltype(r)>;
+            if constexpr (std::is_same_v<R, AttributeRecord>) {
+                Body(out, r, names, typeName == "ATTDEF");
+            } else if constexpr (requires { Body(out, r, names); }) {
+                Body(out, r, names);
+            }
+        },
+        decoded);
+}
+
+void WriteObject(DxfText& out, const DecodedObject& decoded, const std::string& typeName,
+                 std::uint64_t handle) {
+    if (const auto* d = std::get_if<DictionaryRecord>(&decoded)) {
+        Head(out, typeName, d->common, d->common.owner);
+        out.tag(100, "AcDbDictionary");
+        if (d->hardOwner != 0) out.integer(280, d->hardOwner);
+        out.integer(281, d->cloning);
+        for (const auto& [name, entry] : d->entries) {
+            out.tag(3, name);
+            out.handle(d->hardOwner != 0 ? 360 : 350, entry);
+        }
+        return;
+    }
+    if (const auto* x = std::get_if<XRecordRecord>(&decoded)) {
+        Head(out, typeName, x->common, x->common.owner);
+        out.tag(100, "AcDbXrecord");
+        out.integer(280, x->cloning);
+        for (const auto& [code, value] : x->groups) out.tag(code, value);
+        return;
+    }
+    if (const auto* l = std::get_if<LayoutRecord>(&decoded)) {
+        WriteLayout(out, *l, typeName);
+        return;
+    }
+    if (const auto* k = std::get_if<KeptObject>(&decoded)) {
+        Head(out, typeName, k->common, k->common.owner);
+        return;
+    }
+    out.tag(0, typeName);
+    out.handle(5, handle);
+}
+
+}  // namespace dwg
