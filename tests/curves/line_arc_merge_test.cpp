@@ -323,3 +323,21 @@ TEST_F(LineAndArcMerged, cluster_members_follow_the_walk_order) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST_F(LineAndArcMerged, two_pieces_below_the_centre_give_one_arc_across_them) {
+    AddArc(P(100, 50, 0), 8.0, 200.0, 270.0);
+    AddArc(P(100, 50, 0), 8.0, 270.0, 340.0);
+    Run();
+    P s, m, e;
+    OnlyArcEnds(s, m, e);
+    auto at = [](double degrees) {
+        return P(100 + 8 * std::cos(degrees * kPi / 180), 50 + 8 * std::sin(degrees * kPi / 180), 0);
+    };
+    EXPECT_THAT(s, IsNearPoint(at(200), 1e-9));
+    EXPECT_THAT(m, IsNearPoint(at(270), 1e-9));
+    EXPECT_THAT(e, IsNearPoint(at(340), 1e-9));
+}
+
+}  // namespace
