@@ -481,7 +481,7 @@ def sheet_core_insert(msp, origin):
     for i in range(6):
         for j in range(4):
             m.circle((25.0 + 10.0 * i, 20.0 + 10.0 * j), 2.0)
-    m.spline([(20.0, 25.0), (30.0, 50.0), (45.0, 50.0), (55.0, 20.0), (70.0, 20.0),
+    m.spline([(20.0, 25.0), (30.0, 50.0), (45.0, 50.0), (55.0, 20.0), (68.0, 18.0),
               (80.0, 45.0)])  # parting line of the core, free form
     m.line((50.0, -4.0), (50.0, H + 4.0), "3", CENTER, color=5)
     m.line((-4.0, 35.0), (W + 4.0, 35.0), "3", CENTER, color=5)
@@ -537,6 +537,19 @@ def sheet_clamp(msp, origin):
         top.line((x + 5.5, 14.0), (x + 5.5, T), "2", DASHED)
         top.line((x - 3.3, 0.0), (x - 3.3, 14.0), "2", DASHED)
         top.line((x + 3.3, 0.0), (x + 3.3, 14.0), "2", DASHED)
+
+    # A detail of the clamp as the exporter left it: a circle and a half circle written as
+    # ellipses, a nearly flat arc, a circle and an arc in pieces, a line in pieces.
+    d = s.pen.at(380.0, 150.0)
+    d.ellipse((20.0, 90.0), (6.0, 0.0), 1.0)
+    d.ellipse((60.0, 90.0), (0.0, 6.0), 1.0, 0.0, math.pi)
+    d.arc((85.0, 100.0 - 2000.0), 2000.0, 89.85, 90.15)
+    for a, b in ((10.0, 130.0), (130.0, 250.0), (250.0, 10.0)):
+        d.arc((20.0, 40.0), 8.0, a, b)
+    for a, b in ((200.0, 270.0), (270.0, 340.0)):
+        d.arc((60.0, 40.0), 8.0, a, b)
+    for a, b in ((0.0, 20.0), (20.0, 50.0), (50.0, 80.0)):
+        d.line((a, 0.0), (b, 0.0))
 
     p = s.pen
     p.text("3-Ø6.6通孔 沉头Ø11深6.5", (60.0, 180.0), 5.0)

@@ -140,6 +140,9 @@ ClassInterfaceData* RunFirstCleanups(AcDbDatabase* db) {
     cleanup->SetLogPath(kLogLogPath);
     cleanup->SetUserPath(userPath);
     cleanup->FunCoorToZero();
+    cleanup->FunSplineToLineAndArc();
+    cleanup->FunSplineToPline();
+    cleanup->FunLineAndArcMerged();
     cleanup->FunChangeColor();
     cleanup->FunModifyColor();
     cleanup->FunDeleteRepeatingLine();

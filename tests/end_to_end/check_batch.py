@@ -26,6 +26,7 @@ import tempfile
 import ezdxf
 from ezdxf import recover
 
+import check_curves
 import check_sheets
 
 HAND_OFF = pathlib.Path("drives/c/Users/cad/AppData/Local/Convert")
@@ -33,6 +34,7 @@ LOGS = pathlib.Path("drives/d/Mytool/cad")
 MERGED = pathlib.Path("drives/d/成品图/MP2305.dxf")
 # The exporter's construction layers, which the batch erases (HOLECA 0 in the workshop).
 CONSTRUCTION = {"BIGFRAM", "USTAND", "URECT", "FRONT", "LEFT", "TOP", "STAND", "RECT"}
+CURVE_KINDS = {"LINE", "ARC", "SPLINE", "ELLIPSE"}
 
 failures = []
 
@@ -219,6 +221,10 @@ def part_geometry(paths, settings, standard):
         for entity in doc.modelspace():
             if entity.dxf.layer.upper() in CONSTRUCTION or entity.dxftype() in ("TEXT", "MTEXT"):
                 continue
+            # The curve clean-ups rebuild lines, arcs, splines and ellipses: check_curves
+            # follows those.
+            if settings is not None and entity.dxftype() in CURVE_KINDS:
+                continue
             if settings is None:
                 cleaned = merged_signature(entity)
             else:
@@ -329,6 +335,7 @@ def main():
         standard = Standard(prefix)
         expected_geometry = part_geometry(exports, settings, standard)
         expected_texts = export_texts(exports)
+        expected_curves = check_curves.exported_curves(exports, settings, CONSTRUCTION)
 
         status, out, err = run_host(tavrik, prefix)
         check(status == 0, "first run: status %s, stderr: %s" % (status, err))
@@ -348,6 +355,7 @@ def main():
             check_sheets.check_dimensions(doc, check)
             check_sheets.check_readers(merged, scratch, check)
             check_cleanups(doc, settings)
+            check_curves.check_curves(expected_curves, doc, settings, check)
             check_texts(doc, expected_texts)
             check_standard(doc, standard)
 

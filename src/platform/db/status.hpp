@@ -82,6 +82,7 @@ enum ErrorStatus : int {
     eBadLineWeightValue = 207,
     eNullExtents = 312,
     eNoDocument = 330,
+    eDwgNeedsRecovery = 343,  // a DWG file whose data is damaged
     eCantOpenFile = 364,
     eNoFileName = 365,
     eBadDxfFile = 368,

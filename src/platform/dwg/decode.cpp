@@ -111,12 +111,29 @@ bool DecodeObject(ObjectStreams& o, const std::vector<ClassRecord>& classes, Dec
         case kDimensionRadius:
         case kDimensionDiameter: return Decode<DimensionRecord>(o, out, ReadDimension);
         case kLayout: return Decode<LayoutRecord>(o, out, ReadLayout);
+        case kHatch: return Decode<HatchRecord>(o, out, ReadHatch);
+        case kFace3d: return Decode<FaceRecord>(o, out, ReadFace);
+        case kRay:
+        case kXLine: return Decode<RayRecord>(o, out, ReadRay);
+        case kGroup: return Decode<GroupRecord>(o, out, ReadGroup);
+        case kPlaceHolder: return Decode<PlaceHolderRecord>(o, out, ReadPlaceHolder);
         default: break;
     }
     // Kinds numbered per drawing are told by their class name.
     const std::string name = o.type >= 500 ? TypeName(o.type, classes) : std::string();
     if (name == "LAYOUT") return Decode<LayoutRecord>(o, out, ReadLayout);
     if (name == "XRECORD") return Decode<XRecordRecord>(o, out, ReadXRecord);
+    if (name == "HATCH") return Decode<HatchRecord>(o, out, ReadHatch);
+    if (name == "LWPOLYLINE") return Decode<LwPolylineRecord>(o, out, ReadLwPolyline);
+    if (name == "DICTIONARYVAR") {
+        return Decode<DictionaryVariableRecord>(o, out, ReadDictionaryVariable);
+    }
+    if (name == "SCALE") return Decode<ScaleRecord>(o, out, ReadScale);
+    if (name == "ACDBPLACEHOLDER") return Decode<PlaceHolderRecord>(o, out, ReadPlaceHolder);
+    // R14 stores more in it than the format documents say: kept whole there.
+    if (name == "ACDBDICTIONARYWDFLT" && o.data.version() >= Version::kR2000) {
+        return Decode<DictionaryRecord>(o, out, ReadDictionaryWithDefault);
+    }
     return Keep(o, IsEntityType(o.type, classes), o.data.buffer(), out);
 }
 

@@ -6,8 +6,10 @@
 
 #include "platform/dwg/annotations.hpp"
 #include "platform/dwg/curves.hpp"
+#include "platform/dwg/hatch.hpp"
 #include "platform/dwg/layout.hpp"
 #include "platform/dwg/objects.hpp"
+#include "platform/dwg/small_kinds.hpp"
 #include "platform/dwg/texts.hpp"
 #include "platform/dwg/xrecord.hpp"
 
@@ -27,7 +29,9 @@ using DecodedObject =
                  AttributeRecord, MTextRecord, InsertRecord, BlockBeginRecord, EntityCommon,
                  BlockHeaderRecord, LayerRecord, EllipseRecord, LwPolylineRecord,
                  PolylineRecord, VertexRecord, SolidRecord, DictionaryRecord,
-                 DimensionRecord, SplineRecord, XRecordRecord, LayoutRecord>;
+                 DimensionRecord, SplineRecord, XRecordRecord, LayoutRecord,
+                 HatchRecord, FaceRecord, RayRecord, DictionaryVariableRecord, ScaleRecord,
+                 GroupRecord, PlaceHolderRecord>;
 
 // False when the object's data does not hold what its type needs. The classes tell whether a
 // drawing's own type (500 and up) is an entity.

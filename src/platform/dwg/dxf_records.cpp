@@ -304,6 +304,116 @@ void Body(DxfText& out, const SolidRecord& r, const NameIndex&) {
     Normal(out, r.normal);
 }
 
+void Body(DxfText& out, const FaceRecord& r, const NameIndex&) {
+    out.tag(100, "AcDbFace");
+    for (int i = 0; i < 4; ++i) out.point(10 + i, r.corners[i]);
+    if (r.invisibleEdges != 0) out.integer(70, r.invisibleEdges);
+}
+
+void Body(DxfText& out, const RayRecord& r, const NameIndex&, const std::string& typeName) {
+    out.tag(100, typeName == "RAY" ? "AcDbRay" : "AcDbXline");
+    out.point(10, r.point);
+    out.point(11, r.direction);
+}
+
+void HatchEdgeBody(DxfText& out, const HatchEdge& e) {
+    out.integer(72, e.type);
+    switch (e.type) {
+        case 1:
+            out.point(10, e.start);
+            out.point(11, e.end);
+            return;
+        case 2:
+        case 3:
+            out.point(10, e.start);
+            if (e.type == 3) out.point(11, e.end);
+            out.tag(40, e.radius);
+            out.angle(50, e.startAngle);
+            out.angle(51, e.endAngle);
+            out.integer(73, e.counterClockwise ? 1 : 0);
+            return;
+        default: break;
+    }
+    out.integer(94, e.degree);
+    out.integer(73, e.rational ? 1 : 0);
+    out.integer(74, e.periodic ? 1 : 0);
+    out.integer(95, static_cast<long long>(e.knots.size()));
+    out.integer(96, static_cast<long long>(e.controlPoints.size()));
+    for (double k : e.knots) out.tag(40, k);
+    for (std::size_t i = 0; i < e.controlPoints.size(); ++i) {
+        out.point(10, e.controlPoints[i]);
+        if (i < e.weights.size()) out.tag(42, e.weights[i]);
+    }
+    if (e.fitPoints.empty()) return;
+    out.integer(97, static_cast<long long>(e.fitPoints.size()));
+    for (const auto& p : e.fitPoints) out.point(11, p);
+    out.point(12, e.startTangent);
+    out.point(13, e.endTangent);
+}
+
+void HatchPathBody(DxfText& out, const HatchPath& p) {
+    out.integer(92, p.flags);
+    if (p.flags & 2) {
+        out.integer(72, p.hasBulges ? 1 : 0);
+        out.integer(73, p.closed ? 1 : 0);
+        out.integer(93, static_cast<long long>(p.vertices.size()));
+        for (std::size_t i = 0; i < p.vertices.size(); ++i) {
+            out.point(10, p.vertices[i]);
+            if (p.hasBulges) out.tag(42, i < p.bulges.size() ? p.bulges[i] : 0.0);
+        }
+    } else {
+        out.integer(93, static_cast<long long>(p.edges.size()));
+        for (const auto& e : p.edges) HatchEdgeBody(out, e);
+    }
+    out.integer(97, static_cast<long long>(p.sources.size()));
+    for (auto h : p.sources) out.handle(330, h);
+}
+
+void Body(DxfText& out, const HatchRecord& r, const NameIndex&) {
+    out.tag(100, "AcDbHatch");
+    out.point(10, Point3{0, 0, r.elevation});
+    out.point(210, r.normal);
+    out.tag(2, r.name);
+    out.integer(70, r.solid ? 1 : 0);
+    out.integer(71, r.associative ? 1 : 0);
+    out.integer(91, static_cast<long long>(r.paths.size()));
+    for (const auto& p : r.paths) HatchPathBody(out, p);
+    out.integer(75, r.style);
+    out.integer(76, r.patternType);
+    if (!r.solid) {
+        out.angle(52, r.angle);
+        out.tag(41, r.scale);
+        out.integer(77, r.doubled ? 1 : 0);
+        out.integer(78, static_cast<long long>(r.lines.size()));
+        for (const auto& l : r.lines) {
+            out.angle(53, l.angle);
+            out.tag(43, l.base.x);
+            out.tag(44, l.base.y);
+            out.tag(45, l.offset.x);
+            out.tag(46, l.offset.y);
+            out.integer(79, static_cast<long long>(l.dashes.size()));
+            for (double dash : l.dashes) out.tag(49, dash);
+        }
+    }
+    if (r.hasPixelSize) out.tag(47, r.pixelSize);
+    out.integer(98, static_cast<long long>(r.seeds.size()));
+    for (const auto& p : r.seeds) out.point(10, p);
+    if (!r.gradient) return;
+    out.integer(450, 1);
+    out.integer(451, r.gradientReserved);
+    out.integer(452, r.singleColor);
+    out.integer(453, static_cast<long long>(r.gradientColors.size()));
+    out.angle(460, r.gradientAngle);
+    out.tag(461, r.gradientShift);
+    out.tag(462, r.gradientTint);
+    for (const auto& [value, rgb] : r.gradientColors) {
+        out.tag(463, value);
+        out.integer(63, 256);
+        out.integer(421, rgb & 0xFFFFFF);
+    }
+    out.tag(470, r.gradientName);
+}
+
 const char* DimensionSubclass(int dxfType) {
     switch (dxfType) {
         case 0: return "AcDbAlignedDimension";
@@ -393,7 +503,7 @@ void WritePlotSettings(DxfText& out, const PlotSettings& p) {
     out.integer(74, p.plotType);
     out.tag(7, p.styleSheet);
     out.integer(75, p.scaleType);
-    out.integer(76, p.shadeMode);
+    if (p.shadeMode != 0) out.integer(76, p.shadeMode);
     if (p.shadeResolution != 0) out.integer(77, p.shadeResolution);
     if (p.shadeDpi != 0) out.integer(78, p.shadeDpi);
     out.tag(147, p.scaleFactor);
@@ -438,6 +548,8 @@ void WriteEntity(DxfText& out, const DecodedObject& decoded, const std::string& 
             using R = std::decay_t<decltype(r)>;
             if constexpr (std::is_same_v<R, AttributeRecord>) {
                 Body(out, r, names, typeName == "ATTDEF");
+            } else if constexpr (std::is_same_v<R, RayRecord>) {
+                Body(out, r, names, typeName);
             } else if constexpr (requires { Body(out, r, names); }) {
                 Body(out, r, names);
             }
@@ -445,34 +557,74 @@ void WriteEntity(DxfText& out, const DecodedObject& decoded, const std::string& 
         decoded);
 }
 
+namespace {
+
+void ObjectBody(DxfText& out, const DictionaryRecord& d) {
+    out.tag(100, "AcDbDictionary");
+    if (d.hardOwner != 0) out.integer(280, d.hardOwner);
+    out.integer(281, d.cloning);
+    for (const auto& [name, entry] : d.entries) {
+        out.tag(3, name);
+        out.handle(d.hardOwner != 0 ? 360 : 350, entry);
+    }
+    if (d.withDefault) {
+        out.tag(100, "AcDbDictionaryWithDefault");
+        out.handle(340, d.defaultEntry);
+    }
+}
+
+void ObjectBody(DxfText& out, const XRecordRecord& x) {
+    out.tag(100, "AcDbXrecord");
+    out.integer(280, x.cloning);
+    for (const auto& [code, value] : x.groups) out.tag(code, value);
+}
+
+void ObjectBody(DxfText& out, const DictionaryVariableRecord& v) {
+    out.tag(100, "DictionaryVariables");
+    out.integer(280, v.schema);
+    out.tag(1, v.value);
+}
+
+void ObjectBody(DxfText& out, const ScaleRecord& s) {
+    out.tag(100, "AcDbScale");
+    out.integer(70, s.flags);
+    out.tag(300, s.name);
+    out.tag(140, s.paperUnits);
+    out.tag(141, s.drawingUnits);
+    out.integer(290, s.unitScale ? 1 : 0);
+}
+
+void ObjectBody(DxfText& out, const GroupRecord& g) {
+    out.tag(100, "AcDbGroup");
+    out.tag(300, g.description);
+    out.integer(70, g.unnamed);
+    out.integer(71, g.selectable);
+    for (auto h : g.entities) out.handle(340, h);
+}
+
+void ObjectBody(DxfText&, const PlaceHolderRecord&) {}
+void ObjectBody(DxfText&, const KeptObject&) {}
+
+}  // namespace
+
 void WriteObject(DxfText& out, const DecodedObject& decoded, const std::string& typeName,
                  std::uint64_t handle) {
-    if (const auto* d = std::get_if<DictionaryRecord>(&decoded)) {
-        Head(out, typeName, d->common, d->common.owner);
-        out.tag(100, "AcDbDictionary");
-        if (d->hardOwner != 0) out.integer(280, d->hardOwner);
-        out.integer(281, d->cloning);
-        for (const auto& [name, entry] : d->entries) {
-            out.tag(3, name);
-            out.handle(d->hardOwner != 0 ? 360 : 350, entry);
-        }
-        return;
-    }
-    if (const auto* x = std::get_if<XRecordRecord>(&decoded)) {
-        Head(out, typeName, x->common, x->common.owner);
-        out.tag(100, "AcDbXrecord");
-        out.integer(280, x->cloning);
-        for (const auto& [code, value] : x->groups) out.tag(code, value);
-        return;
-    }
     if (const auto* l = std::get_if<LayoutRecord>(&decoded)) {
         WriteLayout(out, *l, typeName);
         return;
     }
-    if (const auto* k = std::get_if<KeptObject>(&decoded)) {
-        Head(out, typeName, k->common, k->common.owner);
-        return;
-    }
+    const bool written = std::visit(
+        [&](const auto& r) {
+            if constexpr (requires { ObjectBody(out, r); r.common.owner; }) {
+                Head(out, typeName, r.common, r.common.owner);
+                ObjectBody(out, r);
+                return true;
+            } else {
+                return false;
+            }
+        },
+        decoded);
+    if (written) return;
     out.tag(0, typeName);
     out.handle(5, handle);
 }

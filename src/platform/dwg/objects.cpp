@@ -18,4 +18,11 @@ bool ReadDictionary(ObjectStreams& o, DictionaryRecord& out) {
     return !d.failed() && !o.handles.failed() && !o.strings.failed();
 }
 
+bool ReadDictionaryWithDefault(ObjectStreams& o, DictionaryRecord& out) {
+    if (!ReadDictionary(o, out)) return false;
+    out.withDefault = true;
+    out.defaultEntry = ReadHandle(o);
+    return !o.handles.failed();
+}
+
 }  // namespace dwg

@@ -42,6 +42,94 @@ void ReadLinetype(ObjectStreams& o, SymbolRecord& out) {
     }
 }
 
+// The view that VIEW and VPORT records share, from the height to the render mode.
+void ReadViewValues(BitReader& d, SymbolRecord& out) {
+    out.height = d.BD();
+    out.width = d.BD();
+    out.center = d.RD2();
+    out.target = d.BD3();
+    out.direction = d.BD3();
+    out.twist = d.BD();
+    out.lensLength = d.BD();
+    out.frontClip = d.BD();
+    out.backClip = d.BD();
+    // Perspective, front clip, back clip, then front clip at the eye, which DXF's 16 denies.
+    const bool perspective = d.B(), front = d.B(), back = d.B(), atEye = d.B();
+    out.viewMode = static_cast<std::uint8_t>((perspective ? 1 : 0) | (front ? 2 : 0) |
+                                             (back ? 4 : 0) | (atEye ? 0 : 16));
+    if (d.version() >= Version::kR2000) out.renderMode = d.RC();
+    if (d.version() >= Version::kR2007) {
+        d.B();   // default lights
+        d.RC();  // default lighting type
+        d.BD();  // brightness
+        d.BD();  // contrast
+        d.CMC();  // ambient colour
+    }
+}
+
+void ReadUcsValues(BitReader& d, SymbolRecord& out) {
+    out.hasUcs = true;
+    out.origin = d.BD3();
+    out.xAxis = d.BD3();
+    out.yAxis = d.BD3();
+    out.elevation = d.BD();
+    out.orthoType = d.BS();
+}
+
+void ReadView(ObjectStreams& o, SymbolRecord& out) {
+    BitReader& d = o.data;
+    ReadViewValues(d, out);
+    out.paperSpace = d.B();
+    if (d.version() >= Version::kR2000 && d.B()) ReadUcsValues(d, out);
+    if (d.version() >= Version::kR2007) d.B();  // camera plottable
+}
+
+void ReadViewport(ObjectStreams& o, SymbolRecord& out) {
+    BitReader& d = o.data;
+    ReadViewValues(d, out);
+    out.lowerLeft = d.RD2();
+    out.upperRight = d.RD2();
+    out.ucsFollow = d.B();
+    out.circleZoom = d.BS();
+    out.fastZoom = d.B();
+    out.ucsIcon = static_cast<std::uint8_t>(d.bits(2));
+    out.gridOn = d.B();
+    out.gridSpacing = d.RD2();
+    out.snapOn = d.B();
+    out.snapStyle = d.B();
+    out.snapIsoPair = d.BS();
+    out.snapRotation = d.BD();
+    out.snapBase = d.RD2();
+    out.snapSpacing = d.RD2();
+    if (d.version() >= Version::kR2000) {
+        d.B();
+        out.hasUcs = d.B();  // a UCS of its own
+        const bool own = out.hasUcs;
+        ReadUcsValues(d, out);
+        out.hasUcs = own;
+    }
+    if (d.version() >= Version::kR2007) {
+        d.BS();  // grid flags
+        d.BS();  // grid major lines
+    }
+}
+
+void ReadUcs(ObjectStreams& o, SymbolRecord& out) {
+    BitReader& d = o.data;
+    out.hasUcs = true;
+    out.origin = d.BD3();
+    out.xAxis = d.BD3();
+    out.yAxis = d.BD3();
+    if (d.version() < Version::kR2000) return;
+    out.elevation = d.BD();
+    out.orthoType = d.BS();
+    const int views = static_cast<std::uint16_t>(d.BS());
+    for (int i = 0; i < views && !d.failed(); ++i) {
+        d.BS();
+        d.BD3();
+    }
+}
+
 // DXF 70 of a table record: 16 xref dependent, 64 referenced.
 int EntryFlags(const TableEntry& e, int own = 0) {
     return own | (e.xrefDependent ? 16 : 0) | (e.referenced ? 64 : 0);
@@ -80,12 +168,69 @@ void WriteDimensionVariables(DxfText& out, const DimensionVariables& m) {
     }
 }
 
+void WriteViewport(DxfText& out, const SymbolRecord& r) {
+    out.point(10, r.lowerLeft);
+    out.point(11, r.upperRight);
+    out.point(12, r.center);
+    out.point(13, r.snapBase);
+    out.point(14, r.snapSpacing);
+    out.point(15, r.gridSpacing);
+    out.point(16, r.direction);
+    out.point(17, r.target);
+    out.tag(40, r.height);
+    out.tag(41, r.height != 0 ? r.width / r.height : 1.0);  // DXF gives the aspect ratio
+    out.tag(42, r.lensLength);
+    out.tag(43, r.frontClip);
+    out.tag(44, r.backClip);
+    out.angle(50, r.snapRotation);
+    out.angle(51, r.twist);
+    out.integer(71, r.viewMode);
+    out.integer(72, r.circleZoom);
+    out.integer(73, r.fastZoom ? 1 : 0);
+    out.integer(74, r.ucsIcon);
+    out.integer(75, r.snapOn ? 1 : 0);
+    out.integer(76, r.gridOn ? 1 : 0);
+    out.integer(77, r.snapStyle ? 1 : 0);
+    out.integer(78, r.snapIsoPair);
+    out.integer(281, r.renderMode);
+    out.integer(65, r.hasUcs ? 1 : 0);
+    out.point(110, r.origin);
+    out.point(111, r.xAxis);
+    out.point(112, r.yAxis);
+    out.integer(79, r.orthoType);
+    out.tag(146, r.elevation);
+}
+
+void WriteView(DxfText& out, const SymbolRecord& r) {
+    out.tag(40, r.height);
+    out.point(10, r.center);
+    out.tag(41, r.width);
+    out.point(11, r.direction);
+    out.point(12, r.target);
+    out.tag(42, r.lensLength);
+    out.tag(43, r.frontClip);
+    out.tag(44, r.backClip);
+    out.angle(50, r.twist);
+    out.integer(71, r.viewMode);
+    out.integer(281, r.renderMode);
+    out.integer(72, r.hasUcs ? 1 : 0);
+    if (!r.hasUcs) return;
+    out.point(110, r.origin);
+    out.point(111, r.xAxis);
+    out.point(112, r.yAxis);
+    out.integer(79, r.orthoType);
+    out.tag(146, r.elevation);
+}
+
 }  // namespace
 
 bool ReadSymbolRecord(ObjectStreams& o, SymbolRecord& out) {
     ReadTableEntry(o, out.entry);
     if (o.type == kStyle) ReadStyle(o, out);
     if (o.type == kLinetype) ReadLinetype(o, out);
+    if (o.type == kView) ReadView(o, out);
+    if (o.type == kViewport) ReadViewport(o, out);
+    if (o.type == kUcs) ReadUcs(o, out);
     ReadTableEntryHandles(o, out.entry);
     if (o.type == kDimensionStyle) {
         ReadDimensionVariables(o.data, o.text(), o.handles, out.dim);
@@ -118,6 +263,15 @@ void WriteSymbolRecord(DxfText& out, const std::string& table, const SymbolRecor
     }
     out.integer(70, EntryFlags(r.entry));
     if (table == "DIMSTYLE") WriteDimensionVariables(out, r.dim);
+    if (table == "VPORT") WriteViewport(out, r);
+    if (table == "VIEW") WriteView(out, r);
+    if (table == "UCS") {
+        out.point(10, r.origin);
+        out.point(11, r.xAxis);
+        out.point(12, r.yAxis);
+        out.integer(79, r.orthoType);
+        out.tag(146, r.elevation);
+    }
     if (table == "LTYPE") {
         out.tag(3, r.description);
         out.integer(72, 65);

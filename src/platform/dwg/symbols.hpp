@@ -26,6 +26,23 @@ struct SymbolRecord {
     std::vector<double> dashes;
     // DIMSTYLE
     DimensionVariables dim;
+    // VIEW and VPORT: the view; VPORT's width is its aspect ratio
+    double height = 0, width = 0, twist = 0, lensLength = 50, frontClip = 0, backClip = 0;
+    Point2 center;
+    Point3 target, direction{0, 0, 1};
+    std::uint8_t viewMode = 0, renderMode = 0;
+    bool paperSpace = false;
+    // VPORT: the viewport's corners, grid and snap
+    Point2 lowerLeft, upperRight{1, 1}, gridSpacing, snapBase, snapSpacing;
+    std::int16_t circleZoom = 1000, snapIsoPair = 0;
+    bool fastZoom = true, gridOn = false, snapOn = false, snapStyle = false, ucsFollow = false;
+    std::uint8_t ucsIcon = 0;
+    double snapRotation = 0;
+    // UCS, and the UCS of a view or viewport
+    bool hasUcs = false;
+    Point3 origin, xAxis{1, 0, 0}, yAxis{0, 1, 0};
+    double elevation = 0;
+    std::int16_t orthoType = 0;
 };
 
 // Reads the record by its type: the text style and linetype values in full, the name and

@@ -1,6 +1,7 @@
 // A DWG drawing read into a database holds what its DXF twin holds: the same objects under the
 // same handles, with the same layers, blocks, coordinates and texts.
 #include "platform/dwg/drawing.hpp"
+#include "platform/dwg/read.hpp"
 
 #include <gtest/gtest.h>
 
@@ -48,9 +49,11 @@ TEST(DwgDrawing, example_2000_equals_its_dxf_twin_object_by_object) {
     const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_2000.dwg"));
     std::string text;
     dwg::MapError error;
-    ASSERT_TRUE(dwg::DwgToDxfText(UncompressedSections(file, dwg::Version::kR2000), text, error));
     AcDbDatabase fromDwg(false, true), fromDxf(false, true);
-    ASSERT_EQ(dxf::ReadDxfBytes(fromDwg, text, "example_2000.dwg"), Acad::eOk);
+    ASSERT_EQ(dwg::ReadDwgSections(fromDwg, UncompressedSections(file, dwg::Version::kR2000),
+                                   "example_2000.dwg"),
+              Acad::eOk);
+    EXPECT_EQ(fromDwg.originalFileVersion(), AcDb::kDHL_1015);
     ASSERT_EQ(dxf::ReadDxfFile(fromDxf, "/work/shared/corpus/dxf/example_2000.dxf"), Acad::eOk);
     dwg_test::TwinComparison twins;
     twins.compare(fromDwg, fromDxf, fromDwg.handseed().value());
@@ -85,6 +88,77 @@ TEST(DwgDrawing, every_uncompressed_corpus_drawing_reads_into_a_database) {
         EXPECT_GT(model->entityIds().length(), 0);
         model->close();
     }
+}
+
+}  // namespace
+
+namespace {
+
+std::string HeaderValue(const AcDbDatabase& db, const std::string& name) {
+    for (const auto& [var, tags] : db.headerVars()) {
+        if (var == name && !tags.empty()) return std::string(tags.begin()->value);
+    }
+    return {};
+}
+
+TEST(DwgRead, the_database_keeps_the_file_version_and_code_page) {
+    const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_r14.dwg"));
+    AcDbDatabase db(false, true);
+    ASSERT_EQ(dwg::ReadDwgSections(db, UncompressedSections(file, dwg::Version::kR14), "r14.dwg"),
+              Acad::eOk);
+    EXPECT_EQ(db.originalFileVersion(), AcDb::kDHL_1014);
+    EXPECT_EQ(HeaderValue(db, "$ACADVER"), "AC1014");
+    EXPECT_EQ(HeaderValue(db, "$DWGCODEPAGE"), "ANSI_1252");
+    EXPECT_TRUE(db.lastError().empty());
+}
+
+// A damaged object: the read fails naming the file, the object's offset and the reason, and
+// the database is left empty even though it held a drawing before.
+TEST(DwgRead, a_damaged_object_leaves_the_database_empty_and_names_offset_and_reason) {
+    auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_2000.dwg"));
+    std::vector<dwg::ObjectLocation> map;
+    dwg::MapError error;
+    ASSERT_TRUE(dwg::ParseObjectMap(dwg_test::LocatedSection(file, 2), map, error));
+    const auto offset = static_cast<std::size_t>(map[map.size() / 2].offset);
+    file[offset + 4] ^= 0x5A;
+    AcDbDatabase db(true, true);
+    EXPECT_EQ(dwg::ReadDwgSections(db, UncompressedSections(file, dwg::Version::kR2000), "bad.dwg"),
+              Acad::eDwgNeedsRecovery);
+    const std::string message = Utf8FromWide(db.lastError());
+    EXPECT_EQ(message, "bad.dwg: offset " + std::to_string(offset) + ": object CRC mismatch")
+        << message;
+    EXPECT_TRUE(db.stubs().empty());
+    EXPECT_TRUE(db.headerVars().empty());
+}
+
+TEST(DwgRead, a_damaged_header_section_is_named_in_the_reason) {
+    auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_2000.dwg"));
+    auto sections = UncompressedSections(file, dwg::Version::kR2000);
+    std::vector<std::uint8_t> header(sections.header.begin(), sections.header.end());
+    header[40] ^= 1;
+    sections.header = header;
+    AcDbDatabase db(false, true);
+    EXPECT_EQ(dwg::ReadDwgSections(db, sections, "bad.dwg"), Acad::eDwgNeedsRecovery);
+    EXPECT_NE(Utf8FromWide(db.lastError()).find("header section CRC mismatch"), std::string::npos);
+}
+
+TEST(DwgRead, files_are_told_by_their_first_bytes) {
+    const std::string dwg = "AC1018\0\0", dxf = "  0\nSECTION", odd = "AC9999";
+    auto bytes = [](const std::string& s) {
+        return std::span(reinterpret_cast<const std::uint8_t*>(s.data()), s.size());
+    };
+    EXPECT_TRUE(dwg::LooksLikeDwg(bytes(dwg)));
+    EXPECT_FALSE(dwg::LooksLikeDwg(bytes(dxf)));
+    EXPECT_FALSE(dwg::LooksLikeDwg(bytes("AC10")));
+    dwg::Version v;
+    ASSERT_TRUE(dwg::VersionFromMagic(bytes(dwg), v));
+    EXPECT_EQ(v, dwg::Version::kR2004);
+    EXPECT_FALSE(dwg::VersionFromMagic(bytes(odd), v));
+    AcDbDatabase db(false, true);
+    EXPECT_EQ(dwg::ReadDwgBytes(db, bytes("AC1099xxxxxxxxxxxxxxxxxxxxxxx"), "odd.dwg"),
+              Acad::eDwgNeedsRecovery);
+    EXPECT_EQ(Utf8FromWide(db.lastError()),
+              "odd.dwg: offset 0: not a DWG version this reader knows (\"AC1099\")");
 }
 
 }  // namespace

@@ -354,8 +354,10 @@ TEST(DwgDecoders, known_kinds_decode_in_every_uncompressed_corpus_drawing) {
         ForEachObject(file, version, [&](dwg::ObjectStreams& o) { handles.insert(o.handle); });
         int count = 0;
         int kept = 0;
+        std::map<std::string, int> keptKinds;
         ForEachObject(file, version, [&](dwg::ObjectStreams& o) {
-            SCOPED_TRACE(testing::Message() << "handle " << std::hex << o.handle);
+            SCOPED_TRACE(testing::Message() << "handle " << std::hex << o.handle << " type "
+                                            << dwg::TypeName(o.type, classes));
             dwg::DecodedObject decoded;
             const bool ok = dwg::DecodeObject(o, classes, decoded);
             if (auto* k = std::get_if<dwg::KeptObject>(&decoded)) {
@@ -370,6 +372,7 @@ TEST(DwgDecoders, known_kinds_decode_in_every_uncompressed_corpus_drawing) {
                     EXPECT_TRUE(target == 0 || handles.count(target)) << std::hex << target;
                 }
                 ++kept;
+                ++keptKinds[dwg::TypeName(o.type, classes)];
                 return;
             }
             if (auto* layer = std::get_if<dwg::LayerRecord>(&decoded)) {
@@ -382,7 +385,9 @@ TEST(DwgDecoders, known_kinds_decode_in_every_uncompressed_corpus_drawing) {
             ++count;
         });
         EXPECT_GT(count, 0);
-        std::cout << name << ": " << count << " decoded, " << kept << " kept whole\n";
+        std::cout << name << ": " << count << " decoded, " << kept << " kept whole:";
+        for (const auto& [kind, n] : keptKinds) std::cout << ' ' << kind << ' ' << n;
+        std::cout << '\n';
     }
 }
 

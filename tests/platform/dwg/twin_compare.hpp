@@ -96,7 +96,28 @@ private:
         if (auto* x = AcDbSymbolTableRecord::cast(&a)) {
             text("name", Numbered(x->name()), Numbered(AcDbSymbolTableRecord::cast(&b)->name()));
         }
-        if (kindOf(a) == L"XRECORD") data(a.fileTags(), b.fileTags());
+        // The kinds kept as their DXF groups: compared group by group.
+        static const std::wstring kByGroups[] = {L"XRECORD", L"AcDbHatch", L"DICTIONARYVAR",
+                                                 L"SCALE", L"GROUP", L"AcDbFace", L"AcDbRay",
+                                                 L"AcDbXline", L"LAYOUT"};
+        for (const auto& kind : kByGroups) {
+            if (kindOf(a) == kind) data(a.fileTags(), b.fileTags());
+        }
+        // The active viewport follows the screen of whoever saved the file last: the DXF was
+        // exported in another session.
+        auto* x = AcDbAbstractViewTableRecord::cast(&a);
+        if (x && x->name() != L"*Active") {
+            auto* y = AcDbAbstractViewTableRecord::cast(&b);
+            number("view centre x", x->centerPoint().x, y->centerPoint().x);
+            number("view centre y", x->centerPoint().y, y->centerPoint().y);
+            number("view height", x->height(), y->height());
+            number("view width", x->width(), y->width());
+            point("view target", x->target(), y->target());
+            number("view direction z", x->viewDirection().z, y->viewDirection().z);
+        }
+        if (auto* u = AcDbUCSTableRecord::cast(&a)) {
+            point("ucs origin", u->origin(), AcDbUCSTableRecord::cast(&b)->origin());
+        }
         if (auto* x = AcDbDimStyleTableRecord::cast(&a)) {
             dimensionStyle(*x, *AcDbDimStyleTableRecord::cast(&b));
         }
@@ -118,11 +139,21 @@ private:
         }
         return out;
     }
+    // "code=value" pairs of the same code whose values are the same number to 1e-9.
+    static bool SameNumber(const std::string& p, const std::string& q) {
+        const auto i = p.find('='), j = q.find('=');
+        if (i == std::string::npos || p.substr(0, i) != q.substr(0, j)) return false;
+        char* end1 = nullptr;
+        char* end2 = nullptr;
+        const double a = std::strtod(p.c_str() + i + 1, &end1), b = std::strtod(q.c_str() + j + 1, &end2);
+        return *end1 == 0 && *end2 == 0 && end1 != p.c_str() + i + 1 &&
+               std::fabs(a - b) <= 1e-9 * std::max(1.0, std::fabs(b));
+    }
     void data(const AcDbRawTags& a, const AcDbRawTags& b) {
         const auto x = Body(a), y = Body(b);
         for (std::size_t i = 0; i < std::max(x.size(), y.size()); ++i) {
             const std::string p = i < x.size() ? x[i] : "", q = i < y.size() ? y[i] : "";
-            if (p == q) continue;
+            if (p == q || SameNumber(p, q)) continue;
             differ("group " + std::to_string(i), p, q);
             return;
         }

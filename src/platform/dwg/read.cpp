@@ -1,0 +1,108 @@
+#include "platform/dwg/read.hpp"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#include "platform/dxf/dxf.hpp"
+#include "platform/win/codepage.hpp"
+
+namespace dwg {
+namespace {
+
+constexpr std::pair<const char*, Version> kVersions[] = {
+    {"AC1012", Version::kR13},   {"AC1014", Version::kR14},   {"AC1015", Version::kR2000},
+    {"AC1018", Version::kR2004}, {"AC1021", Version::kR2007}, {"AC1024", Version::kR2010},
+    {"AC1027", Version::kR2013}, {"AC1032", Version::kR2018}};
+
+Acad::ErrorStatus Fail(AcDbDatabase& db, const std::string& name, std::size_t offset,
+                       const std::string& reason) {
+    db.discardContents();  // no part of a damaged drawing is used as if it were the drawing
+    db.setLastError(WideFromUtf8(name + ": offset " + std::to_string(offset) + ": " + reason));
+    return Acad::eDwgNeedsRecovery;
+}
+
+// The header variables the DXF records gave in another version's terms, put back.
+void KeepFileVersion(AcDbDatabase& db, Version version) {
+    db.setOriginalFileVersion(DatabaseVersion(version));
+    for (auto& [name, tags] : db.headerVars()) {
+        if (name != "$ACADVER") continue;
+        tags = AcDbRawTags();
+        tags.push_back(1, dxf::VersionName(DatabaseVersion(version)));
+    }
+}
+
+// The sections of the file, from its container. The container reader is being written
+// beside this one; until it is here a DWG file is refused with that reason.
+bool LocateSections(std::span<const std::uint8_t>, Version, DwgSections&, MapError& error) {
+    error = {0, "the DWG file container is not read yet"};
+    return false;
+}
+
+}  // namespace
+
+bool LooksLikeDwg(std::span<const std::uint8_t> head) {
+    return head.size() >= 6 && head[0] == 'A' && head[1] == 'C' &&
+           (std::memcmp(head.data() + 2, "10", 2) == 0 || std::memcmp(head.data() + 2, "20", 2) == 0);
+}
+
+bool VersionFromMagic(std::span<const std::uint8_t> file, Version& out) {
+    if (file.size() < 6) return false;
+    for (const auto& [magic, version] : kVersions) {
+        if (std::memcmp(file.data(), magic, 6) == 0) {
+            out = version;
+            return true;
+        }
+    }
+    return false;
+}
+
+AcDb::AcDbDwgVersion DatabaseVersion(Version version) {
+    switch (version) {
+        case Version::kR13: return AcDb::kDHL_1012;
+        case Version::kR14: return AcDb::kDHL_1014;
+        case Version::kR2000: return AcDb::kDHL_1015;
+        case Version::kR2004: return AcDb::kDHL_1018;
+        case Version::kR2007: return AcDb::kDHL_1021;
+        case Version::kR2010: return AcDb::kDHL_1024;
+        case Version::kR2013: return AcDb::kDHL_1027;
+        case Version::kR2018: return AcDb::kDHL_1032;
+    }
+    return AcDb::kDHL_1018;
+}
+
+Acad::ErrorStatus ReadDwgSections(AcDbDatabase& db, const DwgSections& sections,
+                                  const std::string& name) {
+    std::string text;
+    MapError error;
+    if (!DwgToDxfText(sections, text, error)) return Fail(db, name, error.offset, error.reason);
+    const Acad::ErrorStatus status = dxf::ReadDxfBytes(db, text, name);
+    if (status != Acad::eOk) {
+        // The records are made here: a refusal is a fault of this reader, said as such.
+        const std::wstring why = db.lastError();
+        db.discardContents();
+        db.setLastError(WideFromUtf8(name) + L": offset 0: the decoded drawing was refused: " + why);
+        return Acad::eDwgNeedsRecovery;
+    }
+    KeepFileVersion(db, sections.version);
+    db.setLastError(L"");
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::span<const std::uint8_t> file,
+                               const std::string& name) {
+    Version version;
+    if (!VersionFromMagic(file, version)) {
+        return Fail(db, name, 0, "not a DWG version this reader knows (\"" +
+                                     std::string(file.begin(), file.begin() + std::min<std::size_t>(6, file.size())) +
+                                     "\")");
+    }
+    DwgSections sections;
+    MapError error;
+    if (!LocateSections(file, version, sections, error)) {
+        return Fail(db, name, error.offset, error.reason);
+    }
+    return ReadDwgSections(db, sections, name);
+}
+
+}  // namespace dwg

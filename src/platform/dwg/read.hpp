@@ -1,0 +1,30 @@
+#pragma once
+// Reading a DWG file into a database: the version from the file's first bytes, its sections
+// from the file container, the objects decoded and handed to the DXF reader as DXF records, so
+// that the database holds what the same drawing read from DXF holds.
+#include <cstdint>
+#include <span>
+#include <string>
+
+#include "platform/db/database.hpp"
+#include "platform/dwg/drawing.hpp"
+
+namespace dwg {
+
+// True when the bytes open with the version string of a DWG ("AC1015"), whatever the version.
+bool LooksLikeDwg(std::span<const std::uint8_t> head);
+// The version the file's first six bytes name; false for one this reader does not know.
+bool VersionFromMagic(std::span<const std::uint8_t> file, Version& out);
+// The version as the database and the DXF header name it.
+AcDb::AcDbDwgVersion DatabaseVersion(Version version);
+
+// Reads decoded sections into an empty database. On failure the database stays empty and
+// lastError() says "name: offset N: reason".
+Acad::ErrorStatus ReadDwgSections(AcDbDatabase& db, const DwgSections& sections,
+                                  const std::string& name);
+
+// Reads a whole DWG file held in memory.
+Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::span<const std::uint8_t> file,
+                               const std::string& name);
+
+}  // namespace dwg

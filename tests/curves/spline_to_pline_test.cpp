@@ -1,0 +1,220 @@
+// FunSplineToPline: splines and partial ellipses become polylines of arcs and straight pieces.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <memory>
+
+#include "curves/spline_to_pline.hpp"
+#include "curves_fixture.hpp"
+#include "geometry_matchers.hpp"
+#include "platform/db/ellipse.hpp"
+#include "platform/db/polyline.hpp"
+#include "spline_builders.hpp"
+
+namespace {
+
+using P = AcGePoint3d;
+
+class SplineToPline : public CurvesTest {
+protected:
+    void SetUp() override {
+        CurvesTest::SetUp();
+        WriteSections(L"[SplineToPline]\nBolOpen=1\nTolerance=0.02\nEqualDivision=10\n");
+    }
+    void Run() { Cleanup().FunSplineToPline(); }
+    static AcDbSpline* Wave(double z = 0.0) {
+        return ClampedSpline({P(0, 0, z), P(3, 4, z), P(7, -3, z), P(9, 5, z), P(12, 1, z)});
+    }
+    struct Vertex {
+        AcGePoint2d point;
+        double bulge;
+    };
+    struct Shape {
+        std::vector<Vertex> vertices;
+        bool closed = false;
+        double elevation = 0.0;
+    };
+    Shape OnlyPolyline() {
+        Shape shape;
+        AcDbObjectIdArray polylines = IdsOfType(2004);
+        EXPECT_EQ(polylines.length(), 1);
+        if (polylines.isEmpty()) return shape;
+        InspectAs<AcDbPolyline>(polylines[0], [&](AcDbPolyline* pl) {
+            for (unsigned int i = 0; i < pl->numVerts(); ++i) {
+                Vertex v;
+                pl->getPointAt(i, v.point);
+                pl->getBulgeAt(i, v.bulge);
+                shape.vertices.push_back(v);
+            }
+            shape.closed = pl->isClosed();
+            shape.elevation = pl->elevation();
+        });
+        return shape;
+    }
+    void EraseAll() {
+        for (const AcDbObjectId& id : ModelSpaceIds(Drawing())) {
+            AcDbEntity* e = nullptr;
+            acdbOpenAcDbEntity(e, id, AcDb::kForWrite);
+            e->erase();
+            e->close();
+        }
+    }
+    static int ArcCount(const Shape& shape) {
+        int arcs = 0;
+        for (const Vertex& v : shape.vertices) arcs += v.bulge != 0.0;
+        return arcs;
+    }
+};
+
+TEST_F(SplineToPline, free_form_spline_becomes_a_polyline_of_arcs_from_its_start_to_its_end) {
+    AcDbObjectId spline = AddToDrawing(Wave());
+    Run();
+    EXPECT_TRUE(IsGone(spline));
+    Shape shape = OnlyPolyline();
+    ASSERT_GE(shape.vertices.size(), 3u);
+    EXPECT_EQ(shape.vertices.front().point, AcGePoint2d(0, 0));
+    EXPECT_EQ(shape.vertices.back().point, AcGePoint2d(12, 1));
+    EXPECT_EQ(shape.vertices.back().bulge, 0.0);
+    EXPECT_GT(ArcCount(shape), 0);
+    EXPECT_FALSE(shape.closed);
+    EXPECT_EQ(LogText(), L"样条曲线转多段线开始\n样条曲线转多段线结束\n");
+}
+
+TEST_F(SplineToPline, span_whose_ends_and_middle_lie_in_a_line_is_taken_straight_without_its_samples) {
+    // A symmetric wave: start, parametric middle and end lie on y = 0, so the circle through them
+    // fails and the whole wave becomes one straight piece.
+    AddToDrawing(ClampedSpline({P(0, 0, 0), P(3, 4, 0), P(6, -4, 0), P(9, 4, 0), P(12, 0, 0)}));
+    Run();
+    Shape shape = OnlyPolyline();
+    ASSERT_EQ(shape.vertices.size(), 2u);
+    EXPECT_EQ(shape.vertices[0].bulge, 0.0);
+    EXPECT_EQ(shape.vertices[1].point, AcGePoint2d(12, 0));
+}
+
+TEST_F(SplineToPline, division_layer_filter_and_colours_change_nothing) {
+    const wchar_t* settings[] = {
+        L"[SplineToPline]\nTolerance=0.02\nEqualDivision=10\n",
+        L"[SplineToPline]\nTolerance=0.02\nEqualDivision=1000\nStrFilterLayer=OTHER\nColorInspect=255 0 0;0 255 0;\n",
+    };
+    std::vector<Shape> shapes;
+    for (const wchar_t* text : settings) {
+        EraseAll();
+        WriteSections(text);
+        AddToDrawing(Wave());
+        Run();
+        shapes.push_back(OnlyPolyline());
+    }
+    ASSERT_EQ(shapes[0].vertices.size(), shapes[1].vertices.size());
+    for (size_t i = 0; i < shapes[0].vertices.size(); ++i) {
+        EXPECT_EQ(shapes[0].vertices[i].point, shapes[1].vertices[i].point);
+        EXPECT_EQ(shapes[0].vertices[i].bulge, shapes[1].vertices[i].bulge);
+    }
+    EXPECT_EQ(CleanupGlobals->splineToPline->EqualDivision, 1000);
+    EXPECT_EQ(CleanupGlobals->splineToPline->colors.length(), 2);
+}
+
+TEST_F(SplineToPline, switch_off_in_the_file_runs_all_the_same) {
+    WriteSections(L"[SplineToPline]\nBolOpen=0\nTolerance=0.02\n");
+    AcDbObjectId spline = AddToDrawing(Wave());
+    Run();
+    EXPECT_TRUE(IsGone(spline));
+    EXPECT_EQ(CountOfType(2004), 1);
+}
+
+TEST_F(SplineToPline, complete_ellipse_stays_and_a_quarter_ellipse_becomes_a_polyline) {
+    AcDbObjectId full = AddToDrawing(new AcDbEllipse(P(0, 0, 0), AcGeVector3d(0, 0, 1), AcGeVector3d(6, 0, 0), 0.5));
+    AcDbObjectId quarter = AddToDrawing(
+        new AcDbEllipse(P(20, 0, 0), AcGeVector3d(0, 0, 1), AcGeVector3d(6, 0, 0), 0.5, 0.0, M_PI / 2));
+    Run();
+    EXPECT_FALSE(IsGone(full));
+    EXPECT_TRUE(IsGone(quarter));
+    Shape shape = OnlyPolyline();
+    ASSERT_GE(shape.vertices.size(), 2u);
+    EXPECT_THAT(P(shape.vertices.front().point.x, shape.vertices.front().point.y, 0), IsNearPoint(P(26, 0, 0), 1e-9));
+    EXPECT_THAT(P(shape.vertices.back().point.x, shape.vertices.back().point.y, 0), IsNearPoint(P(20, 3, 0), 1e-9));
+}
+
+TEST_F(SplineToPline, tolerance_0_segments_a_complete_ellipse_into_short_straight_pieces) {
+    WriteSections(L"[SplineToPline]\nTolerance=0\n");
+    AcDbObjectId full = AddToDrawing(new AcDbEllipse(P(0, 0, 0), AcGeVector3d(0, 0, 1), AcGeVector3d(1, 0, 0), 0.5));
+    Run();
+    EXPECT_TRUE(IsGone(full));
+    Shape shape = OnlyPolyline();
+    EXPECT_EQ(ArcCount(shape), 0);
+    EXPECT_GT(shape.vertices.size(), 50u);
+    EXPECT_TRUE(shape.closed);
+}
+
+TEST_F(SplineToPline, spline_whose_ends_meet_gives_a_closed_polyline) {
+    AddToDrawing(ArcSpline(P(0, 0, 0), 5.0, 0.0, 360.0));
+    Run();
+    Shape shape = OnlyPolyline();
+    EXPECT_TRUE(shape.closed);
+    ASSERT_GE(shape.vertices.size(), 2u);
+    EXPECT_EQ(shape.vertices.front().point, AcGePoint2d(5, 0));
+    // The last vertex (back at the start) is removed; its predecessor's bulge closes the curve.
+    EXPECT_GT(shape.vertices.back().bulge, 0.0);
+    for (const Vertex& v : shape.vertices) EXPECT_NEAR(std::hypot(v.point.x, v.point.y), 5.0, 1e-9);
+}
+
+TEST_F(SplineToPline, spline_shorter_than_0_02_gives_no_polyline_and_stays) {
+    AcDbObjectId dot = AddToDrawing(ClampedSpline({P(1, 1, 0), P(1.005, 1.005, 0), P(1.01, 1, 0), P(1.015, 1, 0)}));
+    Run();
+    EXPECT_FALSE(IsGone(dot));
+    EXPECT_EQ(CountOfType(2004), 0);
+}
+
+TEST_F(SplineToPline, spline_at_z_7_gives_straight_pieces_at_elevation_0) {
+    AcDbObjectId spline = AddToDrawing(ArcSpline(P(0, 0, 7), 5.0, 0.0, 90.0));
+    Run();
+    EXPECT_TRUE(IsGone(spline));
+    Shape shape = OnlyPolyline();
+    EXPECT_EQ(ArcCount(shape), 0);
+    EXPECT_EQ(shape.elevation, 0.0);
+    EXPECT_GT(shape.vertices.size(), 3u);
+}
+
+TEST_F(SplineToPline, polyline_takes_layer_linetype_colour_and_scale_of_the_source_bylayer_included) {
+    AcDbObjectId spline = AddToDrawing(Wave(), L"CURVES");
+    SetLook(spline, L"DASHED", 256, 1.5);
+    AcDbObjectId red = AddToDrawing(ArcSpline(P(50, 0, 0), 5.0, 0.0, 45.0), L"CURVES");
+    SetLook(red, L"Continuous", 1, 0.5);
+    Run();
+    AcDbObjectIdArray polylines = IdsOfType(2004);
+    ASSERT_EQ(polylines.length(), 2);
+    Look first = LookOfId(polylines[0]);
+    EXPECT_EQ(first.layer, L"CURVES");
+    EXPECT_EQ(first.linetype, L"DASHED");
+    EXPECT_EQ(first.color, 256);
+    EXPECT_EQ(first.scale, 1.5);
+    Look second = LookOfId(polylines[1]);
+    EXPECT_EQ(second.linetype, L"Continuous");
+    EXPECT_EQ(second.color, 1);
+    EXPECT_EQ(second.scale, 0.5);
+}
+
+TEST_F(SplineToPline, exact_arc_spline_becomes_one_arc_span_with_its_bulge) {
+    AddToDrawing(ArcSpline(P(0, 0, 0), 5.0, 0.0, 90.0));
+    Run();
+    Shape shape = OnlyPolyline();
+    ASSERT_EQ(shape.vertices.size(), 2u);
+    EXPECT_NEAR(shape.vertices[0].bulge, std::tan(M_PI / 8), 1e-6);
+}
+
+TEST_F(SplineToPline, polyline_of_two_vertices_closer_than_0_02_is_refused_and_nearby_ones_close) {
+    EXPECT_TRUE(MakePolylineEntity(AcGePoint3dArray{P(0, 0, 0), P(0.0199, 0, 0)}, AcGeDoubleArray{0.0, 0.0}).isNull());
+    EXPECT_FALSE(MakePolylineEntity(AcGePoint3dArray{P(0, 0, 0), P(0.02, 0, 0)}, AcGeDoubleArray{0.0, 0.0}).isNull());
+    EXPECT_TRUE(MakePolylineEntity(AcGePoint3dArray{P(0, 0, 0)}, AcGeDoubleArray{}).isNull());
+    AcDbObjectId triangle = MakePolylineEntity(AcGePoint3dArray{P(0, 0, 0), P(5, 0, 0), P(0, 5, 0), P(0.0199, 0, 0)},
+                                               AcGeDoubleArray{0.1, 0.2, 0.3, 0.0});
+    InspectAs<AcDbPolyline>(triangle, [](AcDbPolyline* pl) {
+        EXPECT_EQ(pl->numVerts(), 3u);
+        EXPECT_TRUE(pl->isClosed());
+        double bulge = 0;
+        pl->getBulgeAt(2, bulge);
+        EXPECT_EQ(bulge, 0.3);
+    });
+}
+
+}  // namespace

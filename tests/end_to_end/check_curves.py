@@ -1,0 +1,169 @@
+"""What the curve clean-ups promise of the merged drawing, measured against the exports:
+
+- every exported line, arc, spline and ellipse still runs where it ran: points sampled along it
+  lie within the tolerance of some curve of the merged drawing (Z flattened);
+- no spline is left: those that are lines or arcs within tolerance became lines, arcs and
+  circles, the free-form ones polylines of arcs and lines;
+- a line broken into collinear pieces is one line: pieces that touch lie on the same entity;
+- an arc in pieces is one arc or circle: pieces of one circle that touch lie on the same entity;
+- the polylines that replace splines follow them: their vertices and points between lie within
+  the tolerance of the exported spline.
+"""
+import collections
+import math
+
+import ezdxf
+from ezdxf import path as ezpath
+
+# The tolerance of the comparisons: the largest of the workshop's settings with the fixed 0.02 of
+# the line merge and a margin for the flattening of curves below.
+TOLERANCE = 0.03
+FLATTENING = 0.001
+CELL = 5.0
+
+
+def chain_of(entity):
+    """The entity as a chain of points in world coordinates, or None when it is no curve."""
+    kind = entity.dxftype()
+    if kind == "LINE":
+        return [entity.dxf.start, entity.dxf.end]
+    if kind in ("ARC", "CIRCLE", "ELLIPSE", "SPLINE"):
+        return list(entity.flattening(FLATTENING))
+    if kind == "LWPOLYLINE":
+        return list(ezpath.make_path(entity).flattening(FLATTENING))
+    return None
+
+
+def samples_of(entity, count=24):
+    """Points along an exported curve."""
+    chain = chain_of(entity)
+    if chain is None or len(chain) < 2:
+        return []
+    lengths = [0.0]
+    for a, b in zip(chain, chain[1:]):
+        lengths.append(lengths[-1] + (b - a).magnitude)
+    total = lengths[-1]
+    points = []
+    k = 0
+    for i in range(count + 1):
+        target = total * i / count
+        while k < len(chain) - 2 and lengths[k + 1] < target:
+            k += 1
+        span = lengths[k + 1] - lengths[k]
+        f = 0.0 if span == 0 else (target - lengths[k]) / span
+        points.append(chain[k].lerp(chain[k + 1], f))
+    return points
+
+
+def segment_distance(p, a, b):
+    ax, ay, bx, by = a.x, a.y, b.x, b.y
+    dx, dy = bx - ax, by - ay
+    d2 = dx * dx + dy * dy
+    t = 0.0 if d2 == 0 else max(0.0, min(1.0, ((p.x - ax) * dx + (p.y - ay) * dy) / d2))
+    return math.hypot(p.x - ax - t * dx, p.y - ay - t * dy)
+
+
+class SegmentGrid:
+    """The segments of the merged drawing's curves, bucketed by cell, each with its entity."""
+
+    def __init__(self, entities):
+        self.cells = collections.defaultdict(list)
+        for index, entity in enumerate(entities):
+            chain = chain_of(entity)
+            for a, b in zip(chain, chain[1:]):
+                for cell in self._cells(min(a.x, b.x), min(a.y, b.y), max(a.x, b.x), max(a.y, b.y)):
+                    self.cells[cell].append((a, b, index))
+
+    @staticmethod
+    def _cells(x0, y0, x1, y1):
+        pad = TOLERANCE
+        for i in range(math.floor((x0 - pad) / CELL), math.floor((x1 + pad) / CELL) + 1):
+            for j in range(math.floor((y0 - pad) / CELL), math.floor((y1 + pad) / CELL) + 1):
+                yield (i, j)
+
+    def near(self, point):
+        """The indices of the entities that pass within the tolerance of a point."""
+        cell = (math.floor(point.x / CELL), math.floor(point.y / CELL))
+        return {index for a, b, index in self.cells.get(cell, ()) if segment_distance(point, a, b) <= TOLERANCE}
+
+
+def exported_curves(paths, settings, construction):
+    """The exported lines, arcs, splines and ellipses the clean-ups work on, read before the
+    batch deletes the exports; lines shorter than the small-line tolerance go in the batch and
+    are left out."""
+    short = float(settings.get("DeleteSmallLineAndPoint", {}).get("Tolerance", "0") or 0)
+    curves = []
+    for path in paths:
+        for entity in ezdxf.readfile(path).modelspace():
+            if entity.dxf.layer.upper() in construction:
+                continue
+            kind = entity.dxftype()
+            if kind == "LINE" and (entity.dxf.end - entity.dxf.start).magnitude < short:
+                continue
+            if kind in ("LINE", "ARC", "SPLINE", "ELLIPSE"):
+                curves.append(entity)
+    return curves
+
+
+def lines_touch(a, b):
+    """Two exported lines of one slope family whose ends lie within 0.02 of each other's segment."""
+    def slope(e):
+        s, t = e.dxf.start, e.dxf.end
+        return 10086.0 if abs(t.x - s.x) < 0.001 else (t.y - s.y) / (t.x - s.x)
+    if abs(slope(a) - slope(b)) >= 0.0005:
+        return False
+    ends = ((a.dxf.start, b), (a.dxf.end, b), (b.dxf.start, a), (b.dxf.end, a))
+    return any(segment_distance(p, o.dxf.start, o.dxf.end) < 0.02 for p, o in ends)
+
+
+def arcs_touch(a, b, tolerance):
+    if abs(a.dxf.radius - b.dxf.radius) >= tolerance:
+        return False
+    ca, cb = a.ocs().to_wcs(a.dxf.center), b.ocs().to_wcs(b.dxf.center)
+    if (ca - cb).magnitude >= tolerance:
+        return False
+    ends = [p for e in (a, b) for p in (e.start_point, e.end_point)]
+    return any((p - q).magnitude < tolerance for p in ends[:2] for q in ends[2:])
+
+
+def check_curves(curves, doc, settings, check):
+    arc_tolerance = float(settings.get("LineAndArcMerged", {}).get("Tolerance", "0") or 0)
+    merged = [e for e in doc.modelspace() if chain_of(e) is not None]
+    grid = SegmentGrid(merged)
+
+    # Which merged entities carry all samples of each exported curve.
+    carriers = []
+    strays = []
+    for curve in curves:
+        common = None
+        for point in samples_of(curve):
+            near = grid.near(point)
+            if not near:
+                strays.append((curve.dxftype(), curve.dxf.layer, tuple(round(v, 3) for v in point)))
+            common = near if common is None else common & near
+        carriers.append(common or set())
+    check(not strays, "exported curves that no curve of the merged drawing follows: %s" % strays[:5])
+
+    left = [(e.dxf.layer, e.dxf.handle) for e in doc.modelspace() if e.dxftype() == "SPLINE"]
+    check(not left, "splines left in the merged drawing: %s" % left[:5])
+
+    lines = [i for i, c in enumerate(curves) if c.dxftype() == "LINE"]
+    apart = [(curves[i].dxf.start, curves[j].dxf.start) for i in lines for j in lines
+             if i < j and lines_touch(curves[i], curves[j]) and not carriers[i] & carriers[j]]
+    check(not apart, "collinear pieces that did not become one line: %s" % apart[:5])
+
+    arcs = [i for i, c in enumerate(curves) if c.dxftype() == "ARC"]
+    apart = [(curves[i].dxf.center, curves[i].dxf.radius) for i in arcs for j in arcs
+             if i < j and arcs_touch(curves[i], curves[j], arc_tolerance) and not carriers[i] & carriers[j]]
+    check(not apart, "arc pieces that did not become one arc: %s" % apart[:5])
+
+    # The polylines that replaced splines follow the splines both ways.
+    spline_grid = SegmentGrid([c for c in curves if c.dxftype() in ("SPLINE", "ELLIPSE")])
+    off = []
+    for entity in merged:
+        if entity.dxftype() != "LWPOLYLINE":
+            continue
+        points = samples_of(entity)
+        if points and all(spline_grid.near(p) for p in points[:1]):
+            off += [tuple(round(v, 3) for v in p) for p in points if not spline_grid.near(p)]
+    check(not off, "polylines off the splines they replace: %s" % off[:5])
