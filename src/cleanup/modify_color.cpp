@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
 #include "cleanup/class_interface_data.hpp"
+#include "curves/box_grid.hpp"
 #include "curves/end_clusters.hpp"
 #include "platform/db/curve.hpp"
 #include "platform/db/extents.hpp"
@@ -158,21 +160,33 @@ void SetColor(AcDbObjectId id, int color) {
     entity->close();
 }
 
-// Every record inside the box is settled: recoloured, or kept by exclusion; either way it
-// leaves the entities.
-void RecolorInside(ModifyColorSettings& settings, const ColorRule& rule, const AcGePoint3d& boxMin,
-                   const AcGePoint3d& boxMax) {
-    AcArray<ColorEntity> rest;
-    for (const ColorEntity& record : settings.entities) {
-        bool inside = PointInBox(record.min, boxMin, boxMax, settings.tolerance) &&
-                      PointInBox(record.max, boxMin, boxMax, settings.tolerance);
-        if (!inside) {
-            rest.append(record);
-            continue;
+// Every record inside a chain's box is settled by the first chain that holds it: recoloured,
+// or kept by exclusion; either way it leaves the entities. The records are filed in a grid by
+// their boxes, so a chain's box visits only the records that can lie inside it. A group whose
+// entities give no box keeps the box of the group before.
+void RecolorInsideChains(ModifyColorSettings& settings, const ColorRule& rule, AcGePoint3d& boxMin,
+                         AcGePoint3d& boxMax) {
+    std::vector<FlatBox> boxes;
+    for (const ColorEntity& r : settings.entities)
+        boxes.push_back({std::min(r.min.x, r.max.x), std::min(r.min.y, r.max.y), std::max(r.min.x, r.max.x),
+                         std::max(r.min.y, r.max.y)});
+    BoxGrid grid = BuildBoxGrid(boxes);
+    std::vector<bool> settled(boxes.size(), false);
+    for (const AcDbObjectIdArray& group : rule.groups) {
+        UnionExtents(group, boxMin, boxMax);
+        for (size_t i : BoxGridCandidates(grid, {boxMin.x, boxMin.y, boxMax.x, boxMax.y}, settings.tolerance)) {
+            const ColorEntity& record = settings.entities[static_cast<int>(i)];
+            if (settled[i] || !PointInBox(record.min, boxMin, boxMax, settings.tolerance) ||
+                !PointInBox(record.max, boxMin, boxMax, settings.tolerance))
+                continue;
+            settled[i] = true;
+            if (!rule.excludeColors.contains(record.color))
+                SetColor(record.id, record.isSolid ? rule.colorSolid : rule.colorDotted);
         }
-        if (!rule.excludeColors.contains(record.color))
-            SetColor(record.id, record.isSolid ? rule.colorSolid : rule.colorDotted);
     }
+    AcArray<ColorEntity> rest;
+    for (int i = 0; i < settings.entities.length(); ++i)
+        if (!settled[static_cast<size_t>(i)]) rest.append(settings.entities[i]);
     settings.entities = rest;
 }
 
@@ -254,10 +268,7 @@ void ModifyColorRun(ModifyColorSettings& settings, AcDbObjectIdArray ids, AcDbDa
     AcGePoint3d boxMin, boxMax;
     for (ColorRule& rule : settings.rules) {
         rule.groups = GroupConnectedCurves(TakeChainCurves(settings.entities, rule.layer), 0.02);
-        for (const AcDbObjectIdArray& group : rule.groups) {
-            UnionExtents(group, boxMin, boxMax);
-            RecolorInside(settings, rule, boxMin, boxMax);
-        }
+        RecolorInsideChains(settings, rule, boxMin, boxMax);
     }
     AppendCleanupLog(L"修改颜色结束\n");
 }

@@ -5,6 +5,7 @@
 
 #include "cleanup/class_interface_data.hpp"
 #include "cleanup/modify_color.hpp"
+#include "curves/box_grid.hpp"
 #include "curves/geometry.hpp"
 
 namespace {
@@ -22,89 +23,9 @@ PairVerdict LinePairTest(const tCurve& a, const tCurve& b, double t) {
     return PairVerdict::none;
 }
 
-// A line's box in the plane.
-struct FlatBox {
-    double minX, minY, maxX, maxY;
-};
-
 FlatBox BoxOf(const tCurve& line) {
     return {std::min(line.startPoint.x, line.endPoint.x), std::min(line.startPoint.y, line.endPoint.y),
             std::max(line.startPoint.x, line.endPoint.x), std::max(line.startPoint.y, line.endPoint.y)};
-}
-
-bool FiniteBox(const FlatBox& b) {
-    return std::isfinite(b.minX) && std::isfinite(b.minY) && std::isfinite(b.maxX) && std::isfinite(b.maxY);
-}
-
-// A grid of about one cell per line over the lines' boxes. Two lines can only be found on each
-// other when their boxes come within the tolerance (the segment test holds a point inside the
-// segment's box widened by it), so a line meets the lines filed in the cells of its widened box
-// and one cell more on each side. Lines with a coordinate that is not finite meet every line.
-struct LineGrid {
-    double originX = 0.0, originY = 0.0, cellX = 1.0, cellY = 1.0;
-    long columns = 1, rows = 1;
-    std::vector<std::vector<size_t>> cells;
-    std::vector<size_t> everywhere;
-};
-
-long CellNumber(double value, double origin, double cell, long count) {
-    double n = std::floor((value - origin) / cell);
-    if (!(n >= 0.0)) return 0;
-    return n >= static_cast<double>(count - 1) ? count - 1 : static_cast<long>(n);
-}
-
-LineGrid BuildLineGrid(const std::vector<FlatBox>& boxes) {
-    LineGrid grid;
-    FlatBox all{INFINITY, INFINITY, -INFINITY, -INFINITY};
-    for (const FlatBox& b : boxes) {
-        if (!FiniteBox(b)) continue;
-        all = {std::min(all.minX, b.minX), std::min(all.minY, b.minY), std::max(all.maxX, b.maxX),
-               std::max(all.maxY, b.maxY)};
-    }
-    if (all.minX > all.maxX) all = {0.0, 0.0, 0.0, 0.0};
-    grid.columns = grid.rows = std::max(1L, static_cast<long>(std::sqrt(static_cast<double>(boxes.size()))));
-    grid.originX = all.minX;
-    grid.originY = all.minY;
-    grid.cellX = all.maxX > all.minX ? (all.maxX - all.minX) / grid.columns : 1.0;
-    grid.cellY = all.maxY > all.minY ? (all.maxY - all.minY) / grid.rows : 1.0;
-    grid.cells.resize(static_cast<size_t>(grid.columns * grid.rows));
-    for (size_t i = 0; i < boxes.size(); ++i) {
-        const FlatBox& b = boxes[i];
-        if (!FiniteBox(b)) {
-            grid.everywhere.push_back(i);
-            continue;
-        }
-        long x0 = CellNumber(b.minX, grid.originX, grid.cellX, grid.columns);
-        long x1 = CellNumber(b.maxX, grid.originX, grid.cellX, grid.columns);
-        long y0 = CellNumber(b.minY, grid.originY, grid.cellY, grid.rows);
-        long y1 = CellNumber(b.maxY, grid.originY, grid.cellY, grid.rows);
-        for (long y = y0; y <= y1; ++y)
-            for (long x = x0; x <= x1; ++x) grid.cells[static_cast<size_t>(y * grid.columns + x)].push_back(i);
-    }
-    return grid;
-}
-
-// The lines after `first` still in the list that may lie on it or hold it, in list order.
-std::vector<size_t> LaterCandidates(const LineGrid& grid, const FlatBox& box, size_t first, double t,
-                                    const std::vector<bool>& gone) {
-    std::vector<size_t> found = grid.everywhere;
-    if (!FiniteBox(box)) {
-        for (size_t j = first + 1; j < gone.size(); ++j) found.push_back(j);
-    } else {
-        long x0 = std::max(0L, CellNumber(box.minX - t, grid.originX, grid.cellX, grid.columns) - 1);
-        long x1 = std::min(grid.columns - 1, CellNumber(box.maxX + t, grid.originX, grid.cellX, grid.columns) + 1);
-        long y0 = std::max(0L, CellNumber(box.minY - t, grid.originY, grid.cellY, grid.rows) - 1);
-        long y1 = std::min(grid.rows - 1, CellNumber(box.maxY + t, grid.originY, grid.cellY, grid.rows) + 1);
-        for (long y = y0; y <= y1; ++y)
-            for (long x = x0; x <= x1; ++x) {
-                const std::vector<size_t>& cell = grid.cells[static_cast<size_t>(y * grid.columns + x)];
-                found.insert(found.end(), cell.begin(), cell.end());
-            }
-    }
-    std::erase_if(found, [&](size_t j) { return j <= first || gone[j]; });
-    std::sort(found.begin(), found.end());
-    found.erase(std::unique(found.begin(), found.end()), found.end());
-    return found;
 }
 
 void EraseEntity(AcDbObjectId id) {
@@ -180,15 +101,16 @@ std::vector<LineDeath> RepeatingLineDeaths(const std::vector<tCurve>& lines, dou
     std::vector<LineDeath> deaths;
     // No segment holds a point at a tolerance that is not above 0.
     if (!(tolerance > 0.0)) return deaths;
+    // Two lines can only be found on each other when their boxes come within the tolerance,
+    // since the segment test holds a point inside the segment's box widened by it.
     std::vector<FlatBox> boxes;
     for (const tCurve& line : lines) boxes.push_back(BoxOf(line));
-    LineGrid grid = BuildLineGrid(boxes);
-    FlatBox none{0.0, 0.0, 0.0, INFINITY};  // an endless tolerance: every later line is a candidate
+    BoxGrid grid = BuildBoxGrid(boxes);
     std::vector<bool> gone(lines.size(), false);
     for (size_t i = 0; i < lines.size(); ++i) {
         if (gone[i]) continue;
-        const FlatBox& box = std::isfinite(tolerance) ? boxes[i] : none;
-        for (size_t j : LaterCandidates(grid, box, i, tolerance, gone)) {
+        for (size_t j : BoxGridCandidates(grid, boxes[i], tolerance)) {
+            if (j <= i || gone[j]) continue;
             PairVerdict verdict = LinePairTest(lines[i], lines[j], tolerance);
             if (verdict == PairVerdict::secondDies) {
                 deaths.push_back({j, i});

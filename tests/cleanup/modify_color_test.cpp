@@ -2,10 +2,13 @@
 // chain's box take the rule's colours.
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "cleanup/modify_color.hpp"
 #include "cleanup_fixture.hpp"
 #include "platform/db/arc.hpp"
 #include "platform/db/circle.hpp"
+#include "platform/db/extents.hpp"
 #include "platform/db/text.hpp"
 
 namespace {
@@ -170,6 +173,56 @@ TEST_F(ModifyColor, start_and_end_lines_go_to_an_existing_log) {
     WriteText(L"D:\\CZ\\config\\CAD\\Log.log", L"");
     Run(L"");
     EXPECT_EQ(ReadText(L"D:\\CZ\\config\\CAD\\Log.log"), L"修改颜色开始\n修改颜色结束\n");
+}
+
+// The plain walk of the recolouring: for each chain in order, every record left in drawing
+// order; the grid must settle the same records with the same colours.
+TEST_F(ModifyColor, grid_recolours_as_the_plain_walk_on_random_drawings) {
+    std::mt19937 random(74);
+    for (int drawing = 0; drawing < 8; ++drawing) {
+        std::uniform_real_distribution<double> place(0.0, 100.0), size(0.5, 15.0);
+        std::vector<AcDbObjectId> targets;
+        for (int k = 0; k < 150; ++k) {
+            double x = place(random), y = place(random);
+            AddLine(x, y, x + size(random), y, L"CHAIN");
+            AddLine(x, y, x, y + size(random), L"CHAIN");
+            targets.push_back(Circle(place(random), place(random), size(random) * 0.2, 1 + static_cast<int>(random() % 6)));
+        }
+        Run(L"{\"StrLayer\":\"CHAIN\",\"ColorSolid\":\"255 0 0\",\"ColorDotted\":\"255 255 255\",\"ColorExclude\":[\"0 0 255\"]}");
+        const ColorRule& rule = CleanupGlobals->modifyColor->rules[0];
+        std::vector<bool> settled(targets.size(), false);
+        std::vector<int> expected(targets.size(), -1);
+        for (const AcDbObjectIdArray& group : rule.groups) {
+            AcDbExtents box;
+            for (const AcDbObjectId& id : group)
+                Inspect(id, [&](AcDbEntity* e) {
+                    AcDbExtents one;
+                    e->getGeomExtents(one);
+                    box.addExt(one);
+                });
+            for (size_t t = 0; t < targets.size(); ++t) {
+                AcDbExtents own;
+                Inspect(targets[t], [&](AcDbEntity* e) { e->getGeomExtents(own); });
+                if (settled[t] || !PointInBox(own.minPoint(), box.minPoint(), box.maxPoint(), 0.02) ||
+                    !PointInBox(own.maxPoint(), box.minPoint(), box.maxPoint(), 0.02))
+                    continue;
+                settled[t] = true;
+                expected[t] = 7;
+            }
+        }
+        int changed = 0;
+        for (size_t t = 0; t < targets.size(); ++t) {
+            int color = ColorOf(targets[t]);
+            if (expected[t] == 7 && color != 5) {
+                EXPECT_EQ(color, 7) << "drawing " << drawing << " target " << t;
+                ++changed;
+            } else if (expected[t] == -1) {
+                EXPECT_NE(color, 7) << "drawing " << drawing << " target " << t;
+            }
+        }
+        EXPECT_GT(changed, 0);
+        for (const AcDbObjectId& id : LiveIds()) Change(id, [](AcDbEntity* e) { e->erase(); });
+    }
 }
 
 }  // namespace
