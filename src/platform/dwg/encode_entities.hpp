@@ -1,0 +1,23 @@
+#pragma once
+// Encoders of the simple entities: the mirror of their decoders, each writing the common entity
+// data then the values and handles of its kind, framed as the object data stores it.
+#include <cstdint>
+#include <vector>
+
+#include "platform/dwg/encode_object.hpp"
+#include "platform/dwg/entities.hpp"
+
+namespace dwg {
+
+struct EncodeOptions {
+    Version version = Version::kR2004;
+    int codePage = 1252;
+};
+
+std::vector<std::uint8_t> EncodeLine(const LineRecord& line, const EncodeOptions& options);
+std::vector<std::uint8_t> EncodeCircle(const CircleRecord& circle, const EncodeOptions& options);
+std::vector<std::uint8_t> EncodeArc(const ArcRecord& arc, const EncodeOptions& options);
+std::vector<std::uint8_t> EncodePoint(const PointRecord& point, const EncodeOptions& options);
+std::vector<std::uint8_t> EncodeText(const TextRecord& text, const EncodeOptions& options);
+
+}  // namespace dwg
