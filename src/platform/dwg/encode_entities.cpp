@@ -3,13 +3,6 @@
 namespace dwg {
 namespace {
 
-ObjectWriter BeginEntity(std::int32_t type, const EntityCommon& common,
-                         const EncodeOptions& options) {
-    ObjectWriter o = BeginObject(type, common.handle, options.version, options.codePage);
-    WriteEntityCommon(o, common);
-    return o;
-}
-
 void WriteCircleValues(BitWriter& d, const CircleRecord& circle) {
     d.BD3(circle.center);
     d.BD(circle.radius);

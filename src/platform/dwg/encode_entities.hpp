@@ -9,11 +9,6 @@
 
 namespace dwg {
 
-struct EncodeOptions {
-    Version version = Version::kR2004;
-    int codePage = 1252;
-};
-
 std::vector<std::uint8_t> EncodeLine(const LineRecord& line, const EncodeOptions& options);
 std::vector<std::uint8_t> EncodeCircle(const CircleRecord& circle, const EncodeOptions& options);
 std::vector<std::uint8_t> EncodeArc(const ArcRecord& arc, const EncodeOptions& options);

@@ -40,6 +40,13 @@ ObjectWriter BeginObject(std::int32_t type, std::uint64_t handle, Version versio
     return o;
 }
 
+ObjectWriter BeginEntity(std::int32_t type, const EntityCommon& common,
+                         const EncodeOptions& options) {
+    ObjectWriter o = BeginObject(type, common.handle, options.version, options.codePage);
+    WriteEntityCommon(o, common);
+    return o;
+}
+
 void WriteHandle(ObjectWriter& o, std::uint8_t code, std::uint64_t handle) {
     o.handles.H(code, handle);
 }
@@ -47,12 +54,10 @@ void WriteHandle(ObjectWriter& o, std::uint8_t code, std::uint64_t handle) {
 void WriteObjectCommon(ObjectWriter& o, const ObjectCommon& common) {
     WriteExtendedData(o.data, common.extended);
     WriteReactorsAndDictionaryFlag(o.data, common);
-    if (o.data.version() < Version::kR2004 && common.extensionDictionary == 0) {
-        WriteOwnership(o, common, true);
-        WriteHandle(o, kHardOwner, 0);
-        return;
-    }
     WriteOwnership(o, common, true);
+    if (o.data.version() < Version::kR2004 && common.extensionDictionary == 0) {
+        WriteHandle(o, kHardOwner, 0);
+    }
 }
 
 void WriteEntityCommon(ObjectWriter& o, const EntityCommon& common) {

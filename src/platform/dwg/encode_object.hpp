@@ -16,6 +16,11 @@ enum HandleCode : std::uint8_t {
     kSoftOwner = 2, kHardOwner = 3, kSoftPointer = 4, kHardPointer = 5
 };
 
+struct EncodeOptions {
+    Version version = Version::kR2004;
+    int codePage = 1252;
+};
+
 struct ObjectWriter {
     std::uint64_t handle = 0;
     std::size_t dataSizeAt = 0;  // bit of the values' size, written when the object ends
@@ -26,6 +31,9 @@ struct ObjectWriter {
 // Starts an object of a type: its type, the place of its data size, and its handle.
 ObjectWriter BeginObject(std::int32_t type, std::uint64_t handle, Version version,
                          int codePage);
+// Starts an entity: BeginObject and the common entity data.
+ObjectWriter BeginEntity(std::int32_t type, const EntityCommon& common,
+                         const EncodeOptions& options);
 void WriteHandle(ObjectWriter& o, std::uint8_t code, std::uint64_t handle);
 void WriteObjectCommon(ObjectWriter& o, const ObjectCommon& common);
 void WriteEntityCommon(ObjectWriter& o, const EntityCommon& common);

@@ -393,3 +393,27 @@ TEST(DwgBitWriter, patch_overwrites_bits_already_written) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST(DwgBitWriter, object_type_zero_from_2010_takes_one_byte) {
+    BitWriter w(Version::kR2010);
+    w.OT(0);
+    EXPECT_EQ(w.bitPosition(), 10u);
+    EXPECT_EQ(ReaderOf(w).OT(), 0);
+}
+
+TEST(DwgBitWriter, entity_colour_before_2004_is_a_plain_index) {
+    dwg::Color c;
+    c.index = 5;
+    c.rgb = 0xC2FF0000;  // not stored before 2004
+    BitWriter w(Version::kR2000);
+    w.ENC(c);
+    EXPECT_EQ(w.bitPosition(), 10u);
+    BitReader r = ReaderOf(w);
+    const auto back = r.ENC();
+    EXPECT_EQ(back.index, 5);
+    EXPECT_EQ(back.rgb, 0u);
+}
+
+}  // namespace
