@@ -69,9 +69,7 @@ std::vector<std::uint8_t> EncodePoint(const PointRecord& point, const EncodeOpti
     return FinishObject(o);
 }
 
-std::vector<std::uint8_t> EncodeText(const TextRecord& t, const EncodeOptions& options) {
-    ObjectWriter o = BeginEntity(kText, t.common, options);
-    BitWriter& d = o.data;
+void WriteTextValues(BitWriter& d, const TextRecord& t) {
     const std::uint8_t absent = AbsentTextValues(t);
     d.RC(absent);
     if (!(absent & 0x01)) d.RD(t.elevation);
@@ -87,6 +85,11 @@ std::vector<std::uint8_t> EncodeText(const TextRecord& t, const EncodeOptions& o
     if (!(absent & 0x20)) d.BS(t.generation);
     if (!(absent & 0x40)) d.BS(t.horizontal);
     if (!(absent & 0x80)) d.BS(t.vertical);
+}
+
+std::vector<std::uint8_t> EncodeText(const TextRecord& t, const EncodeOptions& options) {
+    ObjectWriter o = BeginEntity(kText, t.common, options);
+    WriteTextValues(o.data, t);
     WriteHandle(o, kHardPointer, t.style);
     return FinishObject(o);
 }
