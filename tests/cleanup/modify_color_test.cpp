@@ -6,6 +6,7 @@
 
 #include "cleanup/modify_color.hpp"
 #include "cleanup_fixture.hpp"
+#include "platform/db/spline.hpp"
 #include "platform/db/arc.hpp"
 #include "platform/db/circle.hpp"
 #include "platform/db/extents.hpp"
