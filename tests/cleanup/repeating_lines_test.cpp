@@ -268,6 +268,32 @@ TEST_F(RepeatingLines, classes_of_sloped_two_point_and_circular_records) {
     for (int k = 0; k < 8; ++k)
         ring.points.append(AcGePoint3d(20 + 5 * std::cos(k * 0.785398163397448), 20 + 5 * std::sin(k * 0.785398163397448), 0));
     EXPECT_EQ(ClassifySpline(ring, 0.01, 0.01), 3);
+    ring.points[3] = AcGePoint3d(20, 26, 0);  // one point off the circle
+    EXPECT_NE(ClassifySpline(ring, 0.01, 0.01), 3);
+}
+
+TEST_F(RepeatingLines, second_straight_spline_at_the_origin_goes_and_the_first_off_the_line_stays) {
+    AcDbObjectId line = AddLine(0, 0, 10, 0);
+    AcDbObjectId upright = Spline({0, 0, 0, 3, 0, 6, 0, 10});
+    AcDbObjectId along = Spline({0, 0, 3, 0, 6, 0, 10, 0});
+    RunDownSpline(1, 0.01);
+    EXPECT_FALSE(IsGone(upright));
+    EXPECT_TRUE(IsGone(along));
+    EXPECT_FALSE(IsGone(line));
+}
+
+TEST(ClassifySplineRecord, off_radius_closed_record_and_level_first_chord_give_minus_1) {
+    tCurve ring;  // no entity behind the id: the three points all stand at the origin
+    for (int k = 0; k < 8; ++k) ring.points.append(AcGePoint3d(std::cos(k * 0.78), std::sin(k * 0.78), 0));
+    EXPECT_EQ(ClassifySpline(ring, 0.01, 0.01), -1);
+    tCurve bent;
+    bent.startPoint = AcGePoint3d(0, 0, 0);
+    bent.midPoint = AcGePoint3d(5, 1e-8, 0);
+    bent.endPoint = AcGePoint3d(10, 0, 0);
+    bent.points.append(AcGePoint3d(0, 0, 0));
+    bent.points.append(AcGePoint3d(5, 3, 0));
+    bent.points.append(AcGePoint3d(10, 0, 0));
+    EXPECT_EQ(ClassifySpline(bent, 0.01, 0.01), -1);
 }
 
 }  // namespace
