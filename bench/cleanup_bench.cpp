@@ -1,7 +1,8 @@
 // Times the clean-ups of the colour rules, duplicate removal, chains and line deviation on
 // generated drawings of growing size, each against a reference measured in the same run: one
 // walk that opens and closes every entity of the model space. Usage: cleanup_bench [N...]
-// (entities per drawing, default 1000 10000 100000). The drawing is a grid of cells, each with
+// (entities per drawing, default 1000 10000 100000), or cleanup_bench FILE.dxf to time the
+// operations on a drawing read from a file, against its read. The generated drawing is a grid of cells, each with
 // a chain square on layer CHAIN, a circle and a line inside it, a doubled and a nested line, two
 // red pieces that join into a chain and a red square polyline on layer DEV.
 #include <chrono>
@@ -20,6 +21,7 @@
 #include "platform/db/polyline.hpp"
 #include "platform/db/block_table_record.hpp"
 #include "platform/db/symbol_tables.hpp"
+#include "platform/dxf/dxf.hpp"
 
 namespace {
 
@@ -96,12 +98,39 @@ double Seconds(const std::function<void()>& work) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
+struct Step {
+    const char* name;
+    void (ClassInterfaceData::*run)();
+};
+
+const Step kSteps[] = {{"FunChangeColor", &ClassInterfaceData::FunChangeColor},
+                       {"FunModifyColor", &ClassInterfaceData::FunModifyColor},
+                       {"FunDeleteRepeatingLine", &ClassInterfaceData::FunDeleteRepeatingLine},
+                       {"FunConnectPline", &ClassInterfaceData::FunConnectPline},
+                       {"FunLineDeviation", &ClassInterfaceData::FunLineDeviation}};
+
+// Each operation on a fresh read of the file, in the order of the pipeline.
+int TimeOnFile(const std::string& path, const std::filesystem::path& folder) {
+    std::printf("%-24s %10s %12s\n", "operation", "seconds", "x read");
+    for (const Step& step : kSteps) {
+        AcDbDatabase db(false, true);
+        double read = Seconds([&] { dxf::ReadDxfFile(db, path); });
+        acdbHostApplicationServices()->setWorkingDatabase(&db);
+        ClassInterfaceData cleanup(&db, folder.wstring());
+        double seconds = Seconds([&] { (cleanup.*step.run)(); });
+        acdbHostApplicationServices()->setWorkingDatabase(nullptr);
+        std::printf("%-24s %10.4f %12.2f\n", step.name, seconds, seconds / read);
+    }
+    return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     std::vector<int> sizes;
     for (int i = 1; i < argc; ++i) sizes.push_back(std::atoi(argv[i]));
     if (sizes.empty()) sizes = {1000, 10000, 100000};
+    bool onFile = argc == 2 && std::string(argv[1]).ends_with(".dxf");
     const char* tmp = std::getenv("TMPDIR");
     std::filesystem::path folder = std::filesystem::path(tmp ? tmp : "/tmp") / "cleanup_bench";
     std::filesystem::create_directories(folder);
@@ -112,15 +141,8 @@ int main(int argc, char** argv) {
            "[DeleteRepeatingLine]\r\nBolOpen=1\r\nTolerance=0.01\r\n"
            "[ConnectPline]\r\nTolerance=0.05\r\nColorInspect=255 0 0;\r\n"
            "[LineDeviation]\r\nBolOpen=1\r\nStrLayer=DEV\r\nStrJson=[{\"Color\":\"255 0 0\",\"VarOffset\":1}]\r\n";
-    struct Step {
-        const char* name;
-        void (ClassInterfaceData::*run)();
-    };
-    const Step steps[] = {{"FunChangeColor", &ClassInterfaceData::FunChangeColor},
-                          {"FunModifyColor", &ClassInterfaceData::FunModifyColor},
-                          {"FunDeleteRepeatingLine", &ClassInterfaceData::FunDeleteRepeatingLine},
-                          {"FunConnectPline", &ClassInterfaceData::FunConnectPline},
-                          {"FunLineDeviation", &ClassInterfaceData::FunLineDeviation}};
+    if (onFile) return TimeOnFile(argv[1], folder);
+    const auto& steps = kSteps;
     std::printf("%-24s %9s %10s %12s %10s\n", "operation", "entities", "seconds", "x reference", "growth");
     std::vector<double> previous(std::size(steps), 0.0);
     for (int n : sizes) {

@@ -38,6 +38,15 @@ protected:
     bool IsGone(AcDbObjectId id) {
         return !Inspect(id, [](AcDbEntity*) {});
     }
+    // Erased in the database, as opposed to not opening for another reason (such as being left
+    // open).
+    bool IsErased(AcDbObjectId id) {
+        AcDbEntity* entity = nullptr;
+        if (acdbOpenAcDbEntity(entity, id, AcDb::kForRead, true) != Acad::eOk) return false;
+        bool erased = entity->isErased();
+        entity->close();
+        return erased;
+    }
     // Opens an entity for write and hands it to `change`.
     template <typename Edit>
     void Change(AcDbObjectId id, Edit change) {

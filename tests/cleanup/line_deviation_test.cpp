@@ -145,4 +145,16 @@ TEST_F(LineDeviation, object_without_colour_names_index_0) {
     EXPECT_FALSE(IsGone(red));
 }
 
+TEST_F(LineDeviation, offset_of_equal_length_is_kept_on_its_first_side) {
+    // A straight open polyline offsets into a parallel copy of the same length: not longer, so
+    // the first side stays (right of the direction of travel for a positive distance).
+    AcDbObjectId straight = AddPolyline({0, 0, 10, 0}, false, L"DEV");
+    Color(straight, 1);
+    Run(kRedBy1);
+    EXPECT_TRUE(IsGone(straight));
+    std::vector<AcDbExtents> boxes = PolylineBoxes();
+    ASSERT_EQ(boxes.size(), 1u);
+    EXPECT_NEAR(boxes[0].minPoint().y, -1.0, 1e-9);
+}
+
 }  // namespace

@@ -6,6 +6,7 @@
 
 #include "cleanup/modify_color.hpp"
 #include "cleanup_fixture.hpp"
+#include "platform/db/spline.hpp"
 #include "platform/db/arc.hpp"
 #include "platform/db/circle.hpp"
 #include "platform/db/extents.hpp"
@@ -223,6 +224,21 @@ TEST_F(ModifyColor, grid_recolours_as_the_plain_walk_on_random_drawings) {
         EXPECT_GT(changed, 0);
         for (const AcDbObjectId& id : LiveIds()) Change(id, [](AcDbEntity* e) { e->erase(); });
     }
+}
+
+TEST_F(ModifyColor, spline_and_polyline_inside_are_targets) {
+    Square(0, 0, 10, 10);
+    auto* spline = new AcDbSpline;
+    spline->setNurbsData(3, false, false, false,
+                         {AcGePoint3d(2, 2, 0), AcGePoint3d(3, 4, 0), AcGePoint3d(5, 4, 0), AcGePoint3d(6, 2, 0)},
+                         {0, 0, 0, 0, 1, 1, 1, 1}, {});
+    AcDbObjectId curve = AddToDrawing(spline, L"PART");
+    Color(curve, 5);
+    AcDbObjectId polyline = AddPolyline({2, 6, 4, 6, 4, 8}, false, L"PART");
+    Color(polyline, 5);
+    Run(kRedSolidGreenDotted);
+    EXPECT_EQ(ColorOf(curve), 3);
+    EXPECT_EQ(ColorOf(polyline), 3);
 }
 
 }  // namespace

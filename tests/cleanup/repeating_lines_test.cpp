@@ -6,6 +6,8 @@
 
 #include "cleanup/repeating_lines.hpp"
 #include "cleanup_fixture.hpp"
+#include <cmath>
+#include "platform/db/circle.hpp"
 #include "curves/geometry.hpp"
 #include "platform/db/arc.hpp"
 #include "platform/db/spline.hpp"
@@ -238,6 +240,60 @@ TEST(RepeatingLineIndex, grid_walk_removes_the_same_lines_in_the_same_order_as_t
             EXPECT_EQ(found[k].survivor, expected[k].survivor) << "drawing " << drawing << " removal " << k;
         }
     }
+}
+
+TEST_F(RepeatingLines, spline_whose_box_ends_the_tolerance_before_the_origin_is_found) {
+    AcDbObjectId line = AddLine(-10, 0, 0, 0);
+    AcDbObjectId spline = Spline({-10, 0, -7, 0, -3, 0, -0.5, 0});
+    RunDownSpline(1, 0.5);
+    EXPECT_TRUE(IsGone(spline));
+    EXPECT_FALSE(IsGone(line));
+}
+
+TEST_F(RepeatingLines, classes_of_sloped_two_point_and_circular_records) {
+    tCurve record;
+    record.points.append(AcGePoint3d(0, 0, 0));
+    record.points.append(AcGePoint3d(3, 7, 0));
+    EXPECT_EQ(ClassifySpline(record, 0.01, 0.01), 1);  // two points always make a line
+    record.points[1] = AcGePoint3d(5, 5.005, 0);
+    record.points.append(AcGePoint3d(10, 10, 0));
+    EXPECT_EQ(ClassifySpline(record, 0.01, 0.01), 1);
+    record.points[1] = AcGePoint3d(5, 5.5, 0);
+    EXPECT_NE(ClassifySpline(record, 0.01, 0.01), 1);
+    // A closed record on a circle of radius 5: its points at 0.1, 0.5 and 0.9 come from the
+    // entity behind the id.
+    tCurve ring;
+    ring.id = AddToDrawing(new AcDbCircle(AcGePoint3d(20, 20, 0), AcGeVector3d::kZAxis, 5));
+    ring.startPoint = ring.endPoint = AcGePoint3d(25, 20, 0);
+    for (int k = 0; k < 8; ++k)
+        ring.points.append(AcGePoint3d(20 + 5 * std::cos(k * 0.785398163397448), 20 + 5 * std::sin(k * 0.785398163397448), 0));
+    EXPECT_EQ(ClassifySpline(ring, 0.01, 0.01), 3);
+    ring.points[3] = AcGePoint3d(20, 26, 0);  // one point off the circle
+    EXPECT_NE(ClassifySpline(ring, 0.01, 0.01), 3);
+}
+
+TEST_F(RepeatingLines, second_straight_spline_at_the_origin_goes_and_the_first_off_the_line_stays) {
+    AcDbObjectId line = AddLine(0, 0, 10, 0);
+    AcDbObjectId upright = Spline({0, 0, 0, 3, 0, 6, 0, 10});
+    AcDbObjectId along = Spline({0, 0, 3, 0, 6, 0, 10, 0});
+    RunDownSpline(1, 0.01);
+    EXPECT_FALSE(IsGone(upright));
+    EXPECT_TRUE(IsGone(along));
+    EXPECT_FALSE(IsGone(line));
+}
+
+TEST(ClassifySplineRecord, off_radius_closed_record_and_level_first_chord_give_minus_1) {
+    tCurve ring;  // no entity behind the id: the three points all stand at the origin
+    for (int k = 0; k < 8; ++k) ring.points.append(AcGePoint3d(std::cos(k * 0.78), std::sin(k * 0.78), 0));
+    EXPECT_EQ(ClassifySpline(ring, 0.01, 0.01), -1);
+    tCurve bent;
+    bent.startPoint = AcGePoint3d(0, 0, 0);
+    bent.midPoint = AcGePoint3d(5, 1e-8, 0);
+    bent.endPoint = AcGePoint3d(10, 0, 0);
+    bent.points.append(AcGePoint3d(0, 0, 0));
+    bent.points.append(AcGePoint3d(5, 3, 0));
+    bent.points.append(AcGePoint3d(10, 0, 0));
+    EXPECT_EQ(ClassifySpline(bent, 0.01, 0.01), -1);
 }
 
 }  // namespace

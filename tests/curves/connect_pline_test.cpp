@@ -255,4 +255,16 @@ TEST(EndClusters, tolerance_not_above_0_gives_one_cluster_per_curve) {
     for (double t : {0.0, -1.0}) EXPECT_EQ(ClusterByTouchingEnds(curves, t).size(), 3u);
 }
 
+TEST_F(ConnectPline, polyline_of_a_fork_that_no_piece_joined_stays_and_used_pieces_are_erased) {
+    AcDbObjectId first = Red(AddLine(0, 0, 10, 0));
+    AcDbObjectId second = Red(AddLine(10, 0, 20, 0));
+    AcDbObjectId branch = Red(AddPolyline({10, 0, 10, 10, 15, 10}, false));
+    Run(L"255 0 0;");
+    EXPECT_TRUE(IsErased(first));
+    EXPECT_TRUE(IsErased(second));
+    EXPECT_FALSE(IsGone(branch));
+    // The branch's pieces were made for the chain and are gone again.
+    EXPECT_EQ(LiveIds().length(), 2);
+}
+
 }  // namespace
