@@ -25,8 +25,10 @@ void WriteScale(BitWriter& d, const Point3& s) {
     }
 }
 
+}  // namespace
+
 // Owned entities: a first and last handle before 2004, the list from then on (its count is
-// among the values); then the SEQEND when there is one.
+// among the values).
 void WriteOwned(ObjectWriter& o, std::uint64_t first, std::uint64_t last,
                 const std::vector<std::uint64_t>& handles) {
     if (o.data.version() < Version::kR2004) {
@@ -37,7 +39,10 @@ void WriteOwned(ObjectWriter& o, std::uint64_t first, std::uint64_t last,
     for (std::uint64_t handle : handles) WriteHandle(o, kHardOwner, handle);
 }
 
-}  // namespace
+void WriteOwnedHandles(ObjectWriter& o, const OwnedList& owned) {
+    WriteOwned(o, owned.first, owned.last, owned.handles);
+    WriteHandle(o, kHardOwner, owned.seqend);
+}
 
 std::vector<std::uint8_t> EncodeBlockHeader(const BlockHeaderRecord& b,
                                             const EncodeOptions& options) {
@@ -104,8 +109,8 @@ std::vector<std::uint8_t> EncodeInsert(const InsertRecord& insert, bool multiple
     }
     WriteHandle(o, kHardPointer, insert.block);
     if (insert.hasAttributes) {
-        WriteOwned(o, insert.firstAttribute, insert.lastAttribute, insert.attributes);
-        WriteHandle(o, kHardOwner, insert.seqend);
+        WriteOwnedHandles(o, {insert.firstAttribute, insert.lastAttribute, insert.attributes,
+                              insert.seqend});
     }
     return FinishObject(o);
 }

@@ -9,6 +9,12 @@
 
 namespace dwg {
 
+// Owned entities (attributes, vertices), the mirror of ReadOwnedHandles: a first and last handle
+// before 2004, the list from then on (its count is written among the values), then the SEQEND.
+void WriteOwned(ObjectWriter& o, std::uint64_t first, std::uint64_t last,
+                const std::vector<std::uint64_t>& handles);
+void WriteOwnedHandles(ObjectWriter& o, const OwnedList& owned);
+
 std::vector<std::uint8_t> EncodeBlockHeader(const BlockHeaderRecord& block,
                                             const EncodeOptions& options);
 std::vector<std::uint8_t> EncodeBlockBegin(const BlockBeginRecord& begin,

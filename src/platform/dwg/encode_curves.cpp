@@ -1,5 +1,7 @@
 #include "platform/dwg/encode_curves.hpp"
 
+#include "platform/dwg/encode_blocks.hpp"
+
 namespace dwg {
 namespace {
 
@@ -74,6 +76,54 @@ std::vector<std::uint8_t> EncodeSolid(const SolidRecord& s, std::int32_t type,
     d.BD(s.elevation);
     for (const Point2& corner : s.corners) d.RD2(corner);
     d.BE(s.normal);
+    return FinishObject(o);
+}
+
+std::vector<std::uint8_t> EncodePolyline(const PolylineRecord& p, const EncodeOptions& options) {
+    ObjectWriter o = BeginEntity(p.kind, p.common, options);
+    BitWriter& d = o.data;
+    if (p.kind == kPolyline2d) {
+        d.BS(p.flags);
+        d.BS(p.curveType);
+        d.BD(p.startWidth);
+        d.BD(p.endWidth);
+        d.BT(p.thickness);
+        d.BD(p.elevation);
+        d.BE(p.normal);
+    } else if (p.kind == kPolyline3d) {
+        d.RC(static_cast<unsigned>(p.curveType));
+        d.RC(static_cast<unsigned>(p.flags));
+    } else {
+        d.BS(p.vertexCount);
+        d.BS(p.faceCount);
+    }
+    if (options.version >= Version::kR2004) {
+        d.BL(static_cast<std::int32_t>(p.vertices.handles.size()));
+    }
+    WriteOwnedHandles(o, p.vertices);
+    return FinishObject(o);
+}
+
+// A 2D vertex with equal start and end widths stores one negative width.
+std::vector<std::uint8_t> EncodeVertex(const VertexRecord& v, const EncodeOptions& options) {
+    ObjectWriter o = BeginEntity(v.kind, v.common, options);
+    BitWriter& d = o.data;
+    if (v.kind == kVertexPfaceFace) {
+        for (std::int16_t index : v.faceIndex) d.BS(index);
+        return FinishObject(o);
+    }
+    d.RC(v.flags);
+    d.BD3(v.position);
+    if (v.kind == kVertex2d) {
+        if (v.startWidth > 0 && v.startWidth == v.endWidth) {
+            d.BD(-v.startWidth);
+        } else {
+            d.BD(v.startWidth);
+            d.BD(v.endWidth);
+        }
+        d.BD(v.bulge);
+        d.BD(v.tangent);
+    }
     return FinishObject(o);
 }
 

@@ -17,5 +17,10 @@ std::vector<std::uint8_t> EncodeLwPolyline(const LwPolylineRecord& polyline,
 // type: kSolid or kTrace, which share their layout.
 std::vector<std::uint8_t> EncodeSolid(const SolidRecord& solid, std::int32_t type,
                                       const EncodeOptions& options);
+// POLYLINE of its kind (2D, 3D, polyface mesh) with its vertex handles and SEQEND.
+std::vector<std::uint8_t> EncodePolyline(const PolylineRecord& polyline,
+                                         const EncodeOptions& options);
+// VERTEX of its kind; a polyface face stores only its four indexes.
+std::vector<std::uint8_t> EncodeVertex(const VertexRecord& vertex, const EncodeOptions& options);
 
 }  // namespace dwg

@@ -132,3 +132,180 @@ TEST(DwgEncodeCurves, solid_and_trace_share_their_layout) {
 }
 
 }  // namespace
+
+namespace {
+
+struct LwFlagCase {
+    const char* name;
+    void (*set)(LwPolylineRecord&);
+    std::int16_t flags;
+};
+class DwgEncodeLwFlags : public testing::TestWithParam<LwFlagCase> {};
+
+// Each value away from its default sets its own flag and no other.
+TEST_P(DwgEncodeLwFlags, one_value_sets_only_its_flag) {
+    LwPolylineRecord p;
+    p.common = Common(0x64);
+    p.points = {{0, 0}, {1, 0}};
+    GetParam().set(p);
+    const auto bytes = EncodeLwPolyline(p, {});
+    ObjectStreams o = Open(bytes, {});
+    LwPolylineRecord back;
+    ASSERT_TRUE(ReadLwPolyline(o, back));
+    EXPECT_EQ(back.flags, GetParam().flags);
+    EXPECT_EQ(back.constantWidth, p.constantWidth);
+    EXPECT_EQ(back.elevation, p.elevation);
+    EXPECT_EQ(back.thickness, p.thickness);
+    EXPECT_EQ(back.normal.z, p.normal.z);
+    EXPECT_EQ(back.bulges, p.bulges);
+    EXPECT_EQ(back.widths.size(), p.widths.size());
+    EXPECT_EQ(o.data.bitPosition(), o.dataEnd);
+}
+INSTANTIATE_TEST_SUITE_P(
+    Values, DwgEncodeLwFlags,
+    testing::Values(
+        LwFlagCase{"normal", [](LwPolylineRecord& p) { p.normal = {0, 0, -1}; }, 1},
+        LwFlagCase{"thickness", [](LwPolylineRecord& p) { p.thickness = 2; }, 2},
+        LwFlagCase{"width", [](LwPolylineRecord& p) { p.constantWidth = 0.5; }, 4},
+        LwFlagCase{"elevation", [](LwPolylineRecord& p) { p.elevation = 3; }, 8},
+        LwFlagCase{"bulges", [](LwPolylineRecord& p) { p.bulges = {0.5, 0}; }, 16},
+        LwFlagCase{"widths", [](LwPolylineRecord& p) { p.widths = {{1, 1}, {0, 0}}; }, 32},
+        LwFlagCase{"closed", [](LwPolylineRecord& p) { p.flags = 512; }, 512}),
+    [](const testing::TestParamInfo<LwFlagCase>& info) { return std::string(info.param.name); });
+
+}  // namespace
+
+namespace {
+
+class DwgEncodePolyline : public testing::TestWithParam<Version> {};
+
+TEST_P(DwgEncodePolyline, polyline_2d_round_trips_with_its_vertices) {
+    const EncodeOptions options{GetParam(), 1252};
+    PolylineRecord p;
+    p.common = Common(0x70);
+    p.kind = kPolyline2d;
+    p.flags = 1;
+    p.curveType = 5;
+    p.startWidth = 0.5;
+    p.endWidth = 0.25;
+    p.thickness = 2;
+    p.elevation = 3;
+    p.vertices.first = 0x71;
+    p.vertices.last = 0x73;
+    p.vertices.handles = {0x71, 0x72, 0x73};
+    p.vertices.seqend = 0x74;
+    const auto bytes = EncodePolyline(p, options);
+    ObjectStreams o = Open(bytes, options);
+    EXPECT_EQ(o.type, kPolyline2d);
+    PolylineRecord back;
+    ASSERT_TRUE(ReadPolyline(o, back));
+    EXPECT_EQ(back.flags, 1);
+    EXPECT_EQ(back.curveType, 5);
+    EXPECT_EQ(back.startWidth, 0.5);
+    EXPECT_EQ(back.endWidth, 0.25);
+    EXPECT_EQ(back.thickness, 2);
+    EXPECT_EQ(back.elevation, 3);
+    EXPECT_EQ(back.vertices.seqend, 0x74u);
+    if (GetParam() >= Version::kR2004) {
+        EXPECT_EQ(back.vertices.handles, p.vertices.handles);
+    } else {
+        EXPECT_EQ(back.vertices.first, 0x71u);
+        EXPECT_EQ(back.vertices.last, 0x73u);
+    }
+}
+INSTANTIATE_TEST_SUITE_P(Versions, DwgEncodePolyline,
+                         testing::Values(Version::kR2000, Version::kR2004));
+
+TEST(DwgEncodeCurves, polyline_3d_and_polyface_keep_their_own_values) {
+    PolylineRecord p3;
+    p3.common = Common(0x75);
+    p3.kind = kPolyline3d;
+    p3.flags = 8;
+    p3.curveType = 6;
+    const auto bytes3 = EncodePolyline(p3, {});
+    ObjectStreams o3 = Open(bytes3, {});
+    PolylineRecord back3;
+    ASSERT_TRUE(ReadPolyline(o3, back3));
+    EXPECT_EQ(back3.kind, kPolyline3d);
+    EXPECT_EQ(back3.flags, 8);
+    EXPECT_EQ(back3.curveType, 6);
+
+    PolylineRecord mesh;
+    mesh.common = Common(0x76);
+    mesh.kind = kPolylinePface;
+    mesh.vertexCount = 8;
+    mesh.faceCount = 6;
+    const auto bytesMesh = EncodePolyline(mesh, {});
+    ObjectStreams om = Open(bytesMesh, {});
+    PolylineRecord backMesh;
+    ASSERT_TRUE(ReadPolyline(om, backMesh));
+    EXPECT_EQ(backMesh.vertexCount, 8);
+    EXPECT_EQ(backMesh.faceCount, 6);
+}
+
+struct WidthCase {
+    double start, end;
+    bool oneWidth;  // equal positive widths are stored once, negated
+};
+class DwgEncodeVertexWidths : public testing::TestWithParam<WidthCase> {};
+
+TEST_P(DwgEncodeVertexWidths, vertex_2d_widths_round_trip) {
+    VertexRecord v;
+    v.common = Common(0x77);
+    v.kind = kVertex2d;
+    v.flags = 32;
+    v.position = {1, 2, 0};
+    v.startWidth = GetParam().start;
+    v.endWidth = GetParam().end;
+    v.bulge = 0.5;
+    v.tangent = 1.5;
+    const auto bytes = EncodeVertex(v, {});
+    ObjectStreams o = Open(bytes, {});
+    VertexRecord back;
+    ASSERT_TRUE(ReadVertex(o, back));
+    EXPECT_EQ(back.flags, 32);
+    EXPECT_EQ(back.position.y, 2);
+    EXPECT_EQ(back.startWidth, v.startWidth);
+    EXPECT_EQ(back.endWidth, v.endWidth);
+    EXPECT_EQ(back.bulge, 0.5);
+    EXPECT_EQ(back.tangent, 1.5);
+    ObjectStreams raw = Open(bytes, {});
+    EntityCommon common;
+    ReadEntityCommon(raw, common);
+    raw.data.RC();
+    raw.data.BD3();
+    EXPECT_EQ(raw.data.BD() < 0, GetParam().oneWidth);
+}
+INSTANTIATE_TEST_SUITE_P(Widths, DwgEncodeVertexWidths,
+                         testing::Values(WidthCase{0, 0, false}, WidthCase{2, 2, true},
+                                         WidthCase{2, 3, false}, WidthCase{0, 1, false}));
+
+TEST(DwgEncodeCurves, polyface_face_stores_its_four_indexes) {
+    VertexRecord face;
+    face.common = Common(0x78);
+    face.kind = kVertexPfaceFace;
+    face.faceIndex[0] = 1;
+    face.faceIndex[1] = -2;
+    face.faceIndex[2] = 3;
+    face.faceIndex[3] = 4;
+    const auto bytes = EncodeVertex(face, {});
+    ObjectStreams o = Open(bytes, {});
+    VertexRecord back;
+    ASSERT_TRUE(ReadVertex(o, back));
+    EXPECT_EQ(back.faceIndex[1], -2);
+    EXPECT_EQ(back.faceIndex[3], 4);
+    EXPECT_EQ(o.data.bitPosition(), o.dataEnd);
+
+    VertexRecord vertex3d;
+    vertex3d.common = Common(0x79);
+    vertex3d.kind = kVertex3d;
+    vertex3d.position = {4, 5, 6};
+    const auto bytes3 = EncodeVertex(vertex3d, {});
+    ObjectStreams o3 = Open(bytes3, {});
+    VertexRecord back3;
+    ASSERT_TRUE(ReadVertex(o3, back3));
+    EXPECT_EQ(back3.position.z, 6);
+    EXPECT_EQ(o3.data.bitPosition(), o3.dataEnd);
+}
+
+}  // namespace
