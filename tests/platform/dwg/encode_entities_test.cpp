@@ -97,8 +97,14 @@ TEST_P(DwgEncodeByVersion, flat_line_leaves_out_its_heights) {
     flat.start = {1, 2, 0};
     flat.end = {3, 4, 0};
     LineRecord raised = flat;
+    raised.start.z = 1;
     raised.end.z = 1;
-    EXPECT_LT(EncodeLine(flat, options()).size(), EncodeLine(raised, options()).size());
+    // The heights take a raw double and a two-bit default double: 66 bits.
+    const auto raisedBytes = EncodeLine(raised, options());
+    const auto flatBytes = EncodeLine(flat, options());
+    ObjectStreams r = Open(raisedBytes, options());
+    ObjectStreams f = Open(flatBytes, options());
+    EXPECT_EQ(r.dataEnd - f.dataEnd, 66u);
     const auto bytes1 = EncodeLine(flat, options());
     ObjectStreams o = Open(bytes1, options());
     LineRecord back;
@@ -265,6 +271,27 @@ TEST(DwgEncode, object_size_counts_the_bytes_between_size_and_crc) {
     const auto bytes = EncodeLine(line, {});
     ObjectStreams o = Open(bytes, {});
     EXPECT_EQ(o.size + 2 + 2, bytes.size());  // a word of size, two bytes of CRC
+}
+
+}  // namespace
+
+namespace {
+
+// The alignment point is stored unless both its coordinates equal the insertion's.
+TEST(DwgEncode, text_alignment_differing_in_one_coordinate_is_stored) {
+    for (const Point2 alignment : {Point2{5, 9}, Point2{9, 6}}) {
+        TextRecord t;
+        t.common = SampleCommon(0x38);
+        t.insertion = {5, 6};
+        t.alignment = alignment;
+        t.height = 1;
+        const auto bytes = EncodeText(t, {});
+        ObjectStreams o = Open(bytes, {});
+        TextRecord back;
+        ASSERT_TRUE(ReadText(o, back));
+        EXPECT_EQ(back.alignment.x, alignment.x);
+        EXPECT_EQ(back.alignment.y, alignment.y);
+    }
 }
 
 }  // namespace
