@@ -145,3 +145,58 @@ std::vector<std::uint8_t> CompressLiteral(std::span<const std::uint8_t> data) {
 }
 
 }  // namespace dwg
+
+namespace dwg {
+namespace {
+
+void AppendLong(std::vector<std::uint8_t>& out, std::uint32_t value) {
+    for (int i = 0; i < 4; ++i) out.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+}
+
+void AppendLongLong(std::vector<std::uint8_t>& out, std::uint64_t value) {
+    AppendLong(out, static_cast<std::uint32_t>(value));
+    AppendLong(out, static_cast<std::uint32_t>(value >> 32));
+}
+
+}  // namespace
+
+std::vector<std::uint8_t> SectionMapBytes(const std::vector<SectionDescription>& sections) {
+    std::vector<std::uint8_t> out;
+    const auto count = static_cast<std::uint32_t>(sections.size());
+    AppendLong(out, count);
+    AppendLong(out, 2);
+    AppendLong(out, 0x7400);
+    AppendLong(out, 0);
+    AppendLong(out, count);
+    for (const SectionDescription& s : sections) {
+        AppendLongLong(out, s.size);
+        AppendLong(out, static_cast<std::uint32_t>(s.pages.size()));
+        AppendLong(out, s.maxPageSize);
+        AppendLong(out, 1);
+        AppendLong(out, s.compressed);
+        AppendLong(out, s.id);
+        AppendLong(out, s.encrypted);
+        std::uint8_t name[64] = {};
+        std::memcpy(name, s.name.data(), std::min<std::size_t>(s.name.size(), 63));
+        out.insert(out.end(), name, name + 64);
+        for (const SectionPage& page : s.pages) {
+            AppendLong(out, page.number);
+            AppendLong(out, page.dataSize);
+            AppendLongLong(out, page.startOffset);
+        }
+    }
+    return out;
+}
+
+std::vector<std::uint8_t> PageMapBytes(
+    const std::vector<std::pair<std::int32_t, std::int32_t>>& pages) {
+    std::vector<std::uint8_t> out;
+    out.reserve(pages.size() * 8);
+    for (const auto& [number, size] : pages) {
+        AppendLong(out, static_cast<std::uint32_t>(number));
+        AppendLong(out, static_cast<std::uint32_t>(size));
+    }
+    return out;
+}
+
+}  // namespace dwg

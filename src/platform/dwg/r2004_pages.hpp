@@ -5,6 +5,8 @@
 #include <array>
 #include <cstdint>
 #include <span>
+#include <string>
+#include <utility>
 #include <vector>
 
 namespace dwg {
@@ -53,5 +55,35 @@ std::array<std::uint8_t, 20> SystemPageHeader(std::uint32_t type, std::uint32_t 
 // A first run cannot be 1 to 3 bytes long: such data gives an empty result (sections are longer:
 // their sentinels alone take 16 bytes).
 std::vector<std::uint8_t> CompressLiteral(std::span<const std::uint8_t> data);
+
+}  // namespace dwg
+
+namespace dwg {
+
+// One page of a section as the section map lists it.
+struct SectionPage {
+    std::uint32_t number = 0;
+    std::uint32_t dataSize = 0;
+    std::uint64_t startOffset = 0;  // in the section's data
+};
+
+// One section's description in the section map (the first, unnamed one describes no data).
+struct SectionDescription {
+    std::uint64_t size = 0;
+    std::uint32_t maxPageSize = 0x7400;
+    std::uint32_t compressed = 2;  // 1 stored, 2 compressed
+    std::uint32_t id = 0;
+    std::uint32_t encrypted = 0;
+    std::string name;  // at most 63 bytes: "AcDb:Header"...
+    std::vector<SectionPage> pages;
+};
+
+// The section map's data before compression: the count, 2, 0x7400, 0, the count again, then
+// each description (size, page count, sizes, flags, id, name in 64 bytes) with its pages.
+std::vector<std::uint8_t> SectionMapBytes(const std::vector<SectionDescription>& sections);
+
+// The page map's data before compression: page number and size of each page, in file order.
+std::vector<std::uint8_t> PageMapBytes(
+    const std::vector<std::pair<std::int32_t, std::int32_t>>& pages);
 
 }  // namespace dwg

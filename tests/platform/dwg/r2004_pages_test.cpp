@@ -165,3 +165,114 @@ TEST(DwgCompressLiteral, long_run_length_adds_255_per_zero_byte) {
 }
 
 }  // namespace
+
+namespace {
+
+// The literal run length of the format's compression (the mirror of CompressLiteral's code).
+std::size_t LiteralLength(const std::vector<std::uint8_t>& in, std::size_t& i) {
+    const std::uint8_t first = in[i];
+    if (first >= 0x10) return 0;  // an opcode: no literal run
+    ++i;
+    if (first != 0) return first + 3u;
+    std::size_t length = 0x0F;
+    while (in[i] == 0) {
+        length += 0xFF;
+        ++i;
+    }
+    return length + in[i++] + 3;
+}
+
+// Decompresses the opcodes the corpus maps use (0x20 and up, and the end code); empty for any
+// other opcode, so that a test fails rather than reads wrongly.
+std::vector<std::uint8_t> Decompress(const std::vector<std::uint8_t>& in) {
+    std::vector<std::uint8_t> out;
+    std::size_t i = 0;
+    auto literal = [&](std::size_t n) {
+        out.insert(out.end(), in.begin() + static_cast<std::ptrdiff_t>(i),
+                   in.begin() + static_cast<std::ptrdiff_t>(i + n));
+        i += n;
+    };
+    literal(LiteralLength(in, i));
+    while (i < in.size()) {
+        const std::uint8_t op = in[i++];
+        if (op == 0x11) return out;
+        std::size_t count = 0, offset = 0, run = 0;
+        if (op >= 0x40) {
+            count = (op >> 4) - 1u;
+            offset = (std::size_t{in[i++]} << 2) | ((op & 0x0C) >> 2);
+            run = op & 3;
+        } else if (op >= 0x20) {
+            count = op - 0x1Eu;
+            if (op == 0x20) {
+                count = 0x21;
+                while (in[i] == 0) {
+                    count += 0xFF;
+                    ++i;
+                }
+                count += in[i++];
+            }
+            offset = (in[i] >> 2) | (std::size_t{in[i + 1]} << 6);
+            run = in[i] & 3;
+            i += 2;
+        } else {
+            return {};
+        }
+        const std::size_t from = out.size() - offset - 1;
+        for (std::size_t k = 0; k < count; ++k) out.push_back(out[from + k]);
+        literal(run != 0 ? run : LiteralLength(in, i));
+    }
+    return out;
+}
+
+std::vector<std::uint8_t> SystemPage(const std::vector<std::uint8_t>& file, std::uint64_t at) {
+    const std::uint32_t compressedSize = Long(&file[at + 8]);
+    return Decompress(std::vector<std::uint8_t>(file.begin() + static_cast<std::ptrdiff_t>(at + 20),
+                                                file.begin() + static_cast<std::ptrdiff_t>(at + 20 + compressedSize)));
+}
+
+TEST_F(DwgR2004Pages, literal_stream_decompresses_to_its_data) {
+    std::vector<std::uint8_t> data(5000);
+    for (std::size_t i = 0; i < data.size(); ++i) data[i] = static_cast<std::uint8_t>(i % 251);
+    EXPECT_EQ(Decompress(CompressLiteral(data)), data);
+}
+
+TEST_F(DwgR2004Pages, page_and_section_maps_are_laid_out_as_the_format_writer_does) {
+    const std::uint64_t pageMapAt = LongLong(&plain[0x54]) + 0x100;
+    const auto pageMap = SystemPage(file, pageMapAt);
+    ASSERT_EQ(pageMap.size(), Long(&file[pageMapAt + 4]));
+    std::vector<std::pair<std::int32_t, std::int32_t>> pages;
+    std::uint64_t sectionMapAt = 0, address = 0x100;
+    for (std::size_t i = 0; i + 8 <= pageMap.size(); i += 8) {
+        const auto number = static_cast<std::int32_t>(Long(&pageMap[i]));
+        const auto size = static_cast<std::int32_t>(Long(&pageMap[i + 4]));
+        pages.emplace_back(number, size);
+        if (static_cast<std::uint32_t>(number) == Long(&plain[0x5C])) sectionMapAt = address;
+        address += static_cast<std::uint32_t>(size);
+    }
+    EXPECT_EQ(PageMapBytes(pages), pageMap);
+
+    ASSERT_NE(sectionMapAt, 0u);
+    const auto sectionMap = SystemPage(file, sectionMapAt);
+    ASSERT_EQ(sectionMap.size(), Long(&file[sectionMapAt + 4]));
+    std::vector<SectionDescription> sections(Long(&sectionMap[0]));
+    std::size_t at = 20;
+    for (SectionDescription& s : sections) {
+        s.size = LongLong(&sectionMap[at]);
+        const std::uint32_t pageCount = Long(&sectionMap[at + 8]);
+        s.maxPageSize = Long(&sectionMap[at + 12]);
+        s.compressed = Long(&sectionMap[at + 20]);
+        s.id = Long(&sectionMap[at + 24]);
+        s.encrypted = Long(&sectionMap[at + 28]);
+        s.name = reinterpret_cast<const char*>(&sectionMap[at + 32]);
+        at += 96;
+        for (std::uint32_t p = 0; p < pageCount; ++p, at += 16) {
+            s.pages.push_back({Long(&sectionMap[at]), Long(&sectionMap[at + 4]),
+                               LongLong(&sectionMap[at + 8])});
+        }
+    }
+    EXPECT_EQ(at, sectionMap.size());
+    EXPECT_EQ(sections.back().name, "AcDb:Header");
+    EXPECT_EQ(SectionMapBytes(sections), sectionMap);
+}
+
+}  // namespace
