@@ -276,3 +276,36 @@ TEST_F(DwgR2004Pages, page_and_section_maps_are_laid_out_as_the_format_writer_do
 }
 
 }  // namespace
+
+namespace {
+
+TEST(DwgR2004PageHeaders, data_page_header_decrypts_to_its_values) {
+    const std::vector<std::uint8_t> compressed{1, 2, 3, 4, 5};
+    const std::uint64_t fileOffset = 0x7560;
+    const std::uint64_t start = 0x100007400;  // past 4 GB: both halves stored
+    const auto header = EncryptDataPageHeader(7, 5, 0x7400, start, compressed, fileOffset);
+    std::uint32_t v[8];
+    for (int i = 0; i < 8; ++i) v[i] = Long(&header[4 * i]) ^ (0x4164536B ^ 0x7560);
+    EXPECT_EQ(v[0], 0x4163043Bu);
+    EXPECT_EQ(v[1], 7u);
+    EXPECT_EQ(v[2], 5u);
+    EXPECT_EQ(v[3], 0x7400u);
+    EXPECT_EQ(v[4], 0x7400u);
+    EXPECT_EQ(v[5], 1u);
+    EXPECT_EQ(v[7], PageChecksum(0, compressed));
+}
+
+TEST(DwgR2004PageHeaders, section_sizes_and_offsets_keep_their_high_halves) {
+    SectionDescription s;
+    s.size = 0x123456789;
+    s.name = std::string(70, 'x');  // cut to 63 bytes and a zero
+    s.pages.push_back({3, 100, 0x200000000});
+    const auto bytes = SectionMapBytes({s});
+    ASSERT_EQ(bytes.size(), 20u + 96 + 16);
+    EXPECT_EQ(LongLong(&bytes[20]), 0x123456789u);
+    EXPECT_EQ(bytes[20 + 32 + 62], 'x');
+    EXPECT_EQ(bytes[20 + 32 + 63], 0);
+    EXPECT_EQ(LongLong(&bytes[20 + 96 + 8]), 0x200000000u);
+}
+
+}  // namespace
