@@ -1,0 +1,116 @@
+// A drawing whose file header names the GBK code page (ANSI_936) reads with its Chinese layer
+// names, texts and attribute tags intact. The file is made from a corpus drawing: three of its
+// strings are replaced by GBK bytes of the same length, the objects' CRCs made anew, and the
+// code page number of the file header set to 39 (ANSI_936).
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "platform/db/block_reference.hpp"
+#include "platform/db/database.hpp"
+#include "platform/db/symbol_tables.hpp"
+#include "platform/db/text.hpp"
+#include "platform/dwg/corpus_files.hpp"
+#include "platform/dwg/object_stream.hpp"
+#include "platform/dwg/read.hpp"
+#include "platform/win/codepage.hpp"
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+std::vector<bool> Bits(const std::uint8_t* data, std::size_t count) {
+    std::vector<bool> bits;
+    for (std::size_t i = 0; i < count; ++i) {
+        for (int b = 7; b >= 0; --b) bits.push_back((data[i] >> b) & 1);
+    }
+    return bits;
+}
+
+// Replaces the bytes `from` by `to` (same length) wherever they stand in the object at the
+// offset, at any bit position, and stores the object's CRC anew. False when they are not there.
+bool ReplaceInObject(Bytes& file, std::int64_t offset, const std::string& from, const std::string& to) {
+    dwg::ObjectStreams o;
+    dwg::MapError error;
+    if (!dwg::OpenObject(file, offset, dwg::Version::kR2000, 1252, o, error)) return false;
+    const std::size_t start = static_cast<std::size_t>(offset);
+    const std::size_t dataStart = start + (o.size < 0x8000 ? 2 : 4);
+    auto bits = Bits(file.data() + dataStart, o.size);
+    const auto needle = Bits(reinterpret_cast<const std::uint8_t*>(from.data()), from.size());
+    const auto patch = Bits(reinterpret_cast<const std::uint8_t*>(to.data()), to.size());
+    const auto at = std::search(bits.begin(), bits.end(), needle.begin(), needle.end());
+    if (at == bits.end()) return false;
+    std::copy(patch.begin(), patch.end(), at);
+    for (std::size_t i = 0; i < o.size; ++i) {
+        std::uint8_t byte = 0;
+        for (int b = 0; b < 8; ++b) byte = static_cast<std::uint8_t>(byte << 1 | bits[i * 8 + b]);
+        file[dataStart + i] = byte;
+    }
+    const auto crc = dwg::Crc16(0xC0C1, std::span(file).subspan(start, dataStart - start + o.size));
+    file[dataStart + o.size] = static_cast<std::uint8_t>(crc);
+    file[dataStart + o.size + 1] = static_cast<std::uint8_t>(crc >> 8);
+    return true;
+}
+
+std::int64_t OffsetOf(const Bytes& file, std::uint64_t handle) {
+    std::vector<dwg::ObjectLocation> map;
+    dwg::MapError error;
+    dwg::ParseObjectMap(dwg_test::LocatedSection(file, 2), map, error);
+    for (const auto& loc : map) {
+        if (loc.handle == handle) return loc.offset;
+    }
+    return -1;
+}
+
+template <typename T>
+T* Open(AcDbDatabase& db, std::uint64_t handle) {
+    AcDbObjectId id;
+    T* object = nullptr;
+    if (db.getAcDbObjectId(id, false, AcDbHandle(handle)) != Acad::eOk ||
+        acdbOpenObject(object, id, AcDb::kForRead) != Acad::eOk) {
+        return nullptr;
+    }
+    return object;
+}
+
+TEST(DwgGbk, chinese_layer_names_texts_and_tags_read_intact) {
+    Bytes file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_2000.dwg"));
+    ASSERT_TRUE(ReplaceInObject(file, OffsetOf(file, 0x8A), "Tavolo 3", "\xCD\xBC\xB2\xE3\xC8\xFD\xBA\xC5"));
+    ASSERT_TRUE(ReplaceInObject(file, OffsetOf(file, 0x17B), "teksto simpla",
+                                "\xD6\xD0\xCE\xC4\xCE\xC4\xD7\xD6\xB2\xE2\xCA\xD4\x21"));
+    ASSERT_TRUE(ReplaceInObject(file, OffsetOf(file, 0x192), "ETIKEDO", "\xB1\xEA\xC7\xA9TAG"));
+    file[0x13] = 39;  // ANSI_936
+    file[0x14] = 0;
+    dwg::DwgSections sections;
+    sections.version = dwg::Version::kR2000;
+    sections.codePage = dwg::WindowsCodePage(file[0x13]);
+    sections.header = dwg_test::LocatedSection(file, 0);
+    sections.classes = dwg_test::LocatedSection(file, 1);
+    sections.objectMap = dwg_test::LocatedSection(file, 2);
+    sections.objects = file;
+    EXPECT_EQ(sections.codePage, 936);
+    AcDbDatabase db(false, true);
+    ASSERT_EQ(dwg::ReadDwgSections(db, sections, "gbk.dwg"), Acad::eOk) << Utf8FromWide(db.lastError());
+
+    auto* layer = Open<AcDbLayerTableRecord>(db, 0x8A);
+    ASSERT_NE(layer, nullptr);
+    EXPECT_EQ(Utf8FromWide(layer->name()), "图层三号");
+    layer->close();
+    auto* text = Open<AcDbText>(db, 0x17B);
+    ASSERT_NE(text, nullptr);
+    EXPECT_EQ(Utf8FromWide(text->textString()), "中文文字测试!");
+    EXPECT_EQ(Utf8FromWide(text->layer()), "图层三号");  // the entity names its layer by handle
+    text->close();
+    auto* attribute = Open<AcDbAttribute>(db, 0x192);
+    ASSERT_NE(attribute, nullptr);
+    EXPECT_EQ(Utf8FromWide(attribute->tag()), "标签TAG");
+    attribute->close();
+    std::string codePage;
+    for (const auto& [name, tags] : db.headerVars()) {
+        if (name == "$DWGCODEPAGE") codePage = std::string(tags.begin()->value);
+    }
+    EXPECT_EQ(codePage, "ANSI_936");
+}
+
+}  // namespace
