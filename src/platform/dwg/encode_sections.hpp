@@ -1,0 +1,20 @@
+#pragma once
+// Writes the classes section and the object map (AcDb:Handles): the mirrors of ParseClasses and
+// ParseObjectMap.
+#include <cstdint>
+#include <vector>
+
+#include "platform/dwg/classes.hpp"
+#include "platform/dwg/object_map.hpp"
+
+namespace dwg {
+
+// The classes as stored: sentinels, size, (2004: the highest class number) each class, CRC.
+std::vector<std::uint8_t> EncodeClassesSection(const std::vector<ClassRecord>& classes,
+                                                Version version, int codePage);
+
+// The object map: pages of at most 2032 bytes, each counting handle and offset differences
+// from zero again, closed by an empty page. The locations must be in ascending handle order.
+std::vector<std::uint8_t> EncodeObjectMap(const std::vector<ObjectLocation>& locations);
+
+}  // namespace dwg
