@@ -42,7 +42,92 @@ void AppendPage(std::vector<std::uint8_t>& out, const std::vector<std::uint8_t>&
     out.push_back(static_cast<std::uint8_t>(crc & 0xFF));
 }
 
+constexpr std::uint8_t kPreviewStart[16] = {0x1F, 0x25, 0x6D, 0x07, 0xD4, 0x36, 0x28, 0x28,
+                                            0x9D, 0x57, 0xCA, 0x3F, 0x9D, 0x44, 0x10, 0x2B};
+constexpr std::uint8_t kPreviewEnd[16] = {0xE0, 0xDA, 0x92, 0xF8, 0x2B, 0xC9, 0xD7, 0xD7,
+                                          0x62, 0xA8, 0x35, 0xC0, 0x62, 0xBB, 0xEF, 0xD4};
+
+void AppendLittle(std::vector<std::uint8_t>& out, std::uint32_t value, int bytes) {
+    for (int i = 0; i < bytes; ++i) out.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+}
+
 }  // namespace
+
+std::vector<std::uint8_t> EncodeSummaryInfo() {
+    std::vector<std::uint8_t> out;
+    // Title, subject, author, keywords, comments, saved by, revision, hyperlink base: empty
+    // (each a length that counts the closing zero, then the zero).
+    for (int i = 0; i < 8; ++i) {
+        AppendLittle(out, 1, 2);
+        out.push_back(0);
+    }
+    for (int i = 0; i < 6; ++i) AppendLittle(out, 0, 4);  // editing time, created, modified
+    AppendLittle(out, 0, 2);                             // no custom properties
+    AppendLittle(out, 0, 4);
+    AppendLittle(out, 0, 4);
+    return out;
+}
+
+std::vector<std::uint8_t> EncodePreview() {
+    std::vector<std::uint8_t> out(kPreviewStart, kPreviewStart + 16);
+    AppendLittle(out, 1, 4);  // the size of what follows: the image count
+    out.push_back(0);         // no images
+    out.insert(out.end(), kPreviewEnd, kPreviewEnd + 16);
+    return out;
+}
+
+std::vector<std::uint8_t> EncodeRevisionHistory() {
+    std::vector<std::uint8_t> out;
+    for (int i = 0; i < 3; ++i) AppendLittle(out, 0, 4);
+    return out;
+}
+
+std::vector<std::uint8_t> EncodeTemplate(int measurement) {
+    std::vector<std::uint8_t> out;
+    AppendLittle(out, 0, 2);  // no description
+    AppendLittle(out, static_cast<std::uint32_t>(measurement), 2);
+    return out;
+}
+
+namespace {
+
+void AppendDate(std::vector<std::uint8_t>& out, double days) {
+    const auto whole = static_cast<std::uint32_t>(days);
+    AppendLittle(out, whole, 4);
+    AppendLittle(out, static_cast<std::uint32_t>((days - whole) * 86400000.0), 4);
+}
+
+}  // namespace
+
+std::vector<std::uint8_t> EncodeAuxHeader(double created, double updated, std::uint64_t handseed) {
+    constexpr std::uint32_t kVersion = 25;  // AC1018
+    std::vector<std::uint8_t> out = {0xFF, 0x77, 0x01};
+    AppendLittle(out, kVersion, 2);
+    AppendLittle(out, 0, 2);           // maintenance release
+    AppendLittle(out, 1, 4);           // saves
+    AppendLittle(out, 0xFFFFFFFF, 4);
+    AppendLittle(out, 1, 2);           // saves, first part
+    AppendLittle(out, 0, 2);           // saves above 0x7FFF
+    AppendLittle(out, 0, 4);
+    for (int i = 0; i < 2; ++i) {
+        AppendLittle(out, kVersion, 2);  // the version written and the one that wrote it
+        AppendLittle(out, 0, 2);
+    }
+    for (std::uint32_t value : {0x0005u, 0x0893u, 0x0005u, 0x0893u, 0x0000u, 0x0001u}) {
+        AppendLittle(out, value, 2);
+    }
+    for (int i = 0; i < 5; ++i) AppendLittle(out, 0, 4);
+    AppendDate(out, created);
+    AppendDate(out, updated);
+    AppendLittle(out, handseed < 0x7FFFFFFF ? static_cast<std::uint32_t>(handseed) : 0xFFFFFFFF, 4);
+    AppendLittle(out, 0, 4);  // educational plot stamp
+    AppendLittle(out, 0, 2);
+    AppendLittle(out, 1, 2);  // saves, first part less the second
+    for (int i = 0; i < 3; ++i) AppendLittle(out, 0, 4);
+    AppendLittle(out, 1, 4);  // saves
+    for (int i = 0; i < 4; ++i) AppendLittle(out, 0, 4);
+    return out;
+}
 
 std::vector<std::uint8_t> EncodeClassesSection(const std::vector<ClassRecord>& classes,
                                                 Version version, int codePage) {

@@ -11,6 +11,7 @@
 
 #include "platform/dwg/dxf_source.hpp"
 #include "platform/dwg/encode_object.hpp"
+#include "platform/dwg/header.hpp"
 
 namespace dwg {
 
@@ -47,6 +48,9 @@ std::vector<std::uint64_t> WriteEntities(const std::vector<SourceRecord>& record
 
 // An entity's common data from its record.
 EntityCommon EntityCommonOf(const SourceRecord& r, std::uint64_t owner, WriteContext& c);
+
+// The dimension variables of a new drawing, for those a record or the header does not give.
+DimensionVariables NewDrawingDimensionVariables();
 
 inline constexpr double kRadians = 0.017453292519943295;
 

@@ -102,6 +102,9 @@ HeaderVariables HeaderOf(const SourceDrawing& s, WriteContext& c) {
     h.angdir = Short(s, "$ANGDIR", 0) != 0;
     h.tilemode = Short(s, "$TILEMODE", 1) != 0;
     h.menu = "acad";
+    h.tdcreate = Real(s, "$TDCREATE", 40, 0.0);
+    h.tdupdate = Real(s, "$TDUPDATE", 40, h.tdcreate);
+    h.tdindwg = Real(s, "$TDINDWG", 40, 0.0);
     const SourceRecord* cecolor = s.variable("$CECOLOR");
     h.cecolor.index = static_cast<std::int16_t>(cecolor != nullptr ? cecolor->integer(62, 256) : 256);
     h.cecolor.rgb = h.cecolor.index == 256 ? 0xC0000000u
@@ -114,6 +117,7 @@ HeaderVariables HeaderOf(const SourceDrawing& s, WriteContext& c) {
     h.dimstyle = NameOf(s, "$DIMSTYLE", 2, c.dimensionStyles, "STANDARD");
     SpaceOf(s, "P", h.paper);
     SpaceOf(s, "", h.model);
+    h.dim = NewDrawingDimensionVariables();
     DimensionVariablesOf(s, c, h.dim);
     h.handles.modelSpace = c.modelSpace;
     h.handles.paperSpace = c.paperSpace;
@@ -243,9 +247,14 @@ Acad::ErrorStatus WriteDwgBytes(AcDbDatabase& db, int codePage, std::vector<std:
 
     std::vector<ObjectLocation> map;
     std::vector<NamedSection> sections;
+    sections.push_back({"AcDb:SummaryInfo", EncodeSummaryInfo()});
+    sections.push_back({"AcDb:Preview", EncodePreview()});
+    sections.push_back({"AcDb:RevHistory", EncodeRevisionHistory()});
+    sections.push_back({"AcDb:Template", EncodeTemplate(Short(source, "$MEASUREMENT", 0))});
     sections.push_back({"AcDb:AcDbObjects", ObjectsSection(c, map)});
     sections.push_back({"AcDb:Handles", EncodeObjectMap(map)});
     sections.push_back({"AcDb:Classes", EncodeClassesSection(classes, c.options.version, c.options.codePage)});
+    sections.push_back({"AcDb:AuxHeader", EncodeAuxHeader(header.tdcreate, header.tdupdate, header.handseed)});
     sections.push_back({"AcDb:Header", EncodeHeaderSection(header, c.options.version, c.options.codePage)});
     out = AssembleR2004(std::move(sections), DwgCodePageNumber(c.options.codePage));
     report.leftOut = c.leftOut;

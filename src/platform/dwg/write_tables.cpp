@@ -107,6 +107,7 @@ SymbolRecord SymbolOf(const SourceRecord& r, std::string_view table, WriteContex
             if (code == 49 && dxf::ParseDouble(value, dash)) s.dashes.push_back(dash);
         }
     } else if (table == "DIMSTYLE") {
+        s.dim = NewDrawingDimensionVariables();
         DimensionVariablesOf(r, c, s.dim);
     } else if (table == "VPORT") {
         s.lowerLeft = r.point2(10);
@@ -157,6 +158,32 @@ constexpr TableKind kTables[] = {
     {"DIMSTYLE", 68, kDimensionStyle}};
 
 }  // namespace
+
+DimensionVariables NewDrawingDimensionVariables() {
+    DimensionVariables m;
+    m.asz = 0.18;
+    m.exo = 0.0625;
+    m.dli = 0.38;
+    m.exe = 0.18;
+    m.txt = 0.18;
+    m.cen = 0.09;
+    m.altf = 25.4;
+    m.gap = 0.09;
+    m.tih = true;
+    m.toh = true;
+    m.altd = 2;
+    m.dec = 4;
+    m.tdec = 4;
+    m.altu = 2;
+    m.alttd = 2;
+    m.lunit = 2;
+    m.dsep = '.';
+    m.atfit = 3;
+    m.lwd = -2;
+    m.lwe = -2;
+    m.tolj = 1;
+    return m;
+}
 
 void IndexNames(const SourceDrawing& source, WriteContext& c) {
     for (const SourceTable& table : source.tables) {
