@@ -37,8 +37,6 @@ BOOL CFileFind::FindFile(LPCTSTR name, DWORD) {
     if (namePattern.empty()) return FALSE;
     root_ = folder;
     std::wstring lookup = folder.size() == 2 && folder[1] == L':' ? folder + L"\\" : folder;
-    fs::path base = ResolvePath(lookup.empty() ? L"\\" : lookup);
-
     if (!HasWildcards(namePattern)) {
         fs::path file = ResolvePath(lookup + L"\\" + namePattern);
         std::error_code error;
@@ -46,6 +44,7 @@ BOOL CFileFind::FindFile(LPCTSTR name, DWORD) {
         hits_.push_back(MakeHit(WideFromUtf8(file.filename().string()), file));
         return TRUE;
     }
+    fs::path base = ResolvePath(lookup.empty() ? L"\\" : lookup);
     std::error_code error;
     for (const fs::directory_entry& entry : fs::directory_iterator(base, error)) {
         std::wstring entryName = WideFromUtf8(entry.path().filename().string());
