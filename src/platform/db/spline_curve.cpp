@@ -64,7 +64,7 @@ Acad::ErrorStatus AcDbSpline::getPointAtParam(double param, AcGePoint3d& point) 
     if (!curve) return Acad::eDegenerateGeometry;
     std::optional<double> t = paramOnSpline(*this, *curve, param);
     if (!t) return Acad::eInvalidInput;
-    point = ge::evaluate(*curve, *t).point;
+    point = ge::pointAt(*curve, *t);
     return Acad::eOk;
 }
 

@@ -55,8 +55,8 @@ void basisFunctions(std::span<const double> u, std::size_t s, double t, std::siz
     }
 }
 
-// N[s-p .. s] of degree p into value[0 .. p] and their derivatives into derivative[0 .. p],
-// from the degree p-1 functions; scratch holds 3p values.
+// N[s-p .. s] of degree p into value[0 .. p] and, unless derivative is null, their derivatives
+// into derivative[0 .. p], from the degree p-1 functions; scratch holds 3p values.
 void basisWithDerivative(NurbsView c, std::size_t s, double t, double* value, double* derivative,
                          double* scratch) {
     const std::size_t p = degreeOf(c);
@@ -72,7 +72,7 @@ void basisWithDerivative(NurbsView c, std::size_t s, double t, double* value, do
         const double fa = a > 0 ? low(i) / a : 0.0;
         const double fb = b > 0 ? low(i + 1) / b : 0.0;
         value[k] = (t - u[i]) * fa + (u[i + p + 1] - t) * fb;
-        derivative[k] = dp * (fa - fb);
+        if (derivative) derivative[k] = dp * (fa - fb);
     }
 }
 
@@ -92,14 +92,18 @@ bool isWellFormed(NurbsView c) {
 double startParam(NurbsView c) { return c.knots[degreeOf(c)]; }
 double endParam(NurbsView c) { return c.knots[numPoints(c)]; }
 
-CurveSample evaluate(NurbsView c, double t) {
+namespace {
+
+// The point at t and, when asked, the first derivative; the point is computed the same way
+// either way.
+CurveSample sample(NurbsView c, double t, bool withDerivative) {
     t = std::clamp(t, startParam(c), endParam(c));
     const std::size_t p = degreeOf(c);
     const std::size_t s = findSpan(c, t);
     Scratch scratch(5 * p + 2);
     double* value = scratch.data();
     double* derivative = value + p + 1;
-    basisWithDerivative(c, s, t, value, derivative, derivative + p + 1);
+    basisWithDerivative(c, s, t, value, withDerivative ? derivative : nullptr, derivative + p + 1);
     // Homogeneous sums: A = sum N w P, W = sum N w, and their derivatives.
     AcGeVector3d a, da;
     double w = 0.0, dw = 0.0;
@@ -108,14 +112,22 @@ CurveSample evaluate(NurbsView c, double t) {
         const double wi = c.weights.empty() ? 1.0 : c.weights[i];
         const AcGeVector3d pi = c.controlPoints[i].asVector();
         a += pi * (value[k] * wi);
-        da += pi * (derivative[k] * wi);
         w += value[k] * wi;
-        dw += derivative[k] * wi;
+        if (withDerivative) {
+            da += pi * (derivative[k] * wi);
+            dw += derivative[k] * wi;
+        }
     }
     AcGeVector3d point = a / w;
-    AcGeVector3d slope = (da - point * dw) / w;
+    AcGeVector3d slope = withDerivative ? (da - point * dw) / w : AcGeVector3d();
     return {AcGePoint3d::kOrigin + point, slope};
 }
+
+}  // namespace
+
+CurveSample evaluate(NurbsView c, double t) { return sample(c, t, true); }
+
+AcGePoint3d pointAt(NurbsView c, double t) { return sample(c, t, false).point; }
 
 std::vector<double> spanBreaks(NurbsView c) {
     std::vector<double> breaks;

@@ -36,6 +36,8 @@ double startParam(NurbsView curve);
 double endParam(NurbsView curve);
 // Point and first derivative; t is clamped into the range.
 CurveSample evaluate(NurbsView curve, double t);
+// The point alone, as evaluate gives it, without the work of the derivative.
+AcGePoint3d pointAt(NurbsView curve, double t);
 // The distinct knots inside the range, ends included: the curve is smooth between them.
 std::vector<double> spanBreaks(NurbsView curve);
 // An evaluator that owns a copy of the definition.
