@@ -28,6 +28,7 @@
 #include "platform/dwg/read.hpp"
 #include "platform/dwg/twin_compare.hpp"
 #include "platform/dwg/write.hpp"
+#include "platform/dxf/codepage.hpp"
 #include "platform/dxf/model.hpp"
 
 namespace {
@@ -225,6 +226,70 @@ TEST(DwgWrite, file_is_ac1018_with_the_host_code_page) {
     ASSERT_TRUE(dwg::ReadDwgContainer(bytes, container, error)) << error.reason;
     EXPECT_EQ(container.version, dwg::Version::kR2004);
     EXPECT_EQ(container.dwgCodePage, 39);  // ANSI_936
+}
+
+std::string ObjectsSection(const Bytes& file) {
+    dwg::DwgContainer container;
+    dwg::MapError error;
+    EXPECT_TRUE(dwg::ReadDwgContainer(file, container, error)) << error.reason;
+    const auto data = dwg::FindSection(container, "AcDb:AcDbObjects");
+    return std::string(data.begin(), data.end());
+}
+
+// True when the bytes stand in the data at any bit position (the bit streams of objects do not
+// keep texts on byte boundaries).
+bool HasBits(const std::string& data, const std::string& bytes) {
+    for (int shift = 0; shift < 8; ++shift) {
+        std::string shifted(data.size(), '\0');
+        for (std::size_t i = 0; i + 1 < data.size(); ++i) {
+            const unsigned high = static_cast<unsigned char>(data[i]) << shift;
+            const unsigned low = static_cast<unsigned char>(data[i + 1]) >> (8 - shift);
+            shifted[i] = static_cast<char>((high | (shift ? low : 0)) & 0xFF);
+        }
+        if (shifted.find(bytes) != std::string::npos) return true;
+    }
+    return false;
+}
+
+std::wstring LayerOfFirstLine(AcDbDatabase& db) {
+    AcDbBlockTableRecord* model = nullptr;
+    if (acdbOpenObject(model, db.modelSpaceId(), AcDb::kForRead) != Acad::eOk) return {};
+    std::wstring layer;
+    for (const AcDbObjectId& id : model->entityIds()) {
+        if (auto* line = AcDbLine::cast(id.stub()->object.get())) {
+            layer = line->layer();
+            break;
+        }
+    }
+    model->close();
+    return layer;
+}
+
+// With the host's code page 936 the Chinese names and texts are stored as GBK bytes (the file
+// header says ANSI_936); with another host code page they are stored as \U+XXXX escapes. Both
+// read back as the same text.
+TEST(DwgWrite, gbk_names_and_texts_survive_in_code_page_936_and_as_escapes_otherwise) {
+    AcDbDatabase db;
+    BuildDrawing(db);
+    std::string gbk;
+    dxf::EncodeText("轮廓线", 936, gbk);
+    ASSERT_EQ(gbk.size(), 6u);
+    for (const int codePage : {936, 65001}) {
+        Bytes bytes;
+        dwg::DwgWriteReport report;
+        ASSERT_EQ(dwg::WriteDwgBytes(db, codePage, bytes, report), Acad::eOk);
+        const std::string objects = ObjectsSection(bytes);
+        const bool hasGbk = HasBits(objects, gbk);
+        const bool hasEscape = HasBits(objects, "\\U+8F6E");  // 轮
+        EXPECT_EQ(hasGbk, codePage == 936) << codePage;
+        EXPECT_EQ(hasEscape, codePage != 936) << codePage;
+        AcDbDatabase back(false, true);
+        ASSERT_EQ(dwg::ReadDwgBytes(back, bytes, "gbk.dwg"), Acad::eOk);
+        EXPECT_EQ(LayerOfFirstLine(back), L"轮廓线") << codePage;
+        dwg_test::TwinComparison comparison;
+        comparison.compare(back, db, db.handseed().value());
+        EXPECT_TRUE(Unexplained(comparison, report, db, back).empty()) << codePage;
+    }
 }
 
 // Every corpus drawing our reader reads, written as DWG and read back, holds the same objects
