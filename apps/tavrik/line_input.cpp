@@ -34,13 +34,24 @@ void OnLine(char* line) {
     waiting = false;
 }
 
-// Esc: the line becomes the cancel answer and is given at once (after readline's wait for a
-// longer key sequence, such as an arrow key's).
-int CancelLine(int, int) {
+// Esc alone, told from the start of a key sequence (an arrow key's) by the silence after it,
+// comes to readline as this key, which no terminal sends.
+constexpr int kEscapeAlone = 0x1c;
+constexpr int kEscape = 0x1b;
+constexpr int kSequenceGapMs = 50;
+
+int ReadKey(FILE* stream) {
+    int key = rl_getc(stream);
+    if (key != kEscape) return key;
+    pollfd more{fileno(stream), POLLIN, 0};
+    return ::poll(&more, 1, kSequenceGapMs) > 0 ? key : kEscapeAlone;
+}
+
+// Esc: the line becomes the cancel answer and is given at once.
+int CancelLine(int count, int key) {
     rl_replace_line("^C", 0);
     rl_point = rl_end;
-    rl_done = 1;  // readline hands the line to OnLine
-    return 0;
+    return rl_newline(count, key);  // as Enter: readline ends the screen line, OnLine gets it
 }
 
 void Prepare() {
@@ -48,7 +59,8 @@ void Prepare() {
     if (prepared) return;
     prepared = true;
     rl_readline_name = "tavrik";
-    rl_bind_keyseq("\\e", CancelLine);
+    rl_getc_function = ReadKey;
+    rl_bind_key(kEscapeAlone, CancelLine);
     using_history();
 }
 
