@@ -263,8 +263,9 @@ Acad::ErrorStatus WriteDwgBytes(AcDbDatabase& db, int codePage, std::vector<std:
     c.dwgCodePage = DwgCodePageNumber(c.options.codePage);
     WriteTables(source, c, header.handles);
     std::vector<SourceRecord> model, paper;
-    for (const SourceRecord& r : source.entities) {
-        (r.owner() == c.paperSpace || r.integer(67) == 1 ? paper : model).push_back(r);
+    for (SourceRecord& r : source.entities) {
+        const bool inPaper = r.owner() == c.paperSpace || r.integer(67) == 1;
+        (inPaper ? paper : model).push_back(std::move(r));
     }
     c.owned[c.modelSpace] = WriteEntities(model, c.modelSpace, c);
     c.owned[c.paperSpace] = WriteEntities(paper, c.paperSpace, c);
