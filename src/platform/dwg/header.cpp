@@ -1,8 +1,7 @@
 #include "platform/dwg/header.hpp"
 
-#include <cstring>
-
 #include "platform/dwg/common.hpp"
+#include "platform/dwg/framed_section.hpp"
 #include "platform/dwg/object_stream.hpp"
 
 namespace dwg {
@@ -345,25 +344,13 @@ void ReadDimensionVariables(BitReader& values, BitReader& strings, BitReader& ha
 
 bool ParseHeader(std::span<const std::uint8_t> section, Version version, int maintenance,
                  int codePage, HeaderVariables& out, MapError& error) {
-    if (section.size() < 16 + 4 || std::memcmp(section.data(), kStartSentinel, 16) != 0) {
-        error = {0, "header section does not start with its sentinel"};
+    FramedData framed;
+    if (!ReadFramedSection(section, kStartSentinel, version, maintenance, "header section", framed,
+                           error)) {
         return false;
     }
-    std::uint32_t size;
-    std::memcpy(&size, section.data() + 16, 4);
-    // 2010 on, from the fourth maintenance release, a high word of the size follows.
-    const std::size_t start = version >= Version::kR2010 && maintenance > 3 ? 24 : 20;
-    if (section.size() < start + 2 || size > section.size() - start - 2) {
-        error = {16, "header section size " + std::to_string(size) + " runs past the section"};
-        return false;
-    }
-    const std::uint16_t stored =
-        static_cast<std::uint16_t>(section[start + size] | (section[start + size + 1] << 8));
-    if (Crc16(0xC0C1, section.subspan(16, start - 16 + size)) != stored) {
-        error = {start + size, "header section CRC mismatch"};
-        return false;
-    }
-    BitReader d(section.subspan(start, size), version, codePage);
+    const std::size_t start = framed.start;
+    BitReader d(framed.data, version, codePage);
     BitReader strings = d;
     BitReader handles = d;
     const bool split = version >= Version::kR2007;
