@@ -6,7 +6,8 @@ void ReadTableEntry(ObjectStreams& o, TableEntry& out) {
     ReadObjectCommon(o, out.common);
     out.name = o.text().T();
     out.referenced = o.data.B();
-    out.xrefIndex = o.data.BS();
+    // From 2007 the index of the external reference is not stored.
+    if (o.data.version() < Version::kR2007) out.xrefIndex = o.data.BS();
     out.xrefDependent = o.data.B();
 }
 
