@@ -89,7 +89,8 @@ std::string TypeName(std::int32_t type, const std::vector<ClassRecord>& classes)
         {68, "DIMSTYLE_CONTROL"}, {69, "DIMSTYLE"}, {70, "VX_CONTROL"}, {71, "VX_TABLE_RECORD"},
         {72, "GROUP"}, {73, "MLINESTYLE"}, {74, "OLE2FRAME"}, {76, "LONG_TRANSACTION"},
         {77, "LWPOLYLINE"}, {78, "HATCH"}, {79, "XRECORD"}, {80, "ACDBPLACEHOLDER"},
-        {81, "VBA_PROJECT"}, {82, "LAYOUT"}};
+        {81, "VBA_PROJECT"}, {82, "LAYOUT"}, {498, "ACAD_PROXY_ENTITY"},
+        {499, "ACAD_PROXY_OBJECT"}};
     if (const auto it = kFixed.find(type); it != kFixed.end()) return it->second;
     for (const auto& c : classes) {
         if (c.number == type) return c.dxfName;

@@ -104,7 +104,7 @@ void ReadCurrent(Streams& r, HeaderVariables& out) {
     }
     out.tdindwg = r.date();
     out.tdusrtimer = r.date();
-    out.cecolor = r.d.CMC();
+    out.cecolor = r.d.CMC(r.s);
     out.handseed = r.d.H().value;  // in the values, not among the handles
     out.clayer = r.handle();
     out.textstyle = r.handle();
@@ -173,7 +173,7 @@ void ReadDimensionSizes(Streams& r, DimensionVariables& m) {
         m.fxl = r.d.BD();
         m.jogang = r.d.BD();
         m.tfill = r.d.BS();
-        m.tfillclr = r.d.CMC();
+        m.tfillclr = r.d.CMC(r.s);
     }
     if (r2000) {
         for (bool* b : {&m.tol, &m.lim, &m.tih, &m.toh, &m.se1, &m.se2}) *b = r.d.B();
@@ -238,9 +238,9 @@ void ReadDimensionVariablesOf(Streams& r, DimensionVariables& m) {
         ReadR14DimensionSwitches(r, m);
     }
     ReadDimensionSizes(r, m);
-    m.clrd = r.d.CMC();
-    m.clre = r.d.CMC();
-    m.clrt = r.d.CMC();
+    m.clrd = r.d.CMC(r.s);
+    m.clre = r.d.CMC(r.s);
+    m.clrt = r.d.CMC(r.s);
     if (r.v >= Version::kR2000) ReadDimensionFormats(r, m);
 }
 
@@ -314,7 +314,7 @@ void ReadTail2007(Streams& r) {
     r.d.BL();          // TIMEZONE
     for (int i = 0; i < 4; ++i) r.d.RC();  // LIGHTGLYPHDISPLAY to DGNFRAME
     r.d.B();
-    r.d.CMC();  // INTERFERECOLOR
+    r.d.CMC(r.s);  // INTERFERECOLOR
     r.handle();  // INTERFEREOBJVS
     r.handle();  // INTERFEREVPVS
     r.handle();  // DRAGVS

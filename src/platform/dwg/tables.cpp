@@ -45,7 +45,7 @@ bool ReadLayer(ObjectStreams& o, LayerRecord& out) {
     } else {
         ReadLayerStates(d, out);
     }
-    out.color = d.CMC();
+    out.color = d.CMC(o.text());
     // An off layer is also stored with a negative colour number.
     if (out.color.index < 0) {
         out.off = true;
