@@ -276,9 +276,11 @@ EXPORT_LAYERS = [
     ("STAND", 1, SOLID),
     ("USTAND", 1, SOLID),
     ("BIGFRAM", 8, SOLID),    # sheet outer rectangles
-    ("FRONT", 3, SOLID),      # view rectangles
-    ("LEFT", 3, SOLID),
-    ("TOP", 3, SOLID),
+    # View rectangles, grey: a colour that no clean-up rule names, so that they come through
+    # the chains of green pieces as the lines they are.
+    ("FRONT", 8, SOLID),
+    ("LEFT", 8, SOLID),
+    ("TOP", 8, SOLID),
     ("H_TAP", 6, SOLID),      # hole types: tapped
     ("H_CBORE", 6, SOLID),    # counterbored screw holes
     ("H_PIN", 6, SOLID),      # dowel pins

@@ -42,15 +42,15 @@ public:
     void FunDeleteSmallLineAndPoint();
     void FunLineWidthToZero();
 
-    // Colour rules (cleanup/, their own file).
+    // Colour rules (cleanup/color_rules.cpp, cleanup/modify_color.cpp).
     void FunChangeColor();
     void FunModifyColor();
 
-    // Duplicate removal (cleanup/, its own file).
+    // Duplicate removal (cleanup/repeating_lines.cpp).
     void FunDeleteRepeatingLine();
     void FunDeleteLineAndArcDownSpline(int mode);
 
-    // Line deviation (cleanup/, its own file).
+    // Line deviation (cleanup/line_deviation.cpp).
     void FunLineDeviation();
 
     // Curve conversions (curves/, one file each).

@@ -52,3 +52,22 @@ AcDbObjectIdArray GetModelSpaceIds(AcDbDatabase* db) {
     blocks->close();
     return ids;
 }
+
+AcDbObjectId AppendToCleanupModelSpace(AcDbDatabase* db, AcDbEntity* entity) {
+    AcDbObjectId id;
+    AcDbBlockTable* blocks = nullptr;
+    AcDbBlockTableRecord* model = nullptr;
+    if (db->getSymbolTable(blocks, AcDb::kForRead) == Acad::eOk) {
+        if (blocks->getAt(ACDB_MODEL_SPACE, model, AcDb::kForWrite) == Acad::eOk) {
+            if (model->appendAcDbEntity(id, entity) != Acad::eOk) id = AcDbObjectId::kNull;
+            model->close();
+        }
+        blocks->close();
+    }
+    if (id.isNull()) {
+        delete entity;
+        return id;
+    }
+    entity->close();
+    return id;
+}

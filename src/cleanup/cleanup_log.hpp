@@ -4,6 +4,7 @@
 #include <string>
 
 #include "platform/db/database.hpp"
+#include "platform/db/entity.hpp"
 
 // True when the path opens for reading.
 bool LogFileExists(const std::wstring& path);
@@ -17,3 +18,6 @@ void AppendCleanupLog(const std::wstring& text);
 // space is opened for write, so a model space open elsewhere gives an empty list. Erasing
 // entities later leaves their ids in the snapshot.
 AcDbObjectIdArray GetModelSpaceIds(AcDbDatabase* db);
+// Appends a new entity to the model space of `db` and closes it; its id, or the null id (and the
+// entity deleted) when the model space does not open.
+AcDbObjectId AppendToCleanupModelSpace(AcDbDatabase* db, AcDbEntity* entity);

@@ -144,6 +144,10 @@ ClassInterfaceData* RunFirstCleanups(AcDbDatabase* db) {
     cleanup->FunSplineToPline();
     cleanup->FunLineAndArcMerged();
     cleanup->FunChangeColor();
+    cleanup->FunModifyColor();
+    cleanup->FunDeleteRepeatingLine();
+    cleanup->FunConnectPline();
+    cleanup->FunLineDeviation();
     return cleanup;
 }
 

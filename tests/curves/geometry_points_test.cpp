@@ -185,6 +185,18 @@ TEST(CircleFromThreePoints, level_third_point_gives_an_undefined_centre_and_pass
     EXPECT_FALSE(std::isfinite(center.x));
 }
 
+TEST(CircleFromThreePoints, circle_away_from_the_origin_has_its_centre_there_in_both_forms) {
+    const AcGeVector3d off(7, -3, 0);
+    AcGePoint3d center;
+    double radius = 0.0;
+    ASSERT_TRUE(CircleFromThreePoints(kTop + off, kUpperRight + off, kLowerRight + off, center, radius));
+    EXPECT_THAT(center, IsNearPoint(P(7, -3, 0), 1e-12));
+    EXPECT_EQ(radius, 5.0);
+    ASSERT_TRUE(CircleFromThreePointsFine(kTop + off, kUpperRight + off, kLowerRight + off, center, radius));
+    EXPECT_THAT(center, IsNearPoint(P(7, -3, 0), 1e-12));
+    EXPECT_EQ(radius, 5.0);
+}
+
 TEST(CircleFromThreePointsFine, finds_the_exact_circle) {
     AcGePoint3d center(9, 9, 9);
     double radius = 0.0;

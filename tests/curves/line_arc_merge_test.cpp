@@ -341,3 +341,72 @@ TEST_F(LineAndArcMerged, two_pieces_below_the_centre_give_one_arc_across_them) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST_F(LineAndArcMerged, arc_longer_than_its_pieces_by_more_than_5_percent_is_refused) {
+    // With a tolerance of 2 the pieces 0-90 and 100-180 join across their gap, and the probe of
+    // the gap lies within 2 of an end: the merged arc runs 0 to 180, 180 / 170 of the pieces.
+    WriteSections(L"[LineAndArcMerged]\nTolerance=2\n");
+    AcDbObjectId a = AddArc(P(0, 0, 0), 5.0, 0.0, 90.0);
+    AcDbObjectId b = AddArc(P(0, 0, 0), 5.0, 100.0, 180.0);
+    Run();
+    EXPECT_FALSE(IsGone(a));
+    EXPECT_FALSE(IsGone(b));
+    EXPECT_EQ(CountOfType(2003), 2);
+}
+
+TEST_F(LineAndArcMerged, arc_longer_than_its_pieces_by_less_than_5_percent_stands) {
+    WriteSections(L"[LineAndArcMerged]\nTolerance=2\n");
+    AddArc(P(0, 0, 0), 5.0, 0.0, 90.0);
+    AddArc(P(0, 0, 0), 5.0, 95.0, 180.0);
+    Run();
+    P s, m, e;
+    OnlyArcEnds(s, m, e);
+    EXPECT_THAT(s, IsNearPoint(P(5, 0, 0), 1e-9));
+    EXPECT_THAT(e, IsNearPoint(P(-5, 0, 0), 1e-9));
+}
+
+TEST_F(LineAndArcMerged, dashed_arc_pieces_give_a_dashed_arc_with_its_scale_kept) {
+    AcDbObjectId first = AddArc(P(0, 0, 0), 5.0, 0.0, 90.0);
+    AcDbObjectId second = AddArc(P(0, 0, 0), 5.0, 90.0, 180.0);
+    SetLook(first, L"DASHED", 5, 3.0);
+    SetLook(second, L"DASHED", 6, 3.0);
+    Run();
+    AcDbObjectIdArray arcs = IdsOfType(2003);
+    ASSERT_EQ(arcs.length(), 1);
+    Look look = LookOfId(arcs[0]);
+    EXPECT_EQ(look.linetype, L"DASHED");
+    EXPECT_EQ(look.scale, 1.0);
+}
+
+TEST_F(LineAndArcMerged, box_slope_off_the_last_piece_by_0_0005_or_more_turns_the_line) {
+    struct Case {
+        const char* name;
+        P start;
+        P end;
+        bool turned;
+    };
+    // The first piece runs (0,0)-(10,10); the second, of slope 1.0004, is the last one read.
+    const Case cases[] = {
+        {"box slope 0.00059 off", P(5, 5.01, 0), P(15, 15.0149, 0), true},
+        {"box slope 0.00013 off", P(5, 5, 0), P(15, 15.004, 0), false},
+    };
+    for (const auto& c : cases) {
+        for (const AcDbObjectId& id : ModelSpaceIds(Drawing())) {
+            AcDbEntity* e = nullptr;
+            acdbOpenAcDbEntity(e, id, AcDb::kForWrite);
+            e->erase();
+            e->close();
+        }
+        AddLine(P(0, 0, 0), P(10, 10, 0));
+        AddLine(c.start, c.end);
+        Run();
+        auto lines = Lines();
+        ASSERT_EQ(lines.size(), 1u) << c.name;
+        EXPECT_EQ(lines[0].first, c.turned ? P(c.end.x, 0, 0) : P(0, 0, 0)) << c.name;
+        EXPECT_EQ(lines[0].second, c.turned ? P(0, c.end.y, 0) : c.end) << c.name;
+    }
+}
+
+}  // namespace

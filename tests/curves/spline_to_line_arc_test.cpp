@@ -111,6 +111,19 @@ TEST_F(SplineToLineAndArc, samples_follow_the_stretch_point_count_between_10_and
     EXPECT_EQ(SampleCurve(many.get()).length(), 31);
 }
 
+TEST_F(SplineToLineAndArc, samples_run_from_the_start_parameter) {
+    // Knots from 5 to 6: the parameters of the samples are counted from 5.
+    auto* spline = new AcDbSpline;
+    spline->setNurbsData(3, false, false, false, {P(0, 0, 0), P(1, 3, 0), P(2, -3, 0), P(3, 0, 0)},
+                         {5, 5, 5, 5, 6, 6, 6, 6}, {});
+    std::unique_ptr<AcDbSpline> owned(spline);
+    AcGePoint3dArray samples = SampleCurve(spline);
+    ASSERT_EQ(samples.length(), 11);
+    P expected;
+    spline->getPointAtParam(5.0 + 1.0 / 9, expected);
+    EXPECT_EQ(samples[1], expected);
+}
+
 TEST_F(SplineToLineAndArc, spline_shorter_than_the_line_tolerance_is_no_line_but_may_be_an_arc) {
     Settings(0.05, 0.001);
     AcDbObjectId shortStraight = AddToDrawing(ClampedSpline({P(0, 0, 0), P(0.01, 0.01, 0), P(0.02, 0.02, 0), P(0.03, 0.03, 0)}));

@@ -120,6 +120,16 @@ TEST_F(SplineToPline, switch_off_in_the_file_runs_all_the_same) {
     Run();
     EXPECT_TRUE(IsGone(spline));
     EXPECT_EQ(CountOfType(2004), 1);
+    EXPECT_TRUE(CleanupGlobals->splineToPline->BolOpen);
+}
+
+TEST_F(SplineToPline, spline_whose_half_returns_to_its_start_as_well_gives_no_polyline) {
+    // Twice round a circle: the whole and its first half both end where they start; the first
+    // is halved, the second ends the walk with the start vertex alone.
+    AcDbObjectId twice = AddToDrawing(ArcSpline(P(0, 0, 0), 5.0, 0.0, 720.0));
+    Run();
+    EXPECT_FALSE(IsGone(twice));
+    EXPECT_EQ(CountOfType(2004), 0);
 }
 
 TEST_F(SplineToPline, complete_ellipse_stays_and_a_quarter_ellipse_becomes_a_polyline) {

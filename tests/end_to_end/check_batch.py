@@ -27,6 +27,7 @@ import ezdxf
 from ezdxf import recover
 
 import check_curves
+import check_rules
 import check_sheets
 
 HAND_OFF = pathlib.Path("drives/c/Users/cad/AppData/Local/Convert")
@@ -166,7 +167,7 @@ def length(entity):
     return (entity.dxf.end - entity.dxf.start).magnitude
 
 
-def cleaned_signature(entity, settings, standard, target):
+def cleaned_signature(entity, settings, standard, target, modified=None):
     """The signature an exported entity keeps after the clean-ups and the standardisation, or
     None when it goes. Curves are compared in world coordinates, so that a curve flipped from
     -Z to +Z keeps its signature."""
@@ -181,7 +182,8 @@ def cleaned_signature(entity, settings, standard, target):
         points = (tuple(round(v, 6) for v in centre), round(entity.dxf.radius, 6))
     if kind in ("LINE", "CIRCLE", "ARC"):
         points = tuple(p[:2] + (0.0,) if isinstance(p, tuple) else p for p in points)
-    return (kind, standard.layer_of(entity, target, changed_colour(entity, settings)), points)
+    colour = modified if modified is not None else changed_colour(entity, settings)
+    return (kind, standard.layer_of(entity, target, colour), points)
 
 
 def nearest_colour_index(rgb):
@@ -218,6 +220,8 @@ def part_geometry(paths, settings, standard):
     for path in paths:
         doc = ezdxf.readfile(path)
         target = standard.target_layer(path) if settings is not None else None
+        modified = {} if settings is None else check_rules.modified_colours(
+            doc.modelspace(), settings, changed_colour, nearest_colour_index)
         for entity in doc.modelspace():
             if entity.dxf.layer.upper() in CONSTRUCTION or entity.dxftype() in ("TEXT", "MTEXT"):
                 continue
@@ -225,10 +229,12 @@ def part_geometry(paths, settings, standard):
             # follows those.
             if settings is not None and entity.dxftype() in CURVE_KINDS:
                 continue
+            if settings is not None and check_rules.rebuilt_by_rules(entity, settings, nearest_colour_index):
+                continue
             if settings is None:
                 cleaned = merged_signature(entity)
             else:
-                cleaned = cleaned_signature(entity, settings, standard, target)
+                cleaned = cleaned_signature(entity, settings, standard, target, modified.get(id(entity)))
             if cleaned is not None:
                 found[cleaned] += 1
     return found
@@ -336,6 +342,7 @@ def main():
         expected_geometry = part_geometry(exports, settings, standard)
         expected_texts = export_texts(exports)
         expected_curves = check_curves.exported_curves(exports, settings, CONSTRUCTION)
+        export_spaces = [ezdxf.readfile(p).modelspace() for p in exports]
 
         status, out, err = run_host(tavrik, prefix)
         check(status == 0, "first run: status %s, stderr: %s" % (status, err))
@@ -356,6 +363,9 @@ def main():
             check_sheets.check_readers(merged, scratch, check)
             check_cleanups(doc, settings)
             check_curves.check_curves(expected_curves, doc, settings, check)
+            check_rules.check_no_line_on_line(export_spaces, doc, settings, check)
+            check_rules.check_chains(export_spaces, doc, settings, nearest_colour_index, check)
+            check_rules.check_deviation(export_spaces, doc, settings, nearest_colour_index, check)
             check_texts(doc, expected_texts)
             check_standard(doc, standard)
 

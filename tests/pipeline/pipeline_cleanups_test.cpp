@@ -4,7 +4,9 @@
 
 #include "batch_fixture.hpp"
 #include "cleanup/cleanup_globals.hpp"
+#include "platform/db/extents.hpp"
 #include "platform/db/point_entity.hpp"
+#include "platform/db/polyline.hpp"
 
 namespace {
 
@@ -121,6 +123,48 @@ TEST_F(PipelineCleanups, colour_table_recolours_the_drawing_before_the_save) {
     }
     EXPECT_EQ(red, 0);
     EXPECT_EQ(green, 1);
+}
+
+}  // namespace
+
+namespace {
+
+// Step 18 removes the doubled side before the sides are joined, and the joined polyline is
+// offset after it was made.
+TEST_F(PipelineCleanups, duplicates_go_before_chains_are_joined_and_chains_are_offset_after) {
+    WriteCadLine(L"[DeleteRepeatingLine]\r\nBolOpen=1\r\nTolerance=0.01\r\n"
+                 L"[ConnectPline]\r\nTolerance=0.05\r\nColorInspect=255 0 0;\r\n"
+                 L"[LineDeviation]\r\nBolOpen=1\r\nStrLayer=DEV\r\nStrJson=[{\"Color\":\"255 0 0\",\"VarOffset\":1}]\r\n");
+    SaveDrawing(path_, [](AcDbDatabase& db) {
+        AddSheet(db, AcGePoint3d(0, 0, 0));
+        const double corners[][4] = {{50, 50, 60, 50}, {60, 50, 60, 60}, {60, 60, 50, 60}, {50, 60, 50, 50}, {52, 50, 58, 50}};
+        for (const auto& c : corners) {
+            AcDbObjectId id = Add(db, new AcDbLine(AcGePoint3d(c[0], c[1], 0), AcGePoint3d(c[2], c[3], 0)), L"DEV");
+            AcDbEntity* entity = nullptr;
+            acdbOpenAcDbEntity(entity, id, AcDb::kForWrite);
+            entity->setColorIndex(1);
+            entity->close();
+        }
+    });
+    ProcessDrawing(path_);
+    auto db = ReadDrawing(path_);
+    int lines = 0;
+    std::vector<AcDbExtents> polylines;
+    for (const AcDbObjectId& id : ModelSpaceIds(*db)) {
+        AcDbEntity* entity = nullptr;
+        acdbOpenAcDbEntity(entity, id, AcDb::kForRead);
+        AcDbExtents box;
+        entity->getGeomExtents(box);
+        bool inPart = box.minPoint().x > 45 && box.maxPoint().x < 65 && box.minPoint().y > 45 && box.maxPoint().y < 65;
+        if (inPart && AcDbLine::cast(entity)) ++lines;
+        if (inPart && AcDbPolyline::cast(entity)) polylines.push_back(box);
+        entity->close();
+    }
+    EXPECT_EQ(lines, 0);
+    ASSERT_EQ(polylines.size(), 1u);
+    // The square of side 10 made from the four sides and offset by 1 to the inside.
+    EXPECT_NEAR(polylines[0].minPoint().x, 51.0, 1e-9);
+    EXPECT_NEAR(polylines[0].maxPoint().y, 59.0, 1e-9);
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "platform/db/database.hpp"
 
+#include <algorithm>
+
 #include "platform/db/block_table_record.hpp"
 #include "platform/db/dictionary.hpp"
 #include "platform/db/entity.hpp"
@@ -21,6 +23,7 @@ AcDbDatabase::~AcDbDatabase() {
 void AcDbDatabase::discardContents() {
     m_stubs.clear();
     m_byHandle.clear();
+    m_maxHandle = 0;
     m_added = 0;
     m_handseed = AcDbHandle(1);
     for (AcDbObjectId& table : m_tables) table = AcDbObjectId::kNull;
@@ -35,11 +38,20 @@ void AcDbDatabase::discardContents() {
 
 // ---- Objects ----
 
+namespace {
+std::uint64_t LargestHandle(const std::unordered_map<std::uint64_t, AcDbStub*>& byHandle) {
+    std::uint64_t largest = 0;
+    for (const auto& entry : byHandle) largest = std::max(largest, entry.first);
+    return largest;
+}
+}  // namespace
+
 AcDbStub& AcDbDatabase::newStub(AcDbHandle handle) {
     AcDbStub& stub = m_stubs.emplace_back();
     stub.database = this;
     stub.handle = handle;
     m_byHandle[handle.value()] = &stub;
+    m_maxHandle = std::max(m_maxHandle, handle.value());
     if (handle.value() >= m_handseed.value()) m_handseed = AcDbHandle(handle.value() + 1);
     return stub;
 }
@@ -74,9 +86,12 @@ Acad::ErrorStatus AcDbDatabase::moveToHandle(AcDbObjectId id, AcDbHandle handle)
     if (stub == nullptr || stub->database != this || stub->object == nullptr) return Acad::eNullObjectId;
     if (handle.isNull()) return Acad::eNullHandle;
     if (m_byHandle.count(handle.value()) != 0) return Acad::eHandleInUse;
-    m_byHandle.erase(stub->handle.value());
+    const std::uint64_t old = stub->handle.value();
+    m_byHandle.erase(old);
     stub->handle = handle;
     m_byHandle[handle.value()] = stub;
+    if (old == m_maxHandle) m_maxHandle = LargestHandle(m_byHandle);
+    m_maxHandle = std::max(m_maxHandle, handle.value());
     if (handle.value() >= m_handseed.value()) m_handseed = AcDbHandle(handle.value() + 1);
     return Acad::eOk;
 }
@@ -95,9 +110,9 @@ Acad::ErrorStatus AcDbDatabase::getAcDbObjectId(AcDbObjectId& id, bool createIfN
 }
 
 void AcDbDatabase::setHandseed(AcDbHandle seed) {
-    // Never below a handle in use: new objects must not collide with read ones.
-    for (const auto& [value, stub] : m_byHandle)
-        if (value >= seed.value()) seed = AcDbHandle(value + 1);
+    // Never below a handle in use: new objects must not collide with read ones. The largest
+    // handle in use is kept as objects come, since writers raise the seed once per new handle.
+    if (!m_byHandle.empty() && m_maxHandle >= seed.value()) seed = AcDbHandle(m_maxHandle + 1);
     m_handseed = seed;
 }
 

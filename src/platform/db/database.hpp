@@ -169,6 +169,7 @@ private:
 
     std::deque<AcDbStub> m_stubs;
     std::unordered_map<std::uint64_t, AcDbStub*> m_byHandle;
+    std::uint64_t m_maxHandle = 0;  // largest key of m_byHandle
     std::uint64_t m_added = 0;  // objects added so far, for AcDbStub::added
     AcDbHandle m_handseed{1};
     AcDbObjectId m_tables[kTableCount];

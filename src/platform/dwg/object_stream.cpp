@@ -28,8 +28,9 @@ bool OpenObject(std::span<const std::uint8_t> objects, std::int64_t offset, Vers
     BitReader head(objects.subspan(start), version, codePage);
     out.size = head.MS();
     std::uint64_t handleBits = 0;
-    const std::size_t sizeBytes = head.bytePosition();
+    // 2010 on, the size of the handle stream follows; the object's size counts after it.
     if (version >= Version::kR2010) handleBits = head.UMC();
+    const std::size_t sizeBytes = head.bytePosition();
     const std::size_t dataStart = start + sizeBytes;
     if (head.failed() || out.size > objects.size() - dataStart ||
         objects.size() - dataStart - out.size < 2) {
@@ -44,7 +45,6 @@ bool OpenObject(std::span<const std::uint8_t> objects, std::int64_t offset, Vers
         return false;
     }
     out.data = BitReader(bytes, version, codePage);
-    if (version >= Version::kR2010) out.data.seekBit(head.bytePosition() * 8 - sizeBytes * 8);
     out.type = out.data.OT();
     out.dataEnd = out.size * 8;
     if (version >= Version::kR2010) {

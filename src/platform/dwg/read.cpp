@@ -4,6 +4,7 @@
 #include <cstring>
 #include <utility>
 
+#include "platform/dwg/container.hpp"
 #include "platform/dxf/dxf.hpp"
 #include "platform/win/codepage.hpp"
 
@@ -30,13 +31,6 @@ void KeepFileVersion(AcDbDatabase& db, Version version) {
         tags = AcDbRawTags();
         tags.push_back(1, dxf::VersionName(DatabaseVersion(version)));
     }
-}
-
-// The sections of the file, from its container. The container reader is being written
-// beside this one; until it is here a DWG file is refused with that reason.
-bool LocateSections(std::span<const std::uint8_t>, Version, DwgSections&, MapError& error) {
-    error = {0, "the DWG file container is not read yet"};
-    return false;
 }
 
 }  // namespace
@@ -97,12 +91,10 @@ Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::span<const std::uint8_t> f
                                      std::string(file.begin(), file.begin() + std::min<std::size_t>(6, file.size())) +
                                      "\")");
     }
-    DwgSections sections;
+    DwgContainer container;
     MapError error;
-    if (!LocateSections(file, version, sections, error)) {
-        return Fail(db, name, error.offset, error.reason);
-    }
-    return ReadDwgSections(db, sections, name);
+    if (!ReadDwgContainer(file, container, error)) return Fail(db, name, error.offset, error.reason);
+    return ReadDwgSections(db, SectionsOf(container, file), name);
 }
 
 }  // namespace dwg

@@ -376,3 +376,31 @@ TEST(WorkingDatabase, is_set_and_cleared_when_the_database_goes) {
 }
 
 }  // namespace
+
+TEST(Handles, seed_is_never_set_below_a_handle_in_use) {
+    AcDbDatabase db;
+    AcDbObjectId id = append(db, new AcDbLine(AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0)));
+    const std::uint64_t largest = db.handseed().value() - 1;
+    db.setHandseed(AcDbHandle(1));
+    EXPECT_EQ(db.handseed().value(), largest + 1);
+    db.setHandseed(AcDbHandle(largest + 10));
+    EXPECT_EQ(db.handseed().value(), largest + 10);
+    EXPECT_EQ(id.handle().value(), largest);
+}
+
+TEST(Handles, seed_follows_the_largest_handle_after_it_moved_down) {
+    AcDbDatabase db;
+    AcDbObjectId first = append(db, new AcDbLine(AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0)));
+    db.setHandseed(AcDbHandle(0x1000));
+    AcDbObjectId moved = append(db, new AcDbLine(AcGePoint3d(0, 0, 0), AcGePoint3d(2, 0, 0)));
+    ASSERT_EQ(moved.handle().value(), 0x1000u);
+    ASSERT_EQ(db.moveToHandle(moved, AcDbHandle(first.handle().value() + 1)), Acad::eOk);
+    db.setHandseed(AcDbHandle(1));
+    EXPECT_EQ(db.handseed().value(), first.handle().value() + 2);
+}
+
+TEST(Handles, an_empty_database_keeps_the_seed_it_is_given) {
+    AcDbDatabase db(false);
+    db.setHandseed(AcDbHandle(0x20));
+    EXPECT_EQ(db.handseed().value(), 0x20u);
+}

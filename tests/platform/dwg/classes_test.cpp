@@ -100,7 +100,7 @@ TEST(DwgClasses, corpus_2000_and_r14_drawings_name_their_classes) {
         const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath(name));
         std::vector<dwg::ClassRecord> classes;
         dwg::MapError error;
-        ASSERT_TRUE(dwg::ParseClasses(dwg_test::LocatedSection(file, 1), version, 1252, classes,
+        ASSERT_TRUE(dwg::ParseClasses(dwg_test::FileSection(file, dwg::kClassesSection), version, 1252, classes,
                                       error))
             << error.reason;
         ASSERT_GT(classes.size(), 5u);

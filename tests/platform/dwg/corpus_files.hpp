@@ -1,13 +1,16 @@
 #pragma once
 // Drawings of the shared corpus for the DWG tests, and the sections of an uncompressed file
-// (R13 to 2000), whose section locators sit in the file header.
+// (R13 to 2000), which are byte ranges of the file.
 #include <cstdint>
 #include <cstring>
 #include <fstream>
 #include <iterator>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
+
+#include "platform/dwg/container.hpp"
 
 namespace dwg_test {
 
@@ -20,19 +23,24 @@ inline std::vector<std::uint8_t> ReadFileBytes(const std::string& path) {
     return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
-// The bytes of locator record `number` (0 header, 1 classes, 2 object map) of an R13-2000 file.
-inline std::span<const std::uint8_t> LocatedSection(const std::vector<std::uint8_t>& file,
-                                                    unsigned number) {
-    std::uint32_t count;
-    std::memcpy(&count, file.data() + 0x15, 4);
-    for (std::uint32_t i = 0; i < count; ++i) {
-        const std::uint8_t* rec = file.data() + 0x19 + 9 * i;
-        std::uint32_t seek, size;
-        std::memcpy(&seek, rec + 1, 4);
-        std::memcpy(&size, rec + 5, 4);
-        if (rec[0] == number) return std::span<const std::uint8_t>(file).subspan(seek, size);
-    }
-    return {};
+// A section of an R13-2000 drawing as the file container finds it: a byte range of the file.
+// Empty when the container does not read or the file is a paged (2004 and later) one.
+inline std::span<const std::uint8_t> FileSection(const std::vector<std::uint8_t>& file,
+                                                 std::string_view name) {
+    dwg::DwgContainer container;
+    dwg::MapError error;
+    if (!dwg::ReadDwgContainer(file, container, error) || container.version > dwg::Version::kR2000)
+        return {};
+    return dwg::FindSection(container, name);
+}
+
+// The sections of an R13-2000 drawing the decoders take, all within the file.
+inline dwg::DwgSections FileSections(const std::vector<std::uint8_t>& file) {
+    dwg::DwgContainer container;
+    dwg::MapError error;
+    if (!dwg::ReadDwgContainer(file, container, error) || container.version > dwg::Version::kR2000)
+        return {};
+    return dwg::SectionsOf(container, file);
 }
 
 }  // namespace dwg_test

@@ -15,23 +15,11 @@
 
 namespace {
 
-dwg::DwgSections UncompressedSections(const std::vector<std::uint8_t>& file, dwg::Version v) {
-    dwg::DwgSections s;
-    s.version = v;
-    s.maintenance = file[0x0B];
-    s.codePage = dwg::WindowsCodePage(file[0x13] | (file[0x14] << 8));
-    s.header = dwg_test::LocatedSection(file, 0);
-    s.classes = dwg_test::LocatedSection(file, 1);
-    s.objectMap = dwg_test::LocatedSection(file, 2);
-    s.objects = file;
-    return s;
-}
-
 TEST(DwgDrawing, example_2000_gives_dxf_text_the_dxf_reader_takes) {
     const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_2000.dwg"));
     std::string text;
     dwg::MapError error;
-    ASSERT_TRUE(dwg::DwgToDxfText(UncompressedSections(file, dwg::Version::kR2000), text, error))
+    ASSERT_TRUE(dwg::DwgToDxfText(dwg_test::FileSections(file), text, error))
         << error.reason << " at " << error.offset;
     std::ofstream("/work/tmp/dwgo/example_2000.from_dwg.dxf") << text;
     AcDbDatabase db(false, true);
@@ -50,7 +38,7 @@ TEST(DwgDrawing, example_2000_equals_its_dxf_twin_object_by_object) {
     std::string text;
     dwg::MapError error;
     AcDbDatabase fromDwg(false, true), fromDxf(false, true);
-    ASSERT_EQ(dwg::ReadDwgSections(fromDwg, UncompressedSections(file, dwg::Version::kR2000),
+    ASSERT_EQ(dwg::ReadDwgSections(fromDwg, dwg_test::FileSections(file),
                                    "example_2000.dwg"),
               Acad::eOk);
     EXPECT_EQ(fromDwg.originalFileVersion(), AcDb::kDHL_1015);
@@ -79,7 +67,7 @@ TEST(DwgDrawing, every_uncompressed_corpus_drawing_reads_into_a_database) {
         const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath(name));
         std::string text;
         dwg::MapError error;
-        ASSERT_TRUE(dwg::DwgToDxfText(UncompressedSections(file, version), text, error))
+        ASSERT_TRUE(dwg::DwgToDxfText(dwg_test::FileSections(file), text, error))
             << error.reason << " at " << error.offset;
         AcDbDatabase db(false, true);
         ASSERT_EQ(dxf::ReadDxfBytes(db, text, name), Acad::eOk) << Utf8FromWide(db.lastError());
@@ -104,7 +92,7 @@ std::string HeaderValue(const AcDbDatabase& db, const std::string& name) {
 TEST(DwgRead, the_database_keeps_the_file_version_and_code_page) {
     const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_r14.dwg"));
     AcDbDatabase db(false, true);
-    ASSERT_EQ(dwg::ReadDwgSections(db, UncompressedSections(file, dwg::Version::kR14), "r14.dwg"),
+    ASSERT_EQ(dwg::ReadDwgSections(db, dwg_test::FileSections(file), "r14.dwg"),
               Acad::eOk);
     EXPECT_EQ(db.originalFileVersion(), AcDb::kDHL_1014);
     EXPECT_EQ(HeaderValue(db, "$ACADVER"), "AC1014");
@@ -118,11 +106,11 @@ TEST(DwgRead, a_damaged_object_leaves_the_database_empty_and_names_offset_and_re
     auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_2000.dwg"));
     std::vector<dwg::ObjectLocation> map;
     dwg::MapError error;
-    ASSERT_TRUE(dwg::ParseObjectMap(dwg_test::LocatedSection(file, 2), map, error));
+    ASSERT_TRUE(dwg::ParseObjectMap(dwg_test::FileSection(file, dwg::kHandlesSection), map, error));
     const auto offset = static_cast<std::size_t>(map[map.size() / 2].offset);
     file[offset + 4] ^= 0x5A;
     AcDbDatabase db(true, true);
-    EXPECT_EQ(dwg::ReadDwgSections(db, UncompressedSections(file, dwg::Version::kR2000), "bad.dwg"),
+    EXPECT_EQ(dwg::ReadDwgSections(db, dwg_test::FileSections(file), "bad.dwg"),
               Acad::eDwgNeedsRecovery);
     const std::string message = Utf8FromWide(db.lastError());
     EXPECT_EQ(message, "bad.dwg: offset " + std::to_string(offset) + ": object CRC mismatch")
@@ -133,7 +121,7 @@ TEST(DwgRead, a_damaged_object_leaves_the_database_empty_and_names_offset_and_re
 
 TEST(DwgRead, a_damaged_header_section_is_named_in_the_reason) {
     auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_2000.dwg"));
-    auto sections = UncompressedSections(file, dwg::Version::kR2000);
+    auto sections = dwg_test::FileSections(file);
     std::vector<std::uint8_t> header(sections.header.begin(), sections.header.end());
     header[40] ^= 1;
     sections.header = header;

@@ -56,7 +56,7 @@ bool ReplaceInObject(Bytes& file, std::int64_t offset, const std::string& from, 
 std::int64_t OffsetOf(const Bytes& file, std::uint64_t handle) {
     std::vector<dwg::ObjectLocation> map;
     dwg::MapError error;
-    dwg::ParseObjectMap(dwg_test::LocatedSection(file, 2), map, error);
+    dwg::ParseObjectMap(dwg_test::FileSection(file, dwg::kHandlesSection), map, error);
     for (const auto& loc : map) {
         if (loc.handle == handle) return loc.offset;
     }
@@ -80,15 +80,10 @@ TEST(DwgGbk, chinese_layer_names_texts_and_tags_read_intact) {
     ASSERT_TRUE(ReplaceInObject(file, OffsetOf(file, 0x17B), "teksto simpla",
                                 "\xD6\xD0\xCE\xC4\xCE\xC4\xD7\xD6\xB2\xE2\xCA\xD4\x21"));
     ASSERT_TRUE(ReplaceInObject(file, OffsetOf(file, 0x192), "ETIKEDO", "\xB1\xEA\xC7\xA9TAG"));
-    file[0x13] = 39;  // ANSI_936
+    dwg::DwgSections sections = dwg_test::FileSections(file);
+    file[0x13] = 39;  // ANSI_936, set after the container has checked the file header's CRC
     file[0x14] = 0;
-    dwg::DwgSections sections;
-    sections.version = dwg::Version::kR2000;
     sections.codePage = dwg::WindowsCodePage(file[0x13]);
-    sections.header = dwg_test::LocatedSection(file, 0);
-    sections.classes = dwg_test::LocatedSection(file, 1);
-    sections.objectMap = dwg_test::LocatedSection(file, 2);
-    sections.objects = file;
     EXPECT_EQ(sections.codePage, 936);
     AcDbDatabase db(false, true);
     ASSERT_EQ(dwg::ReadDwgSections(db, sections, "gbk.dwg"), Acad::eOk) << Utf8FromWide(db.lastError());

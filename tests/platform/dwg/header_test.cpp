@@ -48,7 +48,7 @@ dwg::HeaderVariables ReadCorpusHeader(const std::string& name, dwg::Version vers
     const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath(name));
     dwg::HeaderVariables vars;
     dwg::MapError error;
-    EXPECT_TRUE(dwg::ParseHeader(dwg_test::LocatedSection(file, 0), version, file[0x0B], 1252,
+    EXPECT_TRUE(dwg::ParseHeader(dwg_test::FileSection(file, dwg::kHeaderSection), version, file[0x0B], 1252,
                                  vars, error))
         << error.reason << " at " << error.offset;
     return vars;
@@ -63,7 +63,7 @@ TEST(DwgHeader, variables_of_a_2000_drawing_are_those_of_its_dxf_twin) {
     const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_2000.dwg"));
     std::vector<dwg::ObjectLocation> map;
     dwg::MapError error;
-    ASSERT_TRUE(dwg::ParseObjectMap(dwg_test::LocatedSection(file, 2), map, error));
+    ASSERT_TRUE(dwg::ParseObjectMap(dwg_test::FileSection(file, dwg::kHandlesSection), map, error));
     for (const auto& loc : map) ASSERT_LT(loc.handle, vars.handseed);
     EXPECT_LE(vars.handseed, std::stoull(DxfValue(dxf, "$HANDSEED", 5), nullptr, 16));
     EXPECT_EQ(vars.handseed, 0xBE7u);
@@ -142,7 +142,7 @@ namespace {
 
 std::vector<std::uint8_t> CorpusHeaderSection() {
     const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_2000.dwg"));
-    const auto section = dwg_test::LocatedSection(file, 0);
+    const auto section = dwg_test::FileSection(file, dwg::kHeaderSection);
     return {section.begin(), section.end()};
 }
 

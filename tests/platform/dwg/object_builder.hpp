@@ -72,7 +72,7 @@ inline std::vector<std::uint8_t> BuildObject(const ObjectParts& p) {
     if (p.version >= Version::kR2010) {
         BitWriter umc;
         umc.UMC(handleBits);
-        head.MS(static_cast<std::uint32_t>(body.bytes.size() + umc.bytes.size()));
+        head.MS(static_cast<std::uint32_t>(body.bytes.size()));  // counted after the UMC
         AppendBits(head, umc);
     } else {
         head.MS(static_cast<std::uint32_t>(body.bytes.size()));

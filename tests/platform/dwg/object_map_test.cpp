@@ -119,7 +119,7 @@ TEST(DwgObjectMap, every_object_of_a_2000_drawing_frames_with_its_own_handle) {
         ASSERT_FALSE(file.empty());
         std::vector<ObjectLocation> map;
         dwg::MapError error;
-        ASSERT_TRUE(dwg::ParseObjectMap(dwg_test::LocatedSection(file, 2), map, error))
+        ASSERT_TRUE(dwg::ParseObjectMap(dwg_test::FileSection(file, dwg::kHandlesSection), map, error))
             << error.reason << " at " << error.offset;
         ASSERT_GT(map.size(), 50u);
         std::map<int, int> types;

@@ -44,11 +44,11 @@ std::vector<std::string> OwnEntities(const std::string& path, dwg::Version versi
     std::vector<dwg::ClassRecord> classes;
     dwg::MapError error;
     std::vector<std::string> lines;
-    if (!dwg::ParseClasses(dwg_test::LocatedSection(file, 1), version, 1252, classes, error)) {
+    if (!dwg::ParseClasses(dwg_test::FileSection(file, dwg::kClassesSection), version, 1252, classes, error)) {
         return lines;
     }
     std::vector<dwg::ObjectLocation> map;
-    if (!dwg::ParseObjectMap(dwg_test::LocatedSection(file, 2), map, error)) return lines;
+    if (!dwg::ParseObjectMap(dwg_test::FileSection(file, dwg::kHandlesSection), map, error)) return lines;
     for (const auto& loc : map) {
         dwg::ObjectStreams o;
         if (!dwg::OpenObject(file, loc.offset, version, 1252, o, error)) continue;
@@ -73,14 +73,7 @@ std::vector<std::string> OwnEntities(const std::string& path, dwg::Version versi
 // The model-space entities of the database read from the file, as "TYPE HANDLE".
 std::vector<std::string> DatabaseEntities(const std::string& path, dwg::Version version) {
     const auto file = dwg_test::ReadFileBytes(path);
-    dwg::DwgSections sections;
-    sections.version = version;
-    sections.maintenance = file[0x0B];
-    sections.codePage = dwg::WindowsCodePage(file[0x13] | (file[0x14] << 8));
-    sections.header = dwg_test::LocatedSection(file, 0);
-    sections.classes = dwg_test::LocatedSection(file, 1);
-    sections.objectMap = dwg_test::LocatedSection(file, 2);
-    sections.objects = file;
+    const dwg::DwgSections sections = dwg_test::FileSections(file);
     AcDbDatabase db(false, true);
     std::vector<std::string> lines;
     if (dwg::ReadDwgSections(db, sections, path) != Acad::eOk) return lines;

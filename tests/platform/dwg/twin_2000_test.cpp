@@ -38,7 +38,7 @@ using Visit = std::function<void(dwg::ObjectStreams&)>;
 void ForEachObject(const std::vector<std::uint8_t>& file, dwg::Version version, const Visit& visit) {
     std::vector<dwg::ObjectLocation> map;
     dwg::MapError error;
-    ASSERT_TRUE(dwg::ParseObjectMap(dwg_test::LocatedSection(file, 2), map, error));
+    ASSERT_TRUE(dwg::ParseObjectMap(dwg_test::FileSection(file, dwg::kHandlesSection), map, error));
     for (const auto& loc : map) {
         dwg::ObjectStreams o;
         ASSERT_TRUE(dwg::OpenObject(file, loc.offset, version, 1252, o, error)) << error.reason;
@@ -348,7 +348,7 @@ TEST(DwgDecoders, known_kinds_decode_in_every_uncompressed_corpus_drawing) {
         const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath(name));
         std::vector<dwg::ClassRecord> classes;
         dwg::MapError error;
-        ASSERT_TRUE(dwg::ParseClasses(dwg_test::LocatedSection(file, 1), version, 1252, classes,
+        ASSERT_TRUE(dwg::ParseClasses(dwg_test::FileSection(file, dwg::kClassesSection), version, 1252, classes,
                                       error));
         std::set<std::uint64_t> handles;
         ForEachObject(file, version, [&](dwg::ObjectStreams& o) { handles.insert(o.handle); });

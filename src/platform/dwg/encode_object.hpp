@@ -1,0 +1,43 @@
+#pragma once
+// Writes objects of the object data: the mirror of OpenObject and the common readers. An object
+// is built as two streams, its values and its handle references, then framed as the file stores
+// it: its size, the values, the handles, and the CRC. Files of 2000 and 2004 are written (the
+// object layout the two share; 2007's string stream is not written).
+#include <cstdint>
+#include <vector>
+
+#include "platform/dwg/common.hpp"
+#include "platform/dwg/encode_bits.hpp"
+
+namespace dwg {
+
+// Handle reference codes a writer uses: references are written as absolute handles.
+enum HandleCode : std::uint8_t {
+    kSoftOwner = 2, kHardOwner = 3, kSoftPointer = 4, kHardPointer = 5
+};
+
+struct EncodeOptions {
+    Version version = Version::kR2004;
+    int codePage = 1252;
+};
+
+struct ObjectWriter {
+    std::uint64_t handle = 0;
+    std::size_t dataSizeAt = 0;  // bit of the values' size, written when the object ends
+    BitWriter data;
+    BitWriter handles;
+};
+
+// Starts an object of a type: its type, the place of its data size, and its handle.
+ObjectWriter BeginObject(std::int32_t type, std::uint64_t handle, Version version,
+                         int codePage);
+// Starts an entity: BeginObject and the common entity data.
+ObjectWriter BeginEntity(std::int32_t type, const EntityCommon& common,
+                         const EncodeOptions& options);
+void WriteHandle(ObjectWriter& o, std::uint8_t code, std::uint64_t handle);
+void WriteObjectCommon(ObjectWriter& o, const ObjectCommon& common);
+void WriteEntityCommon(ObjectWriter& o, const EntityCommon& common);
+// The object as the object data holds it: size (MS), values, handles, CRC.
+std::vector<std::uint8_t> FinishObject(ObjectWriter& o);
+
+}  // namespace dwg

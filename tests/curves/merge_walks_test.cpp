@@ -1,0 +1,110 @@
+// The indexed cluster walk of FunLineAndArcMerged against the plain one on random drawings:
+// the same entities, in the same order, with the same geometry and looks.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "curves/touch_clusters.hpp"
+#include "curves_fixture.hpp"
+#include "platform/db/arc.hpp"
+#include "platform/db/circle.hpp"
+#include "random_drawings.hpp"
+
+namespace {
+
+std::string Number(double v) {
+    char text[40];
+    std::snprintf(text, sizeof text, "%a", v);
+    return text;
+}
+
+std::string PointText(const AcGePoint3d& p) {
+    return Number(p.x) + "," + Number(p.y) + "," + Number(p.z);
+}
+
+class MergeWalks : public CurvesTest {
+protected:
+    void TearDown() override {
+        MergeClusterWalk = ClusterWalk::Indexed;
+        CurvesTest::TearDown();
+    }
+    // Each entity of the model space as a text of its class, geometry and looks.
+    std::vector<std::string> Snapshot() {
+        std::vector<std::string> entities;
+        for (const AcDbObjectId& id : ModelSpaceIds(Drawing())) {
+            Inspect(id, [&](AcDbEntity* e) {
+                std::string text = std::to_string(EntityTypeOf(e)) + " " + std::to_string(e->colorIndex()) +
+                                   " " + std::string(e->layer().begin(), e->layer().end()) + " " +
+                                   std::string(e->linetype().begin(), e->linetype().end()) + " " +
+                                   Number(e->linetypeScale());
+                if (auto* line = AcDbLine::cast(e))
+                    text += " " + PointText(line->startPoint()) + " " + PointText(line->endPoint());
+                if (auto* arc = AcDbArc::cast(e))
+                    text += " " + PointText(arc->center()) + " " + Number(arc->radius()) + " " +
+                            Number(arc->startAngle()) + " " + Number(arc->endAngle());
+                if (auto* circle = AcDbCircle::cast(e))
+                    text += " " + PointText(circle->center()) + " " + Number(circle->radius());
+                entities.push_back(text);
+            });
+        }
+        return entities;
+    }
+    void EraseAll() {
+        for (const AcDbObjectId& id : ModelSpaceIds(Drawing())) {
+            AcDbEntity* e = nullptr;
+            acdbOpenAcDbEntity(e, id, AcDb::kForWrite);
+            e->erase();
+            e->close();
+        }
+    }
+    std::vector<std::string> MergeRandomDrawing(ClusterWalk walk, unsigned seed, size_t& before) {
+        EraseAll();
+        random_drawings::AddLayersAndLinetypes(Drawing());
+        std::mt19937 rng(seed);
+        random_drawings::AddBrokenLines(Drawing(), rng, 400, 150.0);
+        random_drawings::AddArcPieces(Drawing(), rng, 200, 150.0);
+        before = ModelSpaceIds(Drawing()).length();
+        MergeClusterWalk = walk;
+        Cleanup().FunLineAndArcMerged();
+        return Snapshot();
+    }
+};
+
+TEST_F(MergeWalks, indexed_walk_merges_random_drawings_entity_by_entity_as_the_plain_walk) {
+    size_t merged = 0;
+    for (unsigned seed = 1; seed <= 12; ++seed) {
+        size_t before = 0;
+        std::vector<std::string> plain = MergeRandomDrawing(ClusterWalk::Plain, seed, before);
+        std::vector<std::string> indexed = MergeRandomDrawing(ClusterWalk::Indexed, seed, before);
+        ASSERT_EQ(plain.size(), indexed.size()) << "seed " << seed;
+        for (size_t i = 0; i < plain.size(); ++i)
+            ASSERT_EQ(plain[i], indexed[i]) << "seed " << seed << ", entity " << i;
+        merged += before - plain.size();
+    }
+    EXPECT_GT(merged, 500u);  // the drawings do merge: the comparison is not of untouched pieces
+}
+
+TEST_F(MergeWalks, walks_build_the_same_clusters_of_arbitrary_records) {
+    std::mt19937 rng(7);
+    std::vector<PlaneBox> reach;
+    std::vector<AcGePoint3d> centres;
+    for (int i = 0; i < 500; ++i) {
+        AcGePoint3d c(random_drawings::Uniform(rng, 0, 50), random_drawings::Uniform(rng, 0, 50), 0);
+        double r = random_drawings::Pick(rng, 20) == 0 ? 30.0 : random_drawings::Uniform(rng, 0.1, 2.0);
+        centres.push_back(c);
+        reach.push_back({c.x - r, c.y - r, c.x + r, c.y + r});
+    }
+    auto joins = [&](int c, int w) {
+        return reach[c].minX <= reach[w].maxX && reach[w].minX <= reach[c].maxX &&
+               reach[c].minY <= reach[w].maxY && reach[w].minY <= reach[c].maxY &&
+               centres[c].distanceTo(centres[w]) < 2.5;
+    };
+    auto plain = WalkClusters(500, joins, reach, ClusterWalk::Plain);
+    auto indexed = WalkClusters(500, joins, reach, ClusterWalk::Indexed);
+    EXPECT_EQ(plain, indexed);
+    EXPECT_LT(plain.size(), 500u);
+}
+
+}  // namespace
