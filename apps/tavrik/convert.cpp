@@ -16,7 +16,9 @@ namespace {
 int Usage() {
     std::fprintf(stderr,
                  "usage: tavrik convert [--keep-version] [--version AC10xx] [--codepage 936|65001] "
-                 "IN OUT\n  OUT must end in .dxf\n");
+                 "IN OUT\n  OUT must end in .dxf\n"
+                 "  Objects of a DWG whose kind is not decoded cannot be written as DXF: they are\n"
+                 "  left out, and their kinds and counts are said on standard error.\n");
     return kExitUsage;
 }
 
@@ -25,6 +27,16 @@ bool EndsWithDxf(const std::string& path) {
     std::string ext = path.substr(path.size() - 4);
     for (auto& c : ext) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     return ext == ".dxf";
+}
+
+// The objects read from DWG that the DXF could not hold, one line for all: "3DSOLID 1, REGION 2".
+void SayLeftOut(const AcDbDatabase& db, const std::string& out) {
+    const auto left = dxf::LeftOutOfDxf(db);
+    if (left.empty()) return;
+    std::string list;
+    for (const auto& [type, count] : left) list += (list.empty() ? "" : ", ") + type + " " + std::to_string(count);
+    std::fprintf(stderr, "tavrik convert: %s: left out, kinds read from DWG that are not decoded: %s\n",
+                 out.c_str(), list.c_str());
 }
 
 }  // namespace
@@ -74,5 +86,6 @@ int RunConvert(int argc, char** argv) {
         std::fprintf(stderr, "tavrik convert: %s (status %d)\n", dxf::Utf8(db.lastError()).c_str(), es);
         return kExitFailure;
     }
+    SayLeftOut(db, out);
     return kExitOk;
 }
