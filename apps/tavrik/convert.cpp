@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/db/database.hpp"
+#include "platform/dwg/write.hpp"
 #include "platform/dxf/dxf.hpp"
 #include "platform/dxf/model.hpp"
 #include "platform/win/codepage.hpp"
@@ -16,27 +17,33 @@ namespace {
 int Usage() {
     std::fprintf(stderr,
                  "usage: tavrik convert [--keep-version] [--version AC10xx] [--codepage 936|65001] "
-                 "IN OUT\n  OUT must end in .dxf\n"
-                 "  Objects of a DWG whose kind is not decoded cannot be written as DXF: they are\n"
-                 "  left out, and their kinds and counts are said on standard error.\n");
+                 "IN OUT\n  OUT ends in .dxf (ASCII DXF) or .dwg (AC1018 DWG; --version and\n"
+                 "  --keep-version apply to DXF only). What a target cannot hold is left out\n"
+                 "  and said on standard error, a line per record type.\n");
     return kExitUsage;
 }
 
-bool EndsWithDxf(const std::string& path) {
+bool EndsWith(const std::string& path, const char* extension) {
     if (path.size() < 4) return false;
     std::string ext = path.substr(path.size() - 4);
     for (auto& c : ext) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return ext == ".dxf";
+    return ext == extension;
 }
 
-// The objects read from DWG that the DXF could not hold, one line for all: "3DSOLID 1, REGION 2".
-void SayLeftOut(const AcDbDatabase& db, const std::string& out) {
-    const auto left = dxf::LeftOutOfDxf(db);
-    if (left.empty()) return;
-    std::string list;
-    for (const auto& [type, count] : left) list += (list.empty() ? "" : ", ") + type + " " + std::to_string(count);
-    std::fprintf(stderr, "tavrik convert: %s: left out, kinds read from DWG that are not decoded: %s\n",
-                 out.c_str(), list.c_str());
+// Says what a DWG save had to leave out, one line per record type.
+void ReportLeftOut(const std::string& out, const dwg::DwgWriteReport& report) {
+    for (const auto& [type, count] : report.leftOut) {
+        std::fprintf(stderr, "tavrik convert: %s: %d %s record(s) not written (no DWG encoder)\n",
+                     out.c_str(), count, type.c_str());
+    }
+}
+
+// Says what a DXF save had to leave out: objects read from DWG of kinds that are not decoded.
+void ReportLeftOutOfDxf(const AcDbDatabase& db, const std::string& out) {
+    for (const auto& [type, count] : dxf::LeftOutOfDxf(db)) {
+        std::fprintf(stderr, "tavrik convert: %s: %d %s record(s) not written (read from DWG, not decoded)\n",
+                     out.c_str(), count, type.c_str());
+    }
 }
 
 }  // namespace
@@ -67,8 +74,9 @@ int RunConvert(int argc, char** argv) {
         }
     }
     if (in.empty() || out.empty()) return Usage();
-    if (!EndsWithDxf(out)) {
-        std::fprintf(stderr, "tavrik convert: %s: only .dxf targets can be written\n", out.c_str());
+    const bool dwgTarget = EndsWith(out, ".dwg");
+    if (!EndsWith(out, ".dxf") && !dwgTarget) {
+        std::fprintf(stderr, "tavrik convert: %s: only .dxf and .dwg targets can be written\n", out.c_str());
         return kExitFailure;
     }
     // Paths on the command line are the user's: relative ones hang from the working directory.
@@ -81,11 +89,14 @@ int RunConvert(int argc, char** argv) {
         std::fprintf(stderr, "tavrik convert: %s (status %d)\n", dxf::Utf8(db.lastError()).c_str(), es);
         return kExitFailure;
     }
-    es = dxf::WriteDxfFile(db, out, options);
+    dwg::DwgWriteReport report;
+    es = dwgTarget ? dwg::WriteDwgFile(db, out, options.codePage, report)
+                   : dxf::WriteDxfFile(db, out, options);
+    ReportLeftOut(out, report);
     if (es != Acad::eOk) {
         std::fprintf(stderr, "tavrik convert: %s (status %d)\n", dxf::Utf8(db.lastError()).c_str(), es);
         return kExitFailure;
     }
-    SayLeftOut(db, out);
+    if (!dwgTarget) ReportLeftOutOfDxf(db, out);
     return kExitOk;
 }
