@@ -338,7 +338,6 @@ void Drawing::writeObjects() {
 }
 
 void Drawing::takeKept(std::vector<KeptData>& kept) {
-    kept.clear();
     for (Item& item : items) {
         auto* whole = std::get_if<KeptObject>(item.decoded.get());
         if (whole == nullptr || IsControl(item.type) || IsTableRecord(item.type)) continue;

@@ -35,8 +35,8 @@ struct KeptData {
 };
 
 // False with the offset (in the section named by the reason) and the reason when a section
-// does not decode. `kept` gets the objects whose records are their head only (symbol table
-// records and control objects are written whole and are not among them).
+// does not decode. The objects whose records are their head only are appended to `kept`
+// (symbol table records and control objects are written whole and are not among them).
 bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<KeptData>& kept,
                   MapError& error);
 
