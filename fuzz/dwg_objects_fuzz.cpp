@@ -60,7 +60,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::vector<dwg::ObjectLocation> map;
     dwg::ParseObjectMap(body, map, error);
     std::vector<dwg::ClassRecord> classes;
-    dwg::ParseClasses(body, version, 936, classes, error);
+    dwg::ParseClasses(body, version, 0, 936, classes, error);
     dwg::HeaderVariables header;
     dwg::ParseHeader(HeaderSection(body), version, 0, 936, header, error);
     return 0;
