@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <map>
 #include <thread>
 
 #include "platform/db/block_reference.hpp"
@@ -948,10 +949,16 @@ void Writer::entity(const AcDbEntity& e) {
     }
 }
 
+// An object read from DWG that the database keeps whole has no complete DXF record.
+bool KeptFromDwg(const AcDbDatabase& db, const AcDbObject& o) {
+    const auto& kept = db.dwgKeptObjects();
+    return !kept.empty() && kept.count(o.getHandle().value()) != 0;
+}
+
 void Writer::entityBatch(const AcDbObjectIdArray& ids, size_t begin, size_t end) {
     for (size_t i = begin; i < end; ++i) {
         auto* e = AcDbEntity::cast(ObjectOf(ids[static_cast<int>(i)]));
-        if (e && !e->isErased()) entity(*e);
+        if (e && !e->isErased() && !KeptFromDwg(m_db, *e)) entity(*e);
     }
 }
 
@@ -1033,7 +1040,7 @@ void Writer::objects() {
     for (const auto& stub : m_db.stubs()) {
         AcDbObject* o = stub.object.get();
         if (!o || o == root || o->isErased() || AcDbEntity::cast(o) || AcDbSymbolTable::cast(o) ||
-            AcDbSymbolTableRecord::cast(o))
+            AcDbSymbolTableRecord::cast(o) || KeptFromDwg(m_db, *o))
             continue;
         others.push_back(&stub);
     }
@@ -1077,6 +1084,17 @@ bool Writer::write() {
 }
 
 }  // namespace
+
+std::map<std::string, int> LeftOutOfDxf(const AcDbDatabase& db) {
+    std::map<std::string, int> left;
+    const auto& kept = db.dwgKeptObjects();
+    if (kept.empty()) return left;
+    for (const auto& stub : db.stubs()) {
+        if (!stub.object || stub.object->isErased()) continue;
+        if (const auto it = kept.find(stub.handle.value()); it != kept.end()) ++left[it->second.typeName];
+    }
+    return left;
+}
 
 Acad::ErrorStatus WriteDxfText(AcDbDatabase& db, const WriteOptions& options, std::string& out) {
     out.clear();
