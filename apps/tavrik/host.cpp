@@ -25,7 +25,9 @@
 #include "platform/win/codepage.hpp"
 #include "platform/win/host_state.hpp"
 #include "platform/win/messages.hpp"
+#include "platform/win/paths.hpp"
 #include "platform/win/prefix.hpp"
+#include "platform/win/temporaries.hpp"
 #include "platform/win/text.hpp"
 #include "platform/win/whole_file.hpp"
 #include "run_guard.hpp"
@@ -230,6 +232,8 @@ int RunHost(int argc, char** argv) {
         std::fprintf(stderr, "tavrik: %s\n", error.c_str());
         return kExitFailure;
     }
+    // Holding the lock, no other run saves in the prefix: a temporary of a save is a killed run's.
+    RemoveStaleTemporariesBelow(DriveFolder(L'C').parent_path());
     if (options.timeoutSeconds) StartDeadline(options.timeoutSeconds);
     HandOffTarget handOff = ReadHandOffTarget();
     source.terminal = !source.fromScript && ::isatty(STDIN_FILENO);
