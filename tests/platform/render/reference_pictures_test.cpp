@@ -58,6 +58,6 @@ TEST_P(ReferencePicture, matches_reference_within_half_a_percent_of_pixels) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Scenes, ReferencePicture,
-                         testing::Values("curves", "texts", "blocks", "dimension", "hatches"));
+                         testing::Values("curves", "texts", "mtext_codes", "blocks", "dimension", "hatches"));
 
 }  // namespace
