@@ -228,12 +228,14 @@ int RunHost(int argc, char** argv) {
         std::fprintf(stderr, "tavrik: cannot read the script %s\n", error.c_str());
         return kExitUsage;
     }
-    if (!LockPrefix(options.prefix, error)) {
+    long interruptedRun = 0;
+    if (!LockPrefix(options.prefix, error, interruptedRun)) {
         std::fprintf(stderr, "tavrik: %s\n", error.c_str());
         return kExitFailure;
     }
     // Holding the lock, no other run saves in the prefix: a temporary of a save is a killed run's.
     RemoveStaleTemporariesBelow(DriveFolder(L'C').parent_path());
+    RestoreInterruptedHandOff(options.prefix, interruptedRun);
     if (options.timeoutSeconds) StartDeadline(options.timeoutSeconds);
     HandOffTarget handOff = ReadHandOffTarget();
     source.terminal = !source.fromScript && ::isatty(STDIN_FILENO);
@@ -254,5 +256,6 @@ int RunHost(int argc, char** argv) {
     acdbHostApplicationServices()->setWorkingDatabase(nullptr);
     delete drawing;
     ok = CheckMergedDrawing(handOff) && ok;
+    ReleasePrefix();
     return ok ? kExitOk : kExitFailure;
 }

@@ -165,6 +165,17 @@ std::vector<RecycledFile> ListRecycle(const fs::path& prefix) {
     return files;
 }
 
+std::vector<RecycledFile> LatestVersions(const std::vector<RecycledFile>& files) {
+    std::vector<RecycledFile> latest;
+    for (const RecycledFile& file : files) {
+        auto same = std::find_if(latest.begin(), latest.end(),
+                                 [&](const RecycledFile& kept) { return kept.original == file.original; });
+        if (same == latest.end()) latest.push_back(file);
+        else *same = file;  // the list runs from the oldest entry to the newest
+    }
+    return latest;
+}
+
 bool RestoreRecycled(const fs::path& prefix, const std::string& item, std::string& error) {
     for (const RecycledFile& file : ListRecycle(prefix)) {
         if (file.item != item) continue;
