@@ -23,6 +23,7 @@
 #include "platform/dxf/dxf.hpp"
 #include "platform/dxf/model.hpp"
 #include "platform/dxf/tagger.hpp"
+#include "platform/win/faults.hpp"
 #include "platform/win/temporaries.hpp"
 
 namespace dxf {
@@ -1115,6 +1116,7 @@ Acad::ErrorStatus WriteDxfFile(AcDbDatabase& db, const std::string& path, const 
     errno = 0;
     std::FILE* file = std::fopen(temp.c_str(), "wb");
     if (!file) return fail("cannot create " + temp);
+    KillPoint("save");
     // The text goes out in pieces: a large drawing is never held whole in memory.
     std::string buffer;
     bool written = Writer(db, options, buffer, file).write();
@@ -1123,6 +1125,7 @@ Acad::ErrorStatus WriteDxfFile(AcDbDatabase& db, const std::string& path, const 
         return fail("cannot write " + temp);
     }
     if (std::fclose(file) != 0) return fail("cannot write " + temp);
+    KillPoint("save written");
     if (std::rename(temp.c_str(), path.c_str()) != 0) return fail("cannot rename " + temp + " into place");
     db.setFilename(Wide(path));
     db.setLastError(L"");
