@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cwchar>
 #include <memory>
 #include <random>
 #include <string>
@@ -116,6 +117,10 @@ TEST_F(SplineToPline, division_layer_filter_and_colours_change_nothing) {
     }
     EXPECT_EQ(CleanupGlobals->splineToPline->EqualDivision, 1000);
     EXPECT_EQ(CleanupGlobals->splineToPline->colors.length(), 2);
+    // Read into the record all the same.
+    EXPECT_EQ(CleanupGlobals->splineToPline->StrFilterLayer, L"OTHER");
+    EXPECT_EQ(CleanupGlobals->splineToPline->dottedLinetype, L"DASHED");
+    EXPECT_EQ(CleanupGlobals->splineToPline->solidLinetype, L"Continuous");
 }
 
 TEST_F(SplineToPline, switch_off_in_the_file_runs_all_the_same) {
@@ -147,6 +152,35 @@ TEST_F(SplineToPline, complete_ellipse_stays_and_a_quarter_ellipse_becomes_a_pol
     ASSERT_GE(shape.vertices.size(), 2u);
     EXPECT_THAT(P(shape.vertices.front().point.x, shape.vertices.front().point.y, 0), IsNearPoint(P(26, 0, 0), 1e-9));
     EXPECT_THAT(P(shape.vertices.back().point.x, shape.vertices.back().point.y, 0), IsNearPoint(P(20, 3, 0), 1e-9));
+}
+
+TEST_F(SplineToPline, ellipse_is_complete_only_strictly_within_the_tolerance_in_degrees_of_0_or_360) {
+    struct Row {
+        const char* name;
+        double endAngle;  // the ellipse runs from 0: a span of 90 or 270 degrees exactly
+        double tolerance;
+        bool stays;
+    };
+    const double above90 = 90.0001;
+    const Row rows[] = {
+        {"90 degrees, t 90: not below t", 1.5707963267948966, 90.0, false},
+        {"90 degrees, t just above 90", 1.5707963267948966, above90, true},
+        {"270 degrees, t 90: not above 360 - t", 4.71238898038469, 90.0, false},
+        {"270 degrees, t just above 90", 4.71238898038469, above90, true},
+    };
+    for (const Row& row : rows) {
+        EraseAll();
+        wchar_t text[80];
+        std::swprintf(text, 80, L"[SplineToPline]\nTolerance=%.17g\n", row.tolerance);
+        WriteSections(text);
+        auto* ellipse = new AcDbEllipse(P(0, 0, 0), AcGeVector3d(0, 0, 1), AcGeVector3d(4, 0, 0), 1.0, 0.0, row.endAngle);
+        ASSERT_EQ(std::fabs(ellipse->startAngle() * 57.29577951308232 - ellipse->endAngle() * 57.29577951308232),
+                  row.endAngle == 1.5707963267948966 ? 90.0 : 270.0)
+            << row.name;
+        AcDbObjectId id = AddToDrawing(ellipse);
+        Run();
+        EXPECT_EQ(!IsGone(id), row.stays) << row.name;
+    }
 }
 
 TEST_F(SplineToPline, tolerance_0_segments_a_complete_ellipse_into_short_straight_pieces) {
