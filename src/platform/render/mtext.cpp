@@ -23,6 +23,12 @@ constexpr double kStackPartScale = 0.7;
 constexpr double kStackGap = 0.1;
 // Italic text leans by this many degrees more.
 constexpr double kItalicDegrees = 15.0;
+// A line's box reaches this far below its baseline and above it, in its heights (descenders,
+// stacks and overlines included).
+constexpr double kDescent = -0.35, kAscent = 1.25;
+// Texts are measured for their box at this many pixels to the text height, where the font's
+// metrics are those of a readable size.
+constexpr double kMeasureScale = 100.0;
 // Under-, over- and strike-through lines: their heights and thickness, in run heights.
 constexpr double kUnderline = -0.2, kOverline = 1.2, kStrike = 0.5, kRuleThickness = 0.06;
 
@@ -174,35 +180,74 @@ void DrawLine(Canvas& canvas, const LaidLine& line, double u, double v, const Rg
     }
 }
 
-}  // namespace
-
-void DrawMultiLine(Canvas& canvas, const AcDbMText& mtext, const BlockContext& context) {
+// The text's plane: along its direction, up across it, one unit its height.
+TextFrame FrameOf(const AcDbMText& mtext) {
     double height = mtext.textHeight() > 0 ? mtext.textHeight() : 2.5;
-    std::vector<Paragraph> paragraphs = ParseMText(mtext.contents(), height);
     AcGeVector3d direction = mtext.direction();
     if (direction.length() < 1e-12) direction = AcGeVector3d(1, 0, 0);
     direction = direction / direction.length();
     AcGeVector3d up = mtext.normal().crossProduct(direction);
     if (up.length() < 1e-12) up = AcGeVector3d(-direction.y, direction.x, 0);
-    TextFrame frame{mtext.location(), direction * height, up / up.length() * height};
-    if (!EnterFrame(canvas, context, frame)) return;
+    return {mtext.location(), direction * height, up / up.length() * height};
+}
+
+// The lines of a text laid out in the current frame: each line's runs and widths, its baseline
+// and where it starts, placed by the attachment point.
+struct TextLayout {
+    std::vector<Paragraph> paragraphs;
     std::vector<LaidLine> lines;
-    for (const Paragraph& paragraph : paragraphs) lines.push_back(LayOut(canvas, paragraph));
+    std::vector<double> baselines, starts;
+};
+
+void LayOutText(Canvas& canvas, const AcDbMText& mtext, TextLayout& layout) {
+    double height = mtext.textHeight() > 0 ? mtext.textHeight() : 2.5;
+    layout.paragraphs = ParseMText(mtext.contents(), height);
+    for (const Paragraph& paragraph : layout.paragraphs) layout.lines.push_back(LayOut(canvas, paragraph));
     // Baselines below the top: the first at its line's height, each next one a pitch of its own
     // height lower.
     double spacing = kLinePitch * (mtext.lineSpacingFactor() > 0 ? mtext.lineSpacingFactor() : 1.0);
-    std::vector<double> baselines{-lines.front().height};
-    for (size_t i = 1; i < lines.size(); ++i) baselines.push_back(baselines.back() - spacing * lines[i].height);
-    double block = -baselines.back();
+    layout.baselines.push_back(-layout.lines.front().height);
+    for (size_t i = 1; i < layout.lines.size(); ++i)
+        layout.baselines.push_back(layout.baselines.back() - spacing * layout.lines[i].height);
+    double block = -layout.baselines.back();
     int attachment = static_cast<int>(mtext.attachment());
     int row = (attachment - 1) / 3, column = (attachment - 1) % 3;
     double shift = row == 0 ? 0.0 : row == 1 ? block / 2 : block;
-    Rgb own = PenOf(canvas, mtext, context).color;
-    for (size_t i = 0; i < lines.size(); ++i) {
-        double u = column == 0 ? 0.0 : column == 1 ? -lines[i].width / 2 : -lines[i].width;
-        DrawLine(canvas, lines[i], u, baselines[i] + shift, own);
+    for (size_t i = 0; i < layout.lines.size(); ++i) {
+        double width = layout.lines[i].width;
+        layout.baselines[i] += shift;
+        layout.starts.push_back(column == 0 ? 0.0 : column == 1 ? -width / 2 : -width);
     }
+}
+
+}  // namespace
+
+void DrawMultiLine(Canvas& canvas, const AcDbMText& mtext, const BlockContext& context) {
+    if (!EnterFrame(canvas, context, FrameOf(mtext))) return;
+    TextLayout layout;
+    LayOutText(canvas, mtext, layout);
+    Rgb own = PenOf(canvas, mtext, context).color;
+    for (size_t i = 0; i < layout.lines.size(); ++i)
+        DrawLine(canvas, layout.lines[i], layout.starts[i], layout.baselines[i], own);
     cairo_restore(canvas.cr);
+}
+
+bool MTextExtents(Canvas& measure, const AcDbMText& mtext, AcDbExtents& box) {
+    TextFrame frame = FrameOf(mtext);
+    cairo_save(measure.cr);
+    cairo_identity_matrix(measure.cr);
+    cairo_scale(measure.cr, kMeasureScale, kMeasureScale);
+    cairo_set_font_size(measure.cr, 1.0 / measure.capHeightPerEm);
+    TextLayout layout;
+    LayOutText(measure, mtext, layout);
+    cairo_restore(measure.cr);
+    for (size_t i = 0; i < layout.lines.size(); ++i) {
+        double h = layout.lines[i].height, u = layout.starts[i], v = layout.baselines[i];
+        for (double du : {0.0, layout.lines[i].width})
+            for (double dv : {kDescent * h, kAscent * h})
+                box.addPoint(frame.anchor + frame.xAxis * (u + du) + frame.yAxis * (v + dv));
+    }
+    return true;
 }
 
 }  // namespace tavrik::render

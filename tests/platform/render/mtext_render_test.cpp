@@ -101,4 +101,20 @@ TEST(RenderMText, colour_code_paints_its_group_and_the_text_colour_returns_after
     EXPECT_FALSE(HasInk(picture, Column(70), Column(90), IsRed));
 }
 
+TEST(RenderMText, view_of_the_drawing_holds_a_text_as_its_format_codes_draw_it) {
+    fs::path dxf = TempDir() / "mtext_extents.dxf";
+    std::ofstream(dxf) << Dxf("", "0\nMTEXT\n8\n0\n10\n0\n20\n0\n40\n2\n71\n7\n1\n{\\H3x;MMMM}\n");
+    AcDbDatabase db(false, true);
+    ASSERT_EQ(dxf::ReadDxfFile(db, dxf.string()), Acad::eOk);
+    std::optional<render::Window> window = render::ModelExtents(db);
+    ASSERT_TRUE(window.has_value());
+    // Capitals of height 6 standing on the attachment point at the bottom left; four M's are
+    // wider than three heights.
+    EXPECT_NEAR(window->y0, 0.0, 6 * 0.4);
+    EXPECT_GE(window->y1, 6.0);
+    EXPECT_LE(window->y1, 6.0 * 1.3);
+    EXPECT_NEAR(window->x0, 0.0, 1e-9);
+    EXPECT_GT(window->x1, 18.0);
+}
+
 }  // namespace
