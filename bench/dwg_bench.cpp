@@ -36,7 +36,7 @@ int main(int argc, char** argv) {
         std::vector<dwg::ClassRecord> classes;
         std::vector<dwg::ObjectLocation> map;
         dwg::MapError error;
-        if (!dwg::ParseClasses(dwg_test::FileSection(file, dwg::kClassesSection), version, 1252, classes, error) ||
+        if (!dwg::ParseClasses(dwg_test::FileSection(file, dwg::kClassesSection), version, 0, 1252, classes, error) ||
             !dwg::ParseObjectMap(dwg_test::FileSection(file, dwg::kHandlesSection), map, error)) {
             std::fprintf(stderr, "%s at %zu\n", error.reason.c_str(), error.offset);
             return 1;

@@ -46,6 +46,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::vector<dwg::ObjectLocation> map;
     dwg::ParseObjectMap(body, map, error);
     std::vector<dwg::ClassRecord> classes;
-    dwg::ParseClasses(body, version, 936, classes, error);
+    dwg::ParseClasses(body, version, 0, 936, classes, error);
     return 0;
 }

@@ -258,14 +258,14 @@ std::string BitReader::TU() {
     return text;
 }
 
-Color BitReader::CMC() {
+Color BitReader::CMC(BitReader& text) {
     Color color;
     color.index = BS();
     if (version_ < Version::kR2004) return color;
     color.rgb = static_cast<std::uint32_t>(BL());
     color.flags = RC();
-    if (color.flags & 1) color.name = T();
-    if (color.flags & 2) color.bookName = T();
+    if (color.flags & 1) color.name = text.T();
+    if (color.flags & 2) color.bookName = text.T();
     return color;
 }
 
@@ -278,8 +278,9 @@ Color BitReader::ENC() {
         return color;
     }
     color.index = static_cast<std::int16_t>(value & 0x1FF);
-    if (value & 0x8000) color.rgb = static_cast<std::uint32_t>(BL());
-    if (value & 0x4000) color.hasBookHandle = true;
+    // A colour of a colour book is a reference to its colour object, whose values are there.
+    color.hasBookHandle = (value & 0x4000) != 0;
+    if ((value & 0x8000) && !color.hasBookHandle) color.rgb = static_cast<std::uint32_t>(BL());
     if (value & 0x2000) {
         color.hasTransparency = true;
         color.transparency = static_cast<std::uint32_t>(BL());

@@ -77,7 +77,7 @@ struct Drawing {
 bool Drawing::decode(MapError& error) {
     const Version v = sections.version;
     if (!ParseHeader(sections.header, v, sections.maintenance, sections.codePage, header, error) ||
-        !ParseClasses(sections.classes, v, sections.codePage, classes, error)) {
+        !ParseClasses(sections.classes, v, sections.maintenance, sections.codePage, classes, error)) {
         return false;
     }
     std::vector<ObjectLocation> map;

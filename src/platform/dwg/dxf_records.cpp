@@ -13,7 +13,16 @@ namespace dwg {
 void DxfText::tag(int code, std::string_view value) {
     out_ += std::to_string(code);
     out_ += '\n';
-    out_ += value;
+    // A value is one line: control characters (a line break inside an MTEXT) are written as
+    // a DXF file gives them, "^J" for a line feed.
+    for (const char c : value) {
+        if (static_cast<unsigned char>(c) < 0x20 && c != '\t') {
+            out_ += '^';
+            out_ += static_cast<char>(c + 0x40);
+        } else {
+            out_ += c;
+        }
+    }
     out_ += '\n';
 }
 
@@ -576,7 +585,10 @@ void ObjectBody(DxfText& out, const DictionaryRecord& d) {
 void ObjectBody(DxfText& out, const XRecordRecord& x) {
     out.tag(100, "AcDbXrecord");
     out.integer(280, x.cloning);
-    for (const auto& [code, value] : x.groups) out.tag(code, value);
+    for (const auto& [code, value] : x.groups) {
+        // Codes above the DXF's last (1071) are the DWG's own: a DXF record cannot hold them.
+        if (code <= 1071) out.tag(code, value);
+    }
 }
 
 void ObjectBody(DxfText& out, const DictionaryVariableRecord& v) {

@@ -247,11 +247,13 @@ void BitWriter::ENC(const Color& color) {
         return;
     }
     unsigned value = static_cast<unsigned>(color.index) & 0x1FF;
-    if (color.rgb != 0) value |= 0x8000;
+    // A colour of a colour book is its reference: the true colour lives in the colour object.
+    const bool trueColor = color.rgb != 0 && !color.hasBookHandle;
+    if (color.rgb != 0 || color.hasBookHandle) value |= 0x8000;
     if (color.hasBookHandle) value |= 0x4000;
     if (color.hasTransparency) value |= 0x2000;
     BS(static_cast<int>(value));
-    if (color.rgb != 0) BL(static_cast<std::int32_t>(color.rgb));
+    if (trueColor) BL(static_cast<std::int32_t>(color.rgb));
     if (color.hasTransparency) BL(static_cast<std::int32_t>(color.transparency));
 }
 
