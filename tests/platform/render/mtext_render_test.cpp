@@ -11,9 +11,12 @@ namespace {
 
 using namespace rendertest;
 
-// A black multi-line text of height 20 at (10,90), attached at its top left, in the frame.
-Rendered RenderMText(const std::string& name, const std::string& contents, const std::string& color = "7") {
-    std::string entity = "0\nMTEXT\n8\n0\n62\n" + color + "\n10\n10\n20\n90\n40\n20\n71\n1\n1\n" + contents + "\n";
+// A multi-line text of height 20 at (10,90), attached at its top left, in the frame; extra
+// tags go before its contents.
+Rendered RenderMText(const std::string& name, const std::string& contents, const std::string& color = "7",
+                     const std::string& extra = "") {
+    std::string entity =
+        "0\nMTEXT\n8\n0\n62\n" + color + "\n10\n10\n20\n90\n40\n20\n71\n1\n" + extra + "1\n" + contents + "\n";
     return Render(name, Dxf("", kFrame + entity), Light());
 }
 
@@ -115,6 +118,28 @@ TEST(RenderMText, view_of_the_drawing_holds_a_text_as_its_format_codes_draw_it) 
     EXPECT_LE(window->y1, 6.0 * 1.3);
     EXPECT_NEAR(window->x0, 0.0, 1e-9);
     EXPECT_GT(window->x1, 18.0);
+}
+
+struct WrapCase {
+    const char* name;
+    const char* contents;
+    const char* width;  // the text's width; 0 does not wrap
+    size_t lines;
+};
+
+TEST(RenderMText, text_wider_than_its_width_breaks_at_spaces_and_between_ideographs) {
+    const WrapCase cases[] = {
+        {"words", "IIII IIII", "41\n80\n", 2},
+        {"unwrapped", "IIII IIII", "41\n0\n", 1},
+        {"wide_enough", "IIII IIII", "41\n85\n", 1},
+        {"ideographs", "\\U+4E2D\\U+4E2D\\U+4E2D\\U+4E2D", "41\n60\n", 2},
+        {"long_word", "IIIIIIIII", "41\n20\n", 1},
+    };
+    for (const WrapCase& c : cases) {
+        Rendered r = RenderMText(std::string("mtext_wrap_") + c.name, c.contents, "7", c.width);
+        ASSERT_EQ(r.status, 0) << r.error;
+        EXPECT_EQ(InkBands(Picture(r.png)).size(), c.lines) << c.name;
+    }
 }
 
 }  // namespace
