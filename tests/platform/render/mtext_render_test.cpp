@@ -142,4 +142,48 @@ TEST(RenderMText, text_wider_than_its_width_breaks_at_spaces_and_between_ideogra
     }
 }
 
+// Ink in the drawing's rectangle [x0, x1] x [y0, y1].
+bool InkIn(const Picture& picture, double x0, double x1, double y0, double y1) {
+    for (int y = Row(y1); y <= Row(y0); ++y)
+        for (int x = Column(x0); x <= Column(x1); ++x)
+            if (!IsBackgroundLight(picture.at(x, y))) return true;
+    return false;
+}
+
+TEST(RenderMText, diagonal_stack_puts_the_upper_part_left_and_raised_and_the_lower_right_and_lowered) {
+    // The line's middle is at y 80; parts are 14 high, an I about 6 wide; the lower part starts
+    // a part's height after the upper one.
+    Rendered r = RenderMText("mtext_diagonal", "\\SI#I;");
+    ASSERT_EQ(r.status, 0) << r.error;
+    Picture picture(r.png);
+    EXPECT_TRUE(InkIn(picture, 10, 16, 82, 92));
+    EXPECT_FALSE(InkIn(picture, 10, 16, 64, 76));
+    EXPECT_TRUE(InkIn(picture, 29, 37, 66, 76));
+    EXPECT_FALSE(InkIn(picture, 29, 37, 82, 92));
+}
+
+struct RuleCase {
+    const char* name;
+    const char* contents;
+    size_t bands;
+    int thinBand;  // which band is the rule: 0 the top, 1 the bottom, -1 none apart
+};
+
+TEST(RenderMText, under_and_over_lines_stand_apart_below_and_above_and_strike_through_crosses) {
+    const RuleCase cases[] = {
+        {"underline", "{\\LI}", 2, 1},
+        {"overline", "{\\OI}", 2, 0},
+        {"strike", "{\\KI}", 1, -1},
+    };
+    for (const RuleCase& c : cases) {
+        Rendered r = RenderMText(std::string("mtext_rule_") + c.name, c.contents);
+        ASSERT_EQ(r.status, 0) << r.error;
+        auto bands = InkBands(Picture(r.png));
+        ASSERT_EQ(bands.size(), c.bands) << c.name;
+        if (c.thinBand >= 0) {
+            EXPECT_LE(Span(bands[c.thinBand]), 4) << c.name;
+        }
+    }
+}
+
 }  // namespace
