@@ -142,6 +142,15 @@ TEST(RenderMText, text_wider_than_its_width_breaks_at_spaces_and_between_ideogra
     }
 }
 
+TEST(RenderMText, piece_wider_than_the_width_stands_on_the_first_line) {
+    Rendered r = RenderMText("mtext_wrap_first", "IIIIIIIII", "7", "41\n20\n");
+    ASSERT_EQ(r.status, 0) << r.error;
+    auto bands = InkBands(Picture(r.png));
+    ASSERT_EQ(bands.size(), 1u);
+    // The capitals' tops at the attachment point, y 90.
+    EXPECT_NEAR(bands[0].first, Row(90), 3);
+}
+
 // Ink in the drawing's rectangle [x0, x1] x [y0, y1].
 bool InkIn(const Picture& picture, double x0, double x1, double y0, double y1) {
     for (int y = Row(y1); y <= Row(y0); ++y)
