@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/db/database.hpp"
+#include "platform/dwg/write.hpp"
 #include "platform/dxf/dxf.hpp"
 #include "platform/dxf/model.hpp"
 #include "platform/win/codepage.hpp"
@@ -16,15 +17,24 @@ namespace {
 int Usage() {
     std::fprintf(stderr,
                  "usage: tavrik convert [--keep-version] [--version AC10xx] [--codepage 936|65001] "
-                 "IN OUT\n  OUT must end in .dxf\n");
+                 "IN OUT\n  OUT ends in .dxf (ASCII DXF) or .dwg (AC1018 DWG; --version and\n"
+                 "  --keep-version apply to DXF only)\n");
     return kExitUsage;
 }
 
-bool EndsWithDxf(const std::string& path) {
+bool EndsWith(const std::string& path, const char* extension) {
     if (path.size() < 4) return false;
     std::string ext = path.substr(path.size() - 4);
     for (auto& c : ext) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return ext == ".dxf";
+    return ext == extension;
+}
+
+// Says what a DWG save had to leave out, one line per record type.
+void ReportLeftOut(const std::string& out, const dwg::DwgWriteReport& report) {
+    for (const auto& [type, count] : report.leftOut) {
+        std::fprintf(stderr, "tavrik convert: %s: %d %s record(s) not written (no DWG encoder)\n",
+                     out.c_str(), count, type.c_str());
+    }
 }
 
 }  // namespace
@@ -55,8 +65,9 @@ int RunConvert(int argc, char** argv) {
         }
     }
     if (in.empty() || out.empty()) return Usage();
-    if (!EndsWithDxf(out)) {
-        std::fprintf(stderr, "tavrik convert: %s: only .dxf targets can be written\n", out.c_str());
+    const bool dwgTarget = EndsWith(out, ".dwg");
+    if (!EndsWith(out, ".dxf") && !dwgTarget) {
+        std::fprintf(stderr, "tavrik convert: %s: only .dxf and .dwg targets can be written\n", out.c_str());
         return kExitFailure;
     }
     // Paths on the command line are the user's: relative ones hang from the working directory.
@@ -69,7 +80,10 @@ int RunConvert(int argc, char** argv) {
         std::fprintf(stderr, "tavrik convert: %s (status %d)\n", dxf::Utf8(db.lastError()).c_str(), es);
         return kExitFailure;
     }
-    es = dxf::WriteDxfFile(db, out, options);
+    dwg::DwgWriteReport report;
+    es = dwgTarget ? dwg::WriteDwgFile(db, out, options.codePage, report)
+                   : dxf::WriteDxfFile(db, out, options);
+    ReportLeftOut(out, report);
     if (es != Acad::eOk) {
         std::fprintf(stderr, "tavrik convert: %s (status %d)\n", dxf::Utf8(db.lastError()).c_str(), es);
         return kExitFailure;

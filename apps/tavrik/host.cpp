@@ -1,8 +1,9 @@
 // The host: opens the prefix and a first document, loads the modules, runs the message loop,
 // then takes commands from the script or the terminal until QUIT, the end of the input, or a
 // WM_CLOSE from a module ends it.
-#include <poll.h>
 #include <unistd.h>
+
+#include <poll.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -19,15 +20,20 @@
 #include "platform/ed/commands.hpp"
 #include "platform/ed/documents.hpp"
 #include "platform/ed/editor_state.hpp"
+#include "platform/ed/host_commands.hpp"
 #include "platform/ed/input.hpp"
 #include "platform/ed/lisp.hpp"
 #include "platform/ed/modules.hpp"
+#include "platform/ed/resbuf.hpp"
+#include "platform/ed/sysvars.hpp"
 #include "platform/win/codepage.hpp"
 #include "platform/win/host_state.hpp"
 #include "platform/win/messages.hpp"
 #include "platform/win/prefix.hpp"
 #include "platform/win/text.hpp"
 #include "platform/win/whole_file.hpp"
+#include "drawing_commands.hpp"
+#include "line_input.hpp"
 #include "run_guard.hpp"
 #include "run_report.hpp"
 #include "subcommands.hpp"
@@ -38,6 +44,7 @@ struct HostOptions {
     std::string prefix;
     std::vector<std::string> modules;
     std::string script;
+    std::string drawing;          // opened at the start when given
     unsigned timeoutSeconds = 0;  // 0: no deadline
 };
 
@@ -48,8 +55,6 @@ struct LineSource {
     size_t next = 0;
     bool terminal = false;
 };
-
-enum class ReadResult { kLine, kEnd, kTimeout };
 
 // Tavrik.arx beside the program: the module the host loads when no --module is given.
 std::string DefaultModulePath() {
@@ -74,6 +79,7 @@ bool ParseOptions(int argc, char** argv, HostOptions& options) {
         else if (arg == "--module" && hasValue) options.modules.push_back(argv[++i]);
         else if (arg == "--script" && hasValue) options.script = argv[++i];
         else if (arg == "--timeout" && hasValue && ParseSeconds(argv[i + 1], options.timeoutSeconds)) ++i;
+        else if (!arg.starts_with("-") && options.drawing.empty()) options.drawing = argv[i];
         else {
             std::fprintf(stderr, "tavrik: unknown or incomplete option %s (see tavrik --help)\n", argv[i]);
             return false;
@@ -109,7 +115,7 @@ ReadResult NextLine(LineSource& source, const std::wstring& prompt, long long ti
         line = source.script[source.next++];
         return ReadResult::kLine;
     }
-    if (source.terminal) WriteConsoleText(stdout, prompt);
+    if (source.terminal) return ReadTerminalLine(prompt, timeoutMs, line);
     pollfd input{STDIN_FILENO, POLLIN, 0};
     int ready = ::poll(&input, 1, static_cast<int>(timeoutMs));
     if (ready == 0) return ReadResult::kTimeout;
@@ -121,12 +127,10 @@ ReadResult NextLine(LineSource& source, const std::wstring& prompt, long long ti
 
 // The host's own document drawing; a module that fails inside a drawing of its own leaves that
 // drawing as the working database.
-const AcDbDatabase* hostDrawing = nullptr;
-
 // " while processing FILE" when the working database is a drawing other than the host's own.
 std::wstring DrawingInProcess() {
     const AcDbDatabase* working = acdbHostApplicationServices()->workingDatabase();
-    if (!working || working == hostDrawing || working->filename().empty()) return L"";
+    if (!working || working == HostDrawing() || working->filename().empty()) return L"";
     return L" while processing " + working->filename();
 }
 
@@ -148,22 +152,40 @@ bool Guarded(const std::wstring& what, Body body) {
     return false;
 }
 
+// A typed LISP call: the function runs with the arguments read from the line, and the value it
+// returns is shown as the host's LISP would show it.
 bool RunLisp(const std::wstring& line) {
-    std::wstring name = line.substr(1, line.find_first_of(L" )", 1) - 1);
+    std::wstring name, error, result;
+    resbuf* arguments = nullptr;
+    if (!ParseLispCall(line, name, arguments, error)) {
+        WriteConsoleText(stderr, L"tavrik: cannot read " + line + L": " + error + L"\n");
+        return false;
+    }
     int status = RTNORM;
-    bool ok = Guarded(L"function " + name, [&] { status = InvokeLispFunction(name.c_str()); });
+    bool ok = Guarded(L"function " + name, [&] { status = InvokeLispFunction(name.c_str(), arguments, result); });
+    acutRelRb(arguments);
     if (status != RTNORM) WriteConsoleText(stderr, L"tavrik: unknown function \"" + name + L"\"\n");
+    else if (ok && !result.empty()) WriteConsoleText(stdout, result + L"\n");
     return ok && status == RTNORM;
 }
 
+// A typed name: a module's command first (a module may redefine one of the host's, which "."
+// in front still reaches), then the host's own, then a system variable.
 bool RunCommand(const std::wstring& name) {
-    const AcEdCommandRecord* command = acedRegCmds->lookupCmd(name.c_str());
-    if (!command) {
-        WriteConsoleText(stderr, L"tavrik: unknown command \"" + name + L"\"\n");
-        return false;
+    if (const AcEdCommandRecord* command = name.starts_with(L".") ? nullptr : acedRegCmds->lookupCmd(name.c_str())) {
+        AcRxFunctionPtr function = command->function;
+        return Guarded(L"command " + name, function);
     }
-    AcRxFunctionPtr function = command->function;
-    return Guarded(L"command " + name, function);
+    if (const HostCommand* command = LookupHostCommand(name)) {
+        bool ok = Guarded(L"command " + name, command->function);
+        return !TakeHostCommandFailure() && ok;
+    }
+    if (IsSystemVariable(name)) {
+        EditSystemVariable(name);
+        return !TakeHostCommandFailure();
+    }
+    WriteConsoleText(stderr, L"tavrik: unknown command \"" + name + L"\" (HELP lists the commands)\n");
+    return false;
 }
 
 bool IsQuit(const std::wstring& line) {
@@ -189,7 +211,7 @@ bool RunCommandLine(LineSource& source) {
             ok = Guarded(L"timer procedure", [] { RunMessageLoop(); }) && ok;
             break;
         }
-        if (line.empty()) continue;
+        if (line.empty() || line == L"^C") continue;
         if (IsQuit(line)) break;
         ok = (line.front() == L'(' ? RunLisp(line) : RunCommand(line)) && ok;
     }
@@ -236,19 +258,22 @@ int RunHost(int argc, char** argv) {
     Host().interactive = source.terminal;
     Editor().drawProgress = ::isatty(STDERR_FILENO);
 
-    auto* drawing = new AcDbDatabase(true, false);
-    acdbHostApplicationServices()->setWorkingDatabase(drawing);
-    OpenHostDocument(drawing, L"Drawing1.dwg");
-    hostDrawing = drawing;
-
+    RegisterEditingCommands();
+    RegisterDrawingCommands();
     bool ok = true;
+    NewHostDrawing();
+    if (!options.drawing.empty()) {
+        std::error_code cwdError;
+        std::string path = std::filesystem::absolute(options.drawing, cwdError).string();
+        ok = OpenHostDrawing(WideFromUtf8(path));
+    }
+
     BeginRunReport();
     if (LoadModules(options.modules, ok)) ok = RunCommandLine(source) && ok;
     else ok = false;
     FinishRunReport();
     UnloadHostModules();
-    acdbHostApplicationServices()->setWorkingDatabase(nullptr);
-    delete drawing;
+    CloseHostDrawing();
     ok = CheckMergedDrawing(handOff) && ok;
     return ok ? kExitOk : kExitFailure;
 }

@@ -25,13 +25,16 @@ const Subcommand kSubcommands[] = {
 
 void PrintHelp() {
     std::printf(
-        "usage: tavrik [--prefix DIR] [--module FILE]... [--script FILE] [--timeout SECONDS]\n"
+        "usage: tavrik [--prefix DIR] [--module FILE]... [--script FILE] [--timeout SECONDS] [DRAWING]\n"
         "       tavrik SUBCOMMAND ARGS...\n"
         "\n"
         "Runs a headless CAD host: loads each module (Tavrik.arx beside the program unless\n"
         "--module is given; its load runs the batch when the prefix holds a hand-off), runs\n"
         "the message loop, then takes commands from the script (one command or answer per\n"
         "line) or the terminal until QUIT, end of input, or the module closes the host.\n"
+        "DRAWING is opened as the current document first. HELP at the command line lists the\n"
+        "commands (OPEN, SAVE, SAVEAS, MOVE, COPY, the module's) and the LISP functions; at a\n"
+        "terminal the line can be edited and the history recalled; Esc or ^C cancels a prompt.\n"
         "\n"
         "  --prefix DIR    the Windows machine: drive folders, registry.reg, host.ini\n"
         "                  (default: $TAVRIK_PREFIX)\n"

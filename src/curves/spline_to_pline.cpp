@@ -1,7 +1,11 @@
 // Splines and partial ellipses become polylines of arcs and straight pieces.
 #include "curves/spline_to_pline.hpp"
 
+#include <algorithm>
+#include <array>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 
 #include "cleanup/class_interface_data.hpp"
 #include "curves/curve_edit.hpp"
@@ -53,13 +57,44 @@ void ReplaceBySegments(AcDbObjectId id, double tolerance) {
     EraseById(id);
 }
 
+// The points of one curve by parameter. Each try halves the span from its start, so that half
+// of its samples and its end were read by the try before (the parameters come out equal to the
+// last bit). The last readings are kept under their exact parameter values; reading one again
+// would give the same point. A reading that fails is not kept, and is tried again each time.
+struct CurvePoints {
+    static constexpr size_t kKept = 64;  // two tries' worth of readings
+    const AcDbCurve* curve = nullptr;
+    bool keep = true;
+    std::array<std::uint64_t, kKept> params{};
+    std::array<AcGePoint3d, kKept> points{};
+    size_t count = 0;
+};
+
+Acad::ErrorStatus PointAt(CurvePoints& points, double param, AcGePoint3d& point) {
+    if (!points.keep) return points.curve->getPointAtParam(param, point);
+    const std::uint64_t key = std::bit_cast<std::uint64_t>(param);
+    for (size_t k = 0; k < std::min(points.count, CurvePoints::kKept); ++k) {
+        if (points.params[k] == key) {
+            point = points.points[k];
+            return Acad::eOk;
+        }
+    }
+    Acad::ErrorStatus status = points.curve->getPointAtParam(param, point);
+    if (status == Acad::eOk) {
+        points.params[points.count % CurvePoints::kKept] = key;
+        points.points[points.count % CurvePoints::kKept] = point;
+        ++points.count;
+    }
+    return status;
+}
+
 // The samples of a span: 30 points from sp on, the point at ep left out, near duplicates
 // dropped.
-AcGePoint3dArray SpanSamples(const AcDbCurve* curve, double sp, double ep) {
+AcGePoint3dArray SpanSamples(CurvePoints& curve, double sp, double ep) {
     AcGePoint3dArray samples;
     for (int i = 0; i < 30; ++i) {
         AcGePoint3d point;
-        if (curve->getPointAtParam(sp + (ep - sp) / 30 * i, point) == Acad::eOk) samples.append(point);
+        if (PointAt(curve, sp + (ep - sp) / 30 * i, point) == Acad::eOk) samples.append(point);
     }
     DropNearDuplicates(samples);
     return samples;
@@ -69,7 +104,7 @@ AcGePoint3dArray SpanSamples(const AcDbCurve* curve, double sp, double ep) {
 // (too long: halve it).
 enum class Span { Straight, Arc, TooLong };
 
-Span FitSpan(const AcDbCurve* curve, double sp, double ep, const AcGePoint3d& a,
+Span FitSpan(CurvePoints& curve, double sp, double ep, const AcGePoint3d& a,
              const AcGePoint3d& m, const AcGePoint3d& p, double tolerance) {
     AcGePoint3dArray samples = SpanSamples(curve, sp, ep);
     if (samples.length() <= 2) return Span::Straight;
@@ -84,21 +119,24 @@ Span FitSpan(const AcDbCurve* curve, double sp, double ep, const AcGePoint3d& a,
 }
 
 // The walk over the parameter range: vertices and the bulges of the spans between them.
-void WalkSpans(const AcDbCurve* curve, double tolerance, AcGePoint3dArray& vertices,
+void WalkSpans(const AcDbCurve* source, double tolerance, AcGePoint3dArray& vertices,
                AcGeDoubleArray& bulges) {
+    CurvePoints curve;
+    curve.curve = source;
+    curve.keep = SegmentPointReads == PointReads::Kept;
     double sp = 0.0, ep = 0.0;
-    curve->getStartParam(sp);
-    curve->getEndParam(ep);
+    source->getStartParam(sp);
+    source->getEndParam(ep);
     const double whole = ep;
     AcGePoint3d start, a, p, m;
-    curve->getStartPoint(start);
+    source->getStartPoint(start);
     vertices.append(start);
     bool closed = false;
     while (true) {
         double mid = (ep - sp) * 0.5 + sp;
-        curve->getPointAtParam(sp, a);
-        curve->getPointAtParam(ep, p);
-        curve->getPointAtParam(mid, m);
+        PointAt(curve, sp, a);
+        PointAt(curve, ep, p);
+        PointAt(curve, mid, m);
         if (PointDistance(a, p) < 0.00001) {
             if (closed) return;
             closed = true;  // the first span whose ends meet is halved once
@@ -134,6 +172,8 @@ bool CopyLook(AcDbObjectId id, const EntityLook& look) {
 }
 
 }  // namespace
+
+PointReads SegmentPointReads = PointReads::Kept;
 
 AcDbObjectId MakePolylineEntity(const AcGePoint3dArray& vertices, const AcGeDoubleArray& bulges) {
     int n = vertices.length();

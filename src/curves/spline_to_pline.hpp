@@ -6,6 +6,11 @@
 #include "platform/db/database.hpp"
 #include "platform/ge/array.hpp"
 
+// Whether the walk keeps the points it has read of a curve, by parameter, or reads each anew
+// (the plain walk, for comparison).
+enum class PointReads { Direct, Kept };
+extern PointReads SegmentPointReads;
+
 void ConvertSplinesToPlines(AcDbObjectIdArray ids, AcDbDatabase* database);
 // The id of the new polyline, already in the model space of the working database, with the
 // source's layer, linetype, colour and linetype scale; the null id when none comes about. The

@@ -1,6 +1,10 @@
 #include "standard/hole_substitution.hpp"
 
 #include <algorithm>
+#include <cmath>
+#include <unordered_set>
+
+#include "curves/box_grid.hpp"
 
 #include "pipeline/logs.hpp"
 #include "pipeline/sheet_merge.hpp"
@@ -64,7 +68,42 @@ const std::wstring& SymbolName(const tHole& hole, int count, const tCir& first, 
     return last.dashed ? hole.blockSolidDash : hole.blockBothSolid;
 }
 
+// A centre as a box for the grid; one with a coordinate that is not finite is filed everywhere,
+// since a distance from it is undefined and then does not exceed the limit.
+FlatBox CentreBox(const AcGePoint3d& c) {
+    if (!std::isfinite(c.z)) return {NAN, NAN, NAN, NAN};
+    return {c.x, c.y, c.x, c.y};
+}
+
+BoxGrid CentreGrid(const std::vector<tCir>& all) {
+    std::vector<FlatBox> boxes;
+    boxes.reserve(all.size());
+    for (const tCir& c : all) boxes.push_back(CentreBox(c.center));
+    return BuildBoxGrid(boxes);
+}
+
+// The records 0 .. i whose centre lies not farther than 0.001 from that of record i, in record
+// order: what is left of a copy of those records after the far ones are removed. The grid only
+// narrows which records are measured.
+std::vector<tCir> CirclesAtCentre(const std::vector<tCir>& all, size_t i, const BoxGrid* grid) {
+    const AcGePoint3d& centre = all[i].center;
+    std::vector<size_t> candidates;
+    if (grid) {
+        candidates = BoxGridCandidates(*grid, CentreBox(centre), 0.001);
+    } else {
+        for (size_t k = 0; k <= i; ++k) candidates.push_back(k);
+    }
+    std::vector<tCir> group;
+    for (size_t k : candidates) {
+        if (k > i) break;
+        if (!(all[k].center.distanceTo(centre) > 0.001)) group.push_back(all[k]);
+    }
+    return group;
+}
+
 }  // namespace
+
+ClusterWalk HoleCentreWalk = ClusterWalk::Indexed;
 
 int CollectPoints(AcDbDatabase* db, AcArray<tPt>& points) {
     return WalkModelSpace(db, AcDb::kForRead, kEndAtFailedOpen, [&](AcDbEntity* entity) {
@@ -85,16 +124,18 @@ int HoleSubstitution::SubstituteHoles(AcDbDatabase* db, const std::wstring& path
     }
     std::vector<tCir> all;
     if (int status = ScanCircles(all); status != 0) return status;
-    AcDbObjectIdArray done;
+    // Walking from the end, each circle is taken with the circles before it that share its
+    // centre; the records after it have had their turn.
+    BoxGrid grid;
+    if (HoleCentreWalk == ClusterWalk::Indexed) grid = CentreGrid(all);
+    std::unordered_set<AcDbObjectId> done;
     for (size_t i = all.size(); i-- > 0;) {
-        tCir cur = all[i];
-        std::vector<tCir> group = all;
-        all.erase(all.begin() + static_cast<std::ptrdiff_t>(i));
-        RemoveFromEnd(group, [&](const tCir& c) { return c.center.distanceTo(cur.center) > 0.001; });
+        std::vector<tCir> group =
+            CirclesAtCentre(all, i, HoleCentreWalk == ClusterWalk::Indexed ? &grid : nullptr);
         SortByDiameter(group);
         RemoveFromEnd(group, [&](const tCir& c) { return done.contains(c.id); });
         if (group.empty()) continue;
-        for (const tCir& c : group) done.append(c.id);
+        for (const tCir& c : group) done.insert(c.id);
         SubstituteGroup(group);
     }
     return 0;

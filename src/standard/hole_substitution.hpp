@@ -6,9 +6,14 @@
 #include <string>
 #include <vector>
 
+#include "curves/touch_clusters.hpp"
 #include "platform/db/database.hpp"
 #include "platform/ge/array.hpp"
 #include "platform/ge/point3d.hpp"
+
+// How the scan finds the circles that share a centre: through a grid of the centres unless a
+// comparison asks for the plain walk over all circles.
+extern ClusterWalk HoleCentreWalk;
 
 // One point entity of the model space: its layer tells the hole's type.
 struct tPt {

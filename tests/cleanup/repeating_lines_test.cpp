@@ -6,6 +6,7 @@
 
 #include "cleanup/repeating_lines.hpp"
 #include "cleanup_fixture.hpp"
+#include "curves/spline_builders.hpp"
 #include <cmath>
 #include "platform/db/circle.hpp"
 #include "curves/geometry.hpp"
@@ -139,6 +140,47 @@ TEST_F(RepeatingLines, line_under_an_arc_or_a_polyline_is_not_compared) {
     EXPECT_FALSE(IsGone(line));
     EXPECT_FALSE(IsGone(polyline));
     EXPECT_FALSE(IsGone(arc));
+}
+
+// Only lines enter the duplicate list: the rows of the pair test for arcs (2003), circles and
+// polylines (their records carry 2002) and splines (2004) never meet, so copies of them stay.
+TEST_F(RepeatingLines, equal_arcs_circles_and_polylines_and_ones_on_top_of_each_other_all_stay) {
+    std::vector<AcDbObjectId> ids;
+    for (int copy = 0; copy < 2; ++copy) {
+        ids.push_back(AddToDrawing(new AcDbArc(AcGePoint3d(5, 0, 0), 5, 0, 3.14)));
+        ids.push_back(AddToDrawing(new AcDbCircle(AcGePoint3d(30, 0, 0), AcGeVector3d::kZAxis, 4)));
+        ids.push_back(AddPolyline({50, 0, 60, 0, 60, 10}, false));
+        ids.push_back(AddToDrawing(ArcSpline(AcGePoint3d(5, 0, 0), 5, 0, 90)));
+    }
+    // A smaller arc on the first arc, a polyline along the arc's chord, a line in the circle.
+    ids.push_back(AddToDrawing(new AcDbArc(AcGePoint3d(5, 0, 0), 5, 0.5, 1.5)));
+    ids.push_back(AddPolyline({0, 0, 10, 0}, false));
+    for (const AcDbObjectId& id : ids) LinetypeName(id, L"Continuous");
+    AcDbObjectId line = AddLine(26, 0, 34, 0);
+    RunOn(0.01);
+    for (size_t i = 0; i < ids.size(); ++i) EXPECT_FALSE(IsGone(ids[i])) << i;
+    EXPECT_FALSE(IsGone(line));
+    EXPECT_EQ(LiveIds().length(), static_cast<int>(ids.size()) + 1);
+}
+
+// The arc pass pairs the arcs with a list of splines that nothing fills: an arc-shaped spline on
+// an arc and a circle-shaped one on a circle stay in every mode, and the solid linetype of the
+// spline passes to nothing.
+TEST_F(RepeatingLines, arc_pass_leaves_splines_on_arcs_and_circles_in_every_mode) {
+    for (int mode : {0, 2}) {
+        for (const AcDbObjectId& id : LiveIds()) Change(id, [](AcDbEntity* e) { e->erase(); });
+        AcDbObjectId arc = AddToDrawing(new AcDbArc(AcGePoint3d(0, 0, 0), 5, 0, 1.5707963267948966));
+        AcDbObjectId arcSpline = AddToDrawing(ArcSpline(AcGePoint3d(0, 0, 0), 5, 0, 90));
+        AcDbObjectId circle = AddToDrawing(new AcDbCircle(AcGePoint3d(0, 0, 0), AcGeVector3d::kZAxis, 3));
+        AcDbObjectId circleSpline = AddToDrawing(ArcSpline(AcGePoint3d(0, 0, 0), 3, 0, 360));
+        LinetypeName(arcSpline, L"Continuous");
+        LinetypeName(circleSpline, L"Continuous");
+        RunDownSpline(mode, 0.01);
+        EXPECT_FALSE(IsGone(arcSpline)) << mode;
+        EXPECT_FALSE(IsGone(circleSpline)) << mode;
+        EXPECT_NE(LinetypeOf(arc), L"Continuous") << mode;
+        EXPECT_NE(LinetypeOf(circle), L"Continuous") << mode;
+    }
 }
 
 TEST_F(RepeatingLines, tolerance_bound_of_the_segment_test_is_strict) {

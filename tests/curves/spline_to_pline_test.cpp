@@ -3,13 +3,17 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
 #include <memory>
+#include <random>
+#include <string>
 
 #include "curves/spline_to_pline.hpp"
 #include "curves_fixture.hpp"
 #include "geometry_matchers.hpp"
 #include "platform/db/ellipse.hpp"
 #include "platform/db/polyline.hpp"
+#include "random_drawings.hpp"
 #include "spline_builders.hpp"
 
 namespace {
@@ -225,6 +229,67 @@ TEST_F(SplineToPline, polyline_of_two_vertices_closer_than_0_02_is_refused_and_n
         pl->getBulgeAt(2, bulge);
         EXPECT_EQ(bulge, 0.3);
     });
+}
+
+// The walk that keeps the points it has read against the one that reads every point anew, on
+// random splines and partial ellipses: the same polylines, vertex by vertex and to the last bit.
+class SegmentPointReadsTest : public SplineToPline {
+protected:
+    void TearDown() override {
+        SegmentPointReads = PointReads::Kept;
+        SplineToPline::TearDown();
+    }
+    static std::string Bits(double v) {
+        char text[40];
+        std::snprintf(text, sizeof text, "%a", v);
+        return text;
+    }
+    std::vector<std::string> SegmentRandomDrawing(PointReads reads, unsigned seed) {
+        EraseAll();
+        std::mt19937 rng(seed);
+        for (int i = 0; i < 40; ++i) {
+            double x = (i % 8) * 30.0, y = (i / 8) * 30.0;
+            double size = random_drawings::Uniform(rng, 0.05, 25.0);
+            AddToDrawing(random_drawings::RandomSpline(rng, x, y, size));
+            double start = random_drawings::Uniform(rng, 0.0, 3.0);
+            AddToDrawing(new AcDbEllipse(P(x, y + 300, 0), AcGeVector3d(0, 0, 1),
+                                         AcGeVector3d(random_drawings::Uniform(rng, 0.5, 9.0), 0, 0),
+                                         random_drawings::Uniform(rng, 0.2, 1.0), start,
+                                         start + random_drawings::Uniform(rng, 0.3, 5.5)));
+        }
+        SegmentPointReads = reads;
+        Run();
+        std::vector<std::string> polylines;
+        for (const AcDbObjectId& id : IdsOfType(2004)) {
+            InspectAs<AcDbPolyline>(id, [&](AcDbPolyline* pl) {
+                std::string text = pl->isClosed() ? "closed" : "open";
+                for (unsigned int v = 0; v < pl->numVerts(); ++v) {
+                    AcGePoint2d point;
+                    double bulge = 0.0;
+                    pl->getPointAt(v, point);
+                    pl->getBulgeAt(v, bulge);
+                    text += " " + Bits(point.x) + "," + Bits(point.y) + "," + Bits(bulge);
+                }
+                polylines.push_back(text);
+            });
+        }
+        return polylines;
+    }
+};
+
+TEST_F(SegmentPointReadsTest, kept_points_give_the_polylines_of_fresh_reads_on_random_curves) {
+    size_t vertices = 0;
+    for (unsigned seed = 1; seed <= 6; ++seed) {
+        std::vector<std::string> fresh = SegmentRandomDrawing(PointReads::Direct, seed);
+        std::vector<std::string> kept = SegmentRandomDrawing(PointReads::Kept, seed);
+        ASSERT_EQ(fresh.size(), kept.size()) << "seed " << seed;
+        for (size_t i = 0; i < fresh.size(); ++i) {
+            ASSERT_EQ(fresh[i], kept[i]) << "seed " << seed << ", polyline " << i;
+            vertices += static_cast<size_t>(std::count(fresh[i].begin(), fresh[i].end(), ' '));
+        }
+        EXPECT_GE(fresh.size(), 70u) << "seed " << seed;  // nearly every curve became a polyline
+    }
+    EXPECT_GT(vertices, 2000u);  // long walks with many halvings, not a few straight pieces
 }
 
 }  // namespace

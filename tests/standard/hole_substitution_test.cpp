@@ -2,6 +2,11 @@
 // the row, the dashed smallest and largest circles the symbol.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdio>
+#include <random>
+#include <string>
+
 #include "batch_fixture.hpp"
 #include "platform/db/point_entity.hpp"
 #include "platform/win/codepage.hpp"
@@ -223,6 +228,80 @@ TEST_F(HoleSubstitutionTest, insertion_is_logged_step_by_step) {
     size_t found = log.find(L"10.000000换孔文件已找到,开始插入\n开始插入块\nD:\\HOLES\\S1.dwg插入dwg D:\\HOLES\\S1.dwg\n");
     ASSERT_NE(found, std::wstring::npos) << Utf8FromWide(log);
     EXPECT_NE(log.find(L"孔文件正确插入\n1\n0取颜色正确\n清除pary\n", found), std::wstring::npos) << Utf8FromWide(log);
+}
+
+// The scan through the grid of centres against the plain scan over all circles, on random
+// plates: holes of one to three circles whose centres scatter around the 0.001 that makes them
+// one hole, markers on the type's layer, on another layer or missing, in random drawing order.
+class HoleCentreWalks : public HoleSubstitutionTest {
+protected:
+    void TearDown() override {
+        HoleCentreWalk = ClusterWalk::Indexed;
+        HoleSubstitutionTest::TearDown();
+    }
+    static std::string Bits(double v) {
+        char text[40];
+        std::snprintf(text, sizeof text, "%a", v);
+        return text;
+    }
+    std::vector<std::string> SubstituteRandomPlate(ClusterWalk walk, unsigned seed) {
+        hostDrawing_ = std::make_unique<AcDbDatabase>(true, true);
+        WriteIni(L"10,D1,S1,BD,BS,DS,SD\r\n8,S1,D1,BS,BD,SD,DS\r\n");
+        std::mt19937 rng(seed);
+        auto uniform = [&](double low, double high) { return std::uniform_real_distribution<double>(low, high)(rng); };
+        struct Piece {
+            AcGePoint3d at;
+            double diameter;  // 0: the marker point
+            bool dashed;
+            std::wstring layer;
+        };
+        std::vector<Piece> pieces;
+        for (int site = 0; site < 150; ++site) {
+            AcGePoint3d centre((site % 15) * 20.0 + uniform(0, 0.01), (site / 15) * 20.0, 0.0);
+            int circles = 1 + static_cast<int>(rng() % 3);
+            for (int c = 0; c < circles; ++c) {
+                AcGePoint3d at = centre + AcGeVector3d(uniform(-0.0008, 0.0008), uniform(-0.0008, 0.0008), 0);
+                double diameter = c == 0 ? (rng() % 2 ? 10.0 : 8.0) : 12.0 + 4.0 * c;
+                pieces.push_back({at, diameter, rng() % 3 == 0, L"PART"});
+            }
+            if (int marker = static_cast<int>(rng() % 4); marker < 3)
+                pieces.push_back({centre, 0.0, false, marker == 2 ? L"h2" : L"h1"});
+        }
+        std::shuffle(pieces.begin(), pieces.end(), rng);
+        for (const Piece& piece : pieces) {
+            if (piece.diameter == 0.0) Point(piece.at, piece.layer);
+            else Circle(piece.at, piece.diameter, piece.dashed, piece.layer);
+        }
+        HoleCentreWalk = walk;
+        Run();
+        std::vector<std::string> entities;
+        for (const AcDbObjectId& id : ModelSpaceIds(*hostDrawing_)) {
+            AcDbEntity* entity = nullptr;
+            if (acdbOpenAcDbEntity(entity, id, AcDb::kForRead) != Acad::eOk) continue;
+            std::string text = Utf8FromWide(entity->layer()) + " " + std::to_string(entity->colorIndex());
+            if (auto* circle = AcDbCircle::cast(entity))
+                text += " circle " + Bits(circle->center().x) + "," + Bits(circle->center().y) + " " + Bits(circle->radius());
+            if (auto* symbol = AcDbText::cast(entity))
+                text += " text " + Utf8FromWide(symbol->textString()) + " " + Bits(symbol->position().x) + "," +
+                        Bits(symbol->position().y);
+            entity->close();
+            entities.push_back(text);
+        }
+        return entities;
+    }
+};
+
+TEST_F(HoleCentreWalks, grid_scan_substitutes_random_plates_entity_by_entity_as_the_plain_scan) {
+    size_t symbols = 0;
+    for (unsigned seed = 1; seed <= 4; ++seed) {
+        std::vector<std::string> plain = SubstituteRandomPlate(ClusterWalk::Plain, seed);
+        std::vector<std::string> grid = SubstituteRandomPlate(ClusterWalk::Indexed, seed);
+        ASSERT_EQ(plain.size(), grid.size()) << "seed " << seed;
+        for (size_t i = 0; i < plain.size(); ++i) ASSERT_EQ(plain[i], grid[i]) << "seed " << seed << ", entity " << i;
+        symbols += static_cast<size_t>(std::count_if(plain.begin(), plain.end(),
+                                                     [](const std::string& e) { return e.find(" text ") != std::string::npos; }));
+    }
+    EXPECT_GT(symbols, 200u);  // many holes are replaced, so the comparison covers the substitution
 }
 
 }  // namespace

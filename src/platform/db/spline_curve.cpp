@@ -11,14 +11,14 @@
 namespace {
 namespace ge = tavrik::ge;
 
-std::optional<ge::NurbsCurve> nurbsOf(const AcDbSpline& spline) {
-    ge::NurbsCurve curve{spline.degree(), spline.knots(), spline.controlPoints(),
-                         spline.weights()};
+// The spline's own definition, read in place.
+std::optional<ge::NurbsView> nurbsOf(const AcDbSpline& spline) {
+    ge::NurbsView curve{spline.degree(), spline.knots(), spline.controlPoints(), spline.weights()};
     if (!ge::isWellFormed(curve)) return std::nullopt;
     return curve;
 }
 
-std::optional<double> paramOnSpline(const AcDbSpline& spline, const ge::NurbsCurve& curve,
+std::optional<double> paramOnSpline(const AcDbSpline& spline, ge::NurbsView curve,
                                     double param) {
     const double start = ge::startParam(curve);
     const double end = ge::endParam(curve);
@@ -29,57 +29,56 @@ std::optional<double> paramOnSpline(const AcDbSpline& spline, const ge::NurbsCur
     return tavrik::curve_params::onRange(param, start, end);
 }
 
-ge::CurveSample sampleAt(const AcDbSpline& spline, const ge::NurbsCurve& curve, double param) {
-    return ge::evaluate(curve, *paramOnSpline(spline, curve, param));
-}
 }  // namespace
 
 Acad::ErrorStatus AcDbSpline::getStartParam(double& param) const {
-    std::optional<ge::NurbsCurve> curve = nurbsOf(*this);
+    std::optional<ge::NurbsView> curve = nurbsOf(*this);
     if (!curve) return Acad::eDegenerateGeometry;
     param = ge::startParam(*curve);
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbSpline::getEndParam(double& param) const {
-    std::optional<ge::NurbsCurve> curve = nurbsOf(*this);
+    std::optional<ge::NurbsView> curve = nurbsOf(*this);
     if (!curve) return Acad::eDegenerateGeometry;
     param = ge::endParam(*curve);
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbSpline::getStartPoint(AcGePoint3d& point) const {
-    std::optional<ge::NurbsCurve> curve = nurbsOf(*this);
+    std::optional<ge::NurbsView> curve = nurbsOf(*this);
     if (!curve) return Acad::eDegenerateGeometry;
     point = ge::evaluate(*curve, ge::startParam(*curve)).point;
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbSpline::getEndPoint(AcGePoint3d& point) const {
-    std::optional<ge::NurbsCurve> curve = nurbsOf(*this);
+    std::optional<ge::NurbsView> curve = nurbsOf(*this);
     if (!curve) return Acad::eDegenerateGeometry;
     point = ge::evaluate(*curve, ge::endParam(*curve)).point;
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbSpline::getPointAtParam(double param, AcGePoint3d& point) const {
-    std::optional<ge::NurbsCurve> curve = nurbsOf(*this);
+    std::optional<ge::NurbsView> curve = nurbsOf(*this);
     if (!curve) return Acad::eDegenerateGeometry;
-    if (!paramOnSpline(*this, *curve, param)) return Acad::eInvalidInput;
-    point = sampleAt(*this, *curve, param).point;
+    std::optional<double> t = paramOnSpline(*this, *curve, param);
+    if (!t) return Acad::eInvalidInput;
+    point = ge::pointAt(*curve, *t);
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbSpline::getFirstDeriv(double param, AcGeVector3d& deriv) const {
-    std::optional<ge::NurbsCurve> curve = nurbsOf(*this);
+    std::optional<ge::NurbsView> curve = nurbsOf(*this);
     if (!curve) return Acad::eDegenerateGeometry;
-    if (!paramOnSpline(*this, *curve, param)) return Acad::eInvalidInput;
-    deriv = sampleAt(*this, *curve, param).derivative;
+    std::optional<double> t = paramOnSpline(*this, *curve, param);
+    if (!t) return Acad::eInvalidInput;
+    deriv = ge::evaluate(*curve, *t).derivative;
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbSpline::getParamAtPoint(const AcGePoint3d& point, double& param) const {
-    std::optional<ge::NurbsCurve> curve = nurbsOf(*this);
+    std::optional<ge::NurbsView> curve = nurbsOf(*this);
     if (!curve) return Acad::eDegenerateGeometry;
     ge::ParamPoint nearest = ge::closestPoint(ge::asParametricCurve(*curve), point);
     if (!tavrik::curve_params::sameLocation(nearest.point, point)) return Acad::ePointNotOnEntity;
@@ -88,7 +87,7 @@ Acad::ErrorStatus AcDbSpline::getParamAtPoint(const AcGePoint3d& point, double& 
 }
 
 Acad::ErrorStatus AcDbSpline::getDistAtParam(double param, double& dist) const {
-    std::optional<ge::NurbsCurve> curve = nurbsOf(*this);
+    std::optional<ge::NurbsView> curve = nurbsOf(*this);
     if (!curve) return Acad::eDegenerateGeometry;
     std::optional<double> t = paramOnSpline(*this, *curve, param);
     if (!t) return Acad::eInvalidInput;
@@ -98,7 +97,7 @@ Acad::ErrorStatus AcDbSpline::getDistAtParam(double param, double& dist) const {
 
 Acad::ErrorStatus AcDbSpline::getClosestPointTo(const AcGePoint3d& given, AcGePoint3d& closest,
                                                 bool) const {
-    std::optional<ge::NurbsCurve> curve = nurbsOf(*this);
+    std::optional<ge::NurbsView> curve = nurbsOf(*this);
     if (!curve) return Acad::eDegenerateGeometry;
     closest = ge::closestPoint(ge::asParametricCurve(*curve), given).point;
     return Acad::eOk;
@@ -109,7 +108,7 @@ Acad::ErrorStatus AcDbSpline::getOffsetCurves(double, AcDbVoidPtrArray&) const {
 }
 
 Acad::ErrorStatus AcDbSpline::getGeomExtents(AcDbExtents& extents) const {
-    std::optional<ge::NurbsCurve> curve = nurbsOf(*this);
+    std::optional<ge::NurbsView> curve = nurbsOf(*this);
     if (!curve) return Acad::eInvalidExtents;
     ge::Box3d box = ge::boundingBox(ge::asParametricCurve(*curve));
     extents = AcDbExtents(box.min, box.max);

@@ -167,6 +167,21 @@ public:
     // The view's coordinate system is the world's.
     bool isUcsWorld() const { return m_ucsWorld; }
     void setUcsToWorld() { m_ucsWorld = true; }
+    // The camera: lens length, clipping planes and their switches, perspective.
+    double lensLength() const { return m_lensLength; }
+    void setLensLength(double length) { m_lensLength = length; }
+    double frontClipDistance() const { return m_frontClip; }
+    void setFrontClipDistance(double distance) { m_frontClip = distance; }
+    double backClipDistance() const { return m_backClip; }
+    void setBackClipDistance(double distance) { m_backClip = distance; }
+    bool perspectiveEnabled() const { return m_perspective; }
+    void setPerspectiveEnabled(bool enabled) { m_perspective = enabled; }
+    bool frontClipEnabled() const { return m_frontClipOn; }
+    void setFrontClipEnabled(bool enabled) { m_frontClipOn = enabled; }
+    bool backClipEnabled() const { return m_backClipOn; }
+    void setBackClipEnabled(bool enabled) { m_backClipOn = enabled; }
+    bool frontClipAtEye() const { return m_frontClipAtEye; }
+    void setFrontClipAtEye(bool atEye) { m_frontClipAtEye = atEye; }
 
 protected:
     AcDbAbstractViewTableRecord() = default;
@@ -180,12 +195,24 @@ private:
     AcGeVector3d m_direction = AcGeVector3d::kZAxis;
     double m_twist = 0.0;
     bool m_ucsWorld = true;
+    double m_lensLength = 50.0;
+    double m_frontClip = 0.0;
+    double m_backClip = 0.0;
+    bool m_perspective = false;
+    bool m_frontClipOn = false;
+    bool m_backClipOn = false;
+    bool m_frontClipAtEye = true;
 };
 
 class AcDbViewTableRecord : public AcDbAbstractViewTableRecord {
 public:
     ACRX_DECLARE_MEMBERS(AcDbViewTableRecord)
     AcDbViewTableRecord() = default;
+    bool isPaperspaceView() const { return m_paperSpace; }
+    void setIsPaperspaceView(bool paperSpace) { m_paperSpace = paperSpace; }
+
+private:
+    bool m_paperSpace = false;
 };
 
 class AcDbViewportTableRecord : public AcDbAbstractViewTableRecord {

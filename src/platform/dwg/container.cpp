@@ -149,6 +149,16 @@ bool ReadLocatedContainer(std::span<const std::uint8_t> file, DwgContainer& out,
 
 }  // namespace
 
+bool RequireDrawingSections(const DwgContainer& container, std::size_t offset, MapError& error) {
+    for (std::string_view needed : {kHeaderSection, kClassesSection, kHandlesSection, kObjectsSection}) {
+        if (FindSection(container, needed).empty()) {
+            error = {offset, "the file has no " + std::string(needed) + " section"};
+            return false;
+        }
+    }
+    return true;
+}
+
 bool ReadDwgContainer(std::span<const std::uint8_t> file, DwgContainer& out, MapError& error) {
     out = DwgContainer();
     if (!VersionFromMagic(file, out.version)) {

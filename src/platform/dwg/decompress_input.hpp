@@ -36,6 +36,7 @@ public:
     // Copies `length` bytes of output from `distance` bytes back (the copy may overlap itself).
     bool copy(std::size_t distance, std::size_t length) {
         if (!room(length)) return false;
+        if (length == 0) return true;
         if (distance == 0 || distance > out_.size())
             return fail(at_, "a copy reaches before the start of the data");
         const std::size_t from = out_.size() - distance;

@@ -172,7 +172,7 @@ DataPageHeader DecryptPageHeader(std::span<const std::uint8_t> file, std::size_t
 // One page of a section, checked and decompressed, appended to the section's data.
 bool ReadDataPage(std::span<const std::uint8_t> file, const PageTable& pages,
                   const SectionDescription& section, const SectionPage& page,
-                  std::vector<std::uint8_t>& data, MapError& error) {
+                  std::vector<std::uint8_t>& data, std::size_t& budget, MapError& error) {
     const auto found = pages.find(static_cast<std::int32_t>(page.number));
     if (found == pages.end())
         return Fail(error, kHeaderBlockAt, section.name + " page " + std::to_string(page.number) +
@@ -198,7 +198,7 @@ bool ReadDataPage(std::span<const std::uint8_t> file, const PageTable& pages,
     std::vector<std::uint8_t> plain;
     if (section.compressed == kCompressed) {
         DecompressError bad;
-        if (!Decompress2004(stored, section.maxPageSize, plain, bad))
+        if (!Decompress2004(stored, std::min<std::size_t>(section.maxPageSize, budget), plain, bad))
             return Fail(error, at + kDataPageHeader + bad.offset,
                         "bad compressed data in " + section.name + ": " + bad.reason);
     } else {
@@ -207,17 +207,18 @@ bool ReadDataPage(std::span<const std::uint8_t> file, const PageTable& pages,
     // The last page is padded to the page size: only the section's size is its data.
     const std::size_t keep = std::min<std::uint64_t>(plain.size(), section.size - data.size());
     data.insert(data.end(), plain.begin(), plain.begin() + static_cast<std::ptrdiff_t>(keep));
+    budget -= std::min(budget, plain.size());
     return true;
 }
 
 bool ReadSection(std::span<const std::uint8_t> file, const PageTable& pages,
                  const SectionDescription& section, std::vector<std::uint8_t>& data,
-                 MapError& error) {
+                 std::size_t& budget, MapError& error) {
     if (section.encrypted == 1)
         return Fail(error, kHeaderBlockAt, section.name + " is encrypted (a password-protected drawing)");
     for (const SectionPage& page : section.pages) {
         if (data.size() >= section.size) break;
-        if (!ReadDataPage(file, pages, section, page, data, error)) return false;
+        if (!ReadDataPage(file, pages, section, page, data, budget, error)) return false;
     }
     // A writer may list a section with a size but no pages (the 4-byte AcDb:Template of some
     // AC1018 files): nothing of it is stored, so it is kept empty.
@@ -243,23 +244,15 @@ bool ReadR2004Container(std::span<const std::uint8_t> file, DwgContainer& out, M
         return false;
     std::vector<SectionDescription> sections;
     if (!ParseSectionMap(mapData, sectionMap->second.address, sections, error)) return false;
+    std::size_t budget = DecodeBudget(file.size());
     for (const SectionDescription& section : sections) {
         if (section.name.empty()) continue;  // the first description stands for no data
         std::vector<std::uint8_t> data;
-        if (!ReadSection(file, pages, section, data, error)) return false;
+        if (!ReadSection(file, pages, section, data, budget, error)) return false;
         out.buffers.push_back(std::move(data));
         out.sections.push_back({section.name, out.buffers.back()});
     }
-    for (std::string_view needed : {kHeaderSection, kClassesSection, kHandlesSection, kObjectsSection}) {
-        if (FindSection(out, needed).empty())
-            return Fail(error, sectionMap->second.address, "the file has no " + std::string(needed) + " section");
-    }
-    return true;
-}
-
-bool ReadR2007Container(std::span<const std::uint8_t>, DwgContainer&, MapError& error) {
-    error = {0x80, "the page container of 2007 files is not read yet"};
-    return false;
+    return RequireDrawingSections(out, sectionMap->second.address, error);
 }
 
 }  // namespace dwg

@@ -19,6 +19,18 @@ enum DocLockMode : int {
 };
 }  // namespace AcAp
 
+// The transaction manager of a document, as far as a console host has one: graphics that a
+// command queues for the screen. Without a screen the queue is only counted.
+class AcTransactionManager {
+public:
+    void queueForGraphicsFlush() { ++queued_; }
+    void flushGraphics() { queued_ = 0; }
+    int queuedFlushes() const { return queued_; }
+
+private:
+    int queued_ = 0;
+};
+
 class AcApDocument {
 public:
     AcApDocument(AcDbDatabase* database, std::wstring fileName);
@@ -26,6 +38,7 @@ public:
     const ACHAR* fileName() const { return fileName_.c_str(); }
     AcAp::DocLockMode lockMode() const { return lockMode_; }
     int lockCount() const { return lockCount_; }
+    AcTransactionManager* transactionManager() { return &transactions_; }
 
 private:
     friend class AcApDocManager;
@@ -33,6 +46,7 @@ private:
     std::wstring fileName_;
     AcAp::DocLockMode lockMode_ = AcAp::kNotLocked;
     int lockCount_ = 0;
+    AcTransactionManager transactions_;
 };
 
 class AcApDocManagerReactor {

@@ -5,7 +5,15 @@
 
 Acad::ErrorStatus acedSetCurrentView(AcDbViewTableRecord* view, AcDbViewport*) {
     if (view == nullptr) return Acad::eNullObjectPointer;
-    Editor().currentView = {true, view->centerPoint(), view->width(), view->height()};
+    Editor().currentView = {true,
+                            view->centerPoint(),
+                            view->width(),
+                            view->height(),
+                            view->target(),
+                            view->viewDirection(),
+                            view->isPaperspaceView(),
+                            view->frontClipDistance(),
+                            view->backClipDistance()};
     return Acad::eOk;
 }
 

@@ -1,8 +1,11 @@
 #pragma once
 // The view of the host's drawing window. Without a screen the host only keeps what was asked for:
-// the centre, width and height of the current view, which tests and `tavrik` can read.
+// the centre, size, target, direction and clipping of the current view, which tests and
+// `tavrik` can read (VIEWCTR, VIEWSIZE).
 #include "platform/db/status.hpp"
 #include "platform/ge/point2d.hpp"
+#include "platform/ge/point3d.hpp"
+#include "platform/ge/vector3d.hpp"
 
 class AcDbViewTableRecord;
 class AcDbViewport;
@@ -12,6 +15,10 @@ struct CurrentViewRecord {
     AcGePoint2d center;
     double width = 0.0;
     double height = 0.0;
+    AcGePoint3d target;
+    AcGeVector3d direction;
+    bool paperSpace = false;
+    double frontClip = 0.0, backClip = 0.0;
 };
 
 // Makes the view current in the drawing window; eNullObjectPointer without a view.

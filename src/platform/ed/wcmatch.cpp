@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cwctype>
 #include <string_view>
 #include <vector>
@@ -31,7 +32,9 @@ bool MatchBracket(std::wstring_view pattern, size_t& p, wchar_t c) {
             if (high == L'`' && p + 2 < pattern.size()) high = pattern[++p + 1];
             p += 2;
         }
-        if (c >= low && c <= high) found = true;
+        // A range matches the same either way round: "a-A" is "A-a", as the host's matcher
+        // takes it (patterns such as "[a-A-z-Z]" rely on it to mean every letter).
+        if (c >= std::min(low, high) && c <= std::max(low, high)) found = true;
     }
     ++p;  // the closing ']'
     return found != negate;

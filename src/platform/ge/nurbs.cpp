@@ -1,27 +1,45 @@
 #include "platform/ge/nurbs.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 
 namespace tavrik::ge {
 namespace {
 
-std::size_t numPoints(const NurbsCurve& c) { return c.controlPoints.size(); }
-std::size_t degreeOf(const NurbsCurve& c) { return static_cast<std::size_t>(c.degree); }
+std::size_t numPoints(NurbsView c) { return c.controlPoints.size(); }
+std::size_t degreeOf(NurbsView c) { return static_cast<std::size_t>(c.degree); }
+
+// Working room for the basis functions of one evaluation: on the stack for the degrees that
+// drawings use, on the heap beyond, so that evaluating a point allocates nothing.
+class Scratch {
+public:
+    explicit Scratch(std::size_t count) {
+        if (count > stack_.size()) heap_.resize(count);
+    }
+    double* data() { return heap_.empty() ? stack_.data() : heap_.data(); }
+
+private:
+    std::array<double, 64> stack_;
+    std::vector<double> heap_;
+};
 
 // The index s of the knot span [knots[s], knots[s+1]) holding t, within [degree, n - 1]; the
 // end of the range belongs to the last non-empty span.
-std::size_t findSpan(const NurbsCurve& c, double t) {
+std::size_t findSpan(NurbsView c, double t) {
     const std::size_t p = degreeOf(c);
     std::size_t s = numPoints(c) - 1;
     while (s > p && (c.knots[s] > t || c.knots[s] == c.knots[s + 1])) --s;
     return s;
 }
 
-// The degree-d basis functions N[s-d .. s] at t (the non-zero ones of span s).
-std::vector<double> basisFunctions(const std::vector<double>& u, std::size_t s, double t,
-                                   std::size_t d) {
-    std::vector<double> n(d + 1, 0.0), left(d + 1, 0.0), right(d + 1, 0.0);
+// The degree-d basis functions N[s-d .. s] at t (the non-zero ones of span s) into n[0 .. d];
+// left and right are working room of d + 1 values.
+void basisFunctions(std::span<const double> u, std::size_t s, double t, std::size_t d, double* n,
+                    double* left, double* right) {
+    std::fill(n, n + d + 1, 0.0);
+    std::fill(left, left + d + 1, 0.0);
+    std::fill(right, right + d + 1, 0.0);
     n[0] = 1.0;
     for (std::size_t j = 1; j <= d; ++j) {
         left[j] = t - u[s + 1 - j];
@@ -35,21 +53,17 @@ std::vector<double> basisFunctions(const std::vector<double>& u, std::size_t s, 
         }
         n[j] = saved;
     }
-    return n;
 }
 
-struct BasisWithDerivative {
-    std::vector<double> value;
-    std::vector<double> derivative;
-};
-
-// N[s-p .. s] of degree p and their derivatives, from the degree p-1 functions.
-BasisWithDerivative basisWithDerivative(const NurbsCurve& c, std::size_t s, double t) {
+// N[s-p .. s] of degree p into value[0 .. p] and, unless derivative is null, their derivatives
+// into derivative[0 .. p], from the degree p-1 functions; scratch holds 3p values.
+void basisWithDerivative(NurbsView c, std::size_t s, double t, double* value, double* derivative,
+                         double* scratch) {
     const std::size_t p = degreeOf(c);
-    const std::vector<double>& u = c.knots;
-    std::vector<double> lower = basisFunctions(u, s, t, p - 1);  // N[s-p+1 .. s]
+    std::span<const double> u = c.knots;
+    double* lower = scratch;  // N[s-p+1 .. s]
+    basisFunctions(u, s, t, p - 1, lower, scratch + p, scratch + 2 * p);
     auto low = [&](std::size_t i) { return (i + p < s + 1 || i > s) ? 0.0 : lower[i + p - 1 - s]; };
-    BasisWithDerivative out{std::vector<double>(p + 1), std::vector<double>(p + 1)};
     const double dp = static_cast<double>(p);
     for (std::size_t k = 0; k <= p; ++k) {
         const std::size_t i = s - p + k;
@@ -57,15 +71,14 @@ BasisWithDerivative basisWithDerivative(const NurbsCurve& c, std::size_t s, doub
         const double b = u[i + p + 1] - u[i + 1];
         const double fa = a > 0 ? low(i) / a : 0.0;
         const double fb = b > 0 ? low(i + 1) / b : 0.0;
-        out.value[k] = (t - u[i]) * fa + (u[i + p + 1] - t) * fb;
-        out.derivative[k] = dp * (fa - fb);
+        value[k] = (t - u[i]) * fa + (u[i + p + 1] - t) * fb;
+        if (derivative) derivative[k] = dp * (fa - fb);
     }
-    return out;
 }
 
 }  // namespace
 
-bool isWellFormed(const NurbsCurve& c) {
+bool isWellFormed(NurbsView c) {
     if (c.degree < 1 || numPoints(c) <= degreeOf(c)) return false;
     if (c.knots.size() != numPoints(c) + degreeOf(c) + 1) return false;
     if (!std::is_sorted(c.knots.begin(), c.knots.end())) return false;
@@ -76,14 +89,21 @@ bool isWellFormed(const NurbsCurve& c) {
     return endParam(c) > startParam(c);
 }
 
-double startParam(const NurbsCurve& c) { return c.knots[degreeOf(c)]; }
-double endParam(const NurbsCurve& c) { return c.knots[numPoints(c)]; }
+double startParam(NurbsView c) { return c.knots[degreeOf(c)]; }
+double endParam(NurbsView c) { return c.knots[numPoints(c)]; }
 
-CurveSample evaluate(const NurbsCurve& c, double t) {
+namespace {
+
+// The point at t and, when asked, the first derivative; the point is computed the same way
+// either way.
+CurveSample sample(NurbsView c, double t, bool withDerivative) {
     t = std::clamp(t, startParam(c), endParam(c));
     const std::size_t p = degreeOf(c);
     const std::size_t s = findSpan(c, t);
-    BasisWithDerivative basis = basisWithDerivative(c, s, t);
+    Scratch scratch(5 * p + 2);
+    double* value = scratch.data();
+    double* derivative = value + p + 1;
+    basisWithDerivative(c, s, t, value, withDerivative ? derivative : nullptr, derivative + p + 1);
     // Homogeneous sums: A = sum N w P, W = sum N w, and their derivatives.
     AcGeVector3d a, da;
     double w = 0.0, dw = 0.0;
@@ -91,24 +111,35 @@ CurveSample evaluate(const NurbsCurve& c, double t) {
         const std::size_t i = s - p + k;
         const double wi = c.weights.empty() ? 1.0 : c.weights[i];
         const AcGeVector3d pi = c.controlPoints[i].asVector();
-        a += pi * (basis.value[k] * wi);
-        da += pi * (basis.derivative[k] * wi);
-        w += basis.value[k] * wi;
-        dw += basis.derivative[k] * wi;
+        a += pi * (value[k] * wi);
+        w += value[k] * wi;
+        if (withDerivative) {
+            da += pi * (derivative[k] * wi);
+            dw += derivative[k] * wi;
+        }
     }
     AcGeVector3d point = a / w;
-    AcGeVector3d derivative = (da - point * dw) / w;
-    return {AcGePoint3d::kOrigin + point, derivative};
+    AcGeVector3d slope = withDerivative ? (da - point * dw) / w : AcGeVector3d();
+    return {AcGePoint3d::kOrigin + point, slope};
 }
 
-std::vector<double> spanBreaks(const NurbsCurve& c) {
+}  // namespace
+
+CurveSample evaluate(NurbsView c, double t) { return sample(c, t, true); }
+
+AcGePoint3d pointAt(NurbsView c, double t) { return sample(c, t, false).point; }
+
+std::vector<double> spanBreaks(NurbsView c) {
     std::vector<double> breaks;
     for (std::size_t i = degreeOf(c); i <= numPoints(c); ++i)
         if (breaks.empty() || c.knots[i] > breaks.back()) breaks.push_back(c.knots[i]);
     return breaks;
 }
 
-ParametricCurve asParametricCurve(const NurbsCurve& curve) {
+ParametricCurve asParametricCurve(NurbsView view) {
+    NurbsCurve curve{view.degree, {view.knots.begin(), view.knots.end()},
+                     {view.controlPoints.begin(), view.controlPoints.end()},
+                     {view.weights.begin(), view.weights.end()}};
     return {[curve](double t) { return evaluate(curve, t); }, spanBreaks(curve)};
 }
 

@@ -7,6 +7,7 @@
 
 #include "platform/db/carried.hpp"
 #include "platform/db/raw_tags.hpp"
+#include "platform/ge/nurbs.hpp"
 #include "platform/render/canvas.hpp"
 
 namespace tavrik::render {
@@ -16,6 +17,7 @@ namespace {
 // Pattern lines closer than this on the device are drawn as a light fill instead.
 constexpr double kFinestSpacingPx = 2.0;
 constexpr int kArcSamples = 48;
+constexpr int kSplineSpanSamples = 16;
 
 struct PatternLine {
     double angle = 0.0;  // degrees
@@ -37,7 +39,10 @@ public:
         for (AcDbRawTag tag : tags) m_tags.push_back(tag);
     }
     bool done() const { return m_next >= m_tags.size(); }
-    int peekCode() const { return done() ? -1 : m_tags[m_next].code; }
+    // The code of the tag `ahead` places after the cursor; -1 past the end.
+    int peekCode(size_t ahead = 0) const {
+        return m_next + ahead < m_tags.size() ? m_tags[m_next + ahead].code : -1;
+    }
     // The value of the next tag of this code at or after the cursor, which moves past it.
     double number(int code) {
         while (!done() && m_tags[m_next].code != code) ++m_next;
@@ -83,7 +88,6 @@ void AppendArc(std::vector<AcGePoint3d>& loop, const AcGePoint3d& center, const 
 
 void ReadPolylineLoop(TagReader& tags, std::vector<AcGePoint3d>& loop) {
     bool bulges = tags.integer(72) != 0;
-    tags.integer(73);
     int count = tags.integer(93);
     std::vector<std::pair<AcGePoint3d, double>> vertices;
     for (int i = 0; i < count; ++i) {
@@ -109,6 +113,41 @@ void ReadPolylineLoop(TagReader& tags, std::vector<AcGePoint3d>& loop) {
     }
 }
 
+// A spline edge: degree, knots, control points (with weights when rational). Later versions
+// write fit data after them: its count (97) and fit points (11). That 97 is taken here, lest
+// the loop read it as its count of source objects and pass over what follows; the rest of the
+// fit data is passed over as every reading seeks its own code.
+tavrik::ge::NurbsCurve ReadSplineEdge(TagReader& tags) {
+    tavrik::ge::NurbsCurve curve;
+    curve.degree = tags.integer(94);
+    bool rational = tags.integer(73) != 0;
+    int knots = tags.integer(95), controls = tags.integer(96);
+    for (int i = 0; i < knots; ++i) curve.knots.push_back(tags.number(40));
+    for (int i = 0; i < controls; ++i) {
+        curve.controlPoints.push_back(tags.point(10));
+        if (rational) curve.weights.push_back(tags.peekCode() == 42 ? tags.number(42) : 1.0);
+    }
+    if (tags.peekCode() == 97 && tags.peekCode(1) == 11) tags.integer(97);
+    return curve;
+}
+
+// Points along the spline, kSplineSpanSamples per knot span; a malformed spline is drawn along
+// its control polygon.
+void AppendSpline(std::vector<AcGePoint3d>& loop, const tavrik::ge::NurbsCurve& curve) {
+    if (!tavrik::ge::isWellFormed(curve)) {
+        loop.insert(loop.end(), curve.controlPoints.begin(), curve.controlPoints.end());
+        return;
+    }
+    std::vector<double> breaks = tavrik::ge::spanBreaks(curve);
+    loop.push_back(tavrik::ge::evaluate(curve, breaks.front()).point);
+    for (size_t i = 1; i < breaks.size(); ++i) {
+        for (int k = 1; k <= kSplineSpanSamples; ++k) {
+            double t = breaks[i - 1] + (breaks[i] - breaks[i - 1]) * k / kSplineSpanSamples;
+            loop.push_back(tavrik::ge::evaluate(curve, t).point);
+        }
+    }
+}
+
 void ReadEdge(TagReader& tags, std::vector<AcGePoint3d>& loop) {
     int type = tags.integer(72);
     if (type == 1) {
@@ -126,15 +165,7 @@ void ReadEdge(TagReader& tags, std::vector<AcGePoint3d>& loop) {
         double start = tags.number(50) * M_PI / 180, end = tags.number(51) * M_PI / 180;
         AppendArc(loop, center, axisEnd - AcGePoint3d::kOrigin, ratio, start, end, tags.integer(73) != 0);
     } else if (type == 4) {
-        // A spline edge is drawn along its control polygon.
-        tags.integer(94);
-        bool rational = tags.integer(73) != 0;
-        int knots = tags.integer(95), controls = tags.integer(96);
-        for (int i = 0; i < knots; ++i) tags.number(40);
-        for (int i = 0; i < controls; ++i) {
-            loop.push_back(tags.point(10));
-            if (rational) tags.number(42);
-        }
+        AppendSpline(loop, ReadSplineEdge(tags));
     }
 }
 

@@ -4,76 +4,18 @@
 // text's height; cairo's matrix carries that plane onto the device.
 #include <cmath>
 #include <cwctype>
-#include <sstream>
 
 #include "platform/db/mtext.hpp"
 #include "platform/db/text.hpp"
 #include "platform/dxf/model.hpp"
-#include "platform/render/canvas.hpp"
+#include "platform/render/text_frame.hpp"
 
 namespace tavrik::render {
 
 namespace {
 
-// The font that the Debian package fonts-wqy-microhei installs; fontconfig falls back to
-// another CJK font (fonts-noto-cjk) when it is missing.
-constexpr const char* kTextFont = "WenQuanYi Micro Hei";
-// Multi-line texts space their lines at 5/3 of the height times the spacing factor.
-constexpr double kLinePitch = 5.0 / 3.0;
 // Texts smaller than this on the device are not drawn: they would be a smudge.
 constexpr double kSmallestHeightPx = 1.0;
-
-// A text's plane: its anchor and axes in world units of the block (x stretched by the width
-// factor, y of the text's height).
-struct TextFrame {
-    AcGePoint3d anchor;
-    AcGeVector3d xAxis;
-    AcGeVector3d yAxis;
-};
-
-// The %% codes of texts: degree, diameter and plus-minus signs; the underline and overline
-// toggles are dropped; "%%%" is a percent sign.
-std::wstring ExpandControlCodes(const std::wstring& text) {
-    std::wstring out;
-    for (size_t i = 0; i < text.size(); ++i) {
-        if (text.compare(i, 2, L"%%") != 0 || i + 2 >= text.size()) {
-            out += text[i];
-            continue;
-        }
-        wchar_t code = static_cast<wchar_t>(std::towlower(text[i + 2]));
-        if (code == L'd') out += L'\u00B0';
-        else if (code == L'c') out += L'\u00D8';
-        else if (code == L'p') out += L'\u00B1';
-        else if (code == L'%') out += L'%';
-        else if (code != L'u' && code != L'o') out += text.substr(i, 3);
-        i += 2;
-    }
-    return out;
-}
-
-double AdvanceOf(const Canvas& canvas, const std::string& utf8) {
-    cairo_text_extents_t extents;
-    cairo_text_extents(canvas.cr, utf8.c_str(), &extents);
-    return extents.x_advance;
-}
-
-// Sets cairo's matrix so that one unit is the text height along the frame's axes, with y down
-// as cairo draws glyphs, and the font so that its capitals are one unit high.
-bool EnterFrame(Canvas& canvas, const BlockContext& context, const TextFrame& frame) {
-    AcGePoint3d origin = context.xform * frame.anchor;
-    AcGeVector3d x = context.xform * frame.xAxis;
-    AcGeVector3d y = context.xform * frame.yAxis;
-    if (y.length() * canvas.scale < kSmallestHeightPx) return false;
-    DevicePoint o = canvas.toDevice(origin);
-    cairo_matrix_t m;
-    cairo_matrix_init(&m, x.x * canvas.scale, -x.y * canvas.scale, -y.x * canvas.scale, y.y * canvas.scale, o.x, o.y);
-    cairo_matrix_t inverse = m;
-    if (cairo_matrix_invert(&inverse) != CAIRO_STATUS_SUCCESS) return false;  // a degenerate text
-    cairo_save(canvas.cr);
-    cairo_set_matrix(canvas.cr, &m);
-    cairo_set_font_size(canvas.cr, 1.0 / canvas.capHeightPerEm);
-    return true;
-}
 
 void ShowLine(Canvas& canvas, const std::string& utf8, double u, double v) {
     cairo_move_to(canvas.cr, u, -v);
@@ -137,42 +79,48 @@ void DrawSingleLine(Canvas& canvas, const AcDbText& text, const BlockContext& co
     cairo_restore(canvas.cr);
 }
 
-std::vector<std::string> LinesOf(const std::wstring& text) {
-    std::vector<std::string> lines;
-    std::wstringstream in(text);
-    std::wstring line;
-    while (std::getline(in, line)) lines.push_back(dxf::Utf8(line));
-    return lines;
-}
-
-// A multi-line text: its contents without format codes, one paragraph a line, placed by its
-// attachment point (rows top, middle, bottom; columns left, centre, right).
-void DrawMultiLine(Canvas& canvas, const AcDbMText& mtext, const BlockContext& context) {
-    std::vector<std::string> lines = LinesOf(ExpandControlCodes(mtext.text()));
-    if (lines.empty()) return;
-    double height = mtext.textHeight() > 0 ? mtext.textHeight() : 2.5;
-    AcGeVector3d direction = mtext.direction();
-    if (direction.length() < 1e-12) direction = AcGeVector3d(1, 0, 0);
-    direction = direction / direction.length();
-    AcGeVector3d up = mtext.normal().crossProduct(direction);
-    if (up.length() < 1e-12) up = AcGeVector3d(-direction.y, direction.x, 0);
-    TextFrame frame{mtext.location(), direction * height, up / up.length() * height};
-    if (!EnterFrame(canvas, context, frame)) return;
-    int attachment = static_cast<int>(mtext.attachment());
-    int row = (attachment - 1) / 3, column = (attachment - 1) % 3;
-    double pitch = kLinePitch * (mtext.lineSpacingFactor() > 0 ? mtext.lineSpacingFactor() : 1.0);
-    double block = 1.0 + (lines.size() - 1) * pitch;
-    double firstBaseline = row == 0 ? -1.0 : row == 1 ? block / 2 - 1.0 : block - 1.0;
-    SetColor(canvas, mtext, context);
-    for (size_t i = 0; i < lines.size(); ++i) {
-        double advance = AdvanceOf(canvas, lines[i]);
-        double u = column == 0 ? 0.0 : column == 1 ? -advance / 2 : -advance;
-        ShowLine(canvas, lines[i], u, firstBaseline - i * pitch);
-    }
-    cairo_restore(canvas.cr);
-}
-
 }  // namespace
+
+std::wstring ExpandControlCodes(const std::wstring& text) {
+    std::wstring out;
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (text.compare(i, 2, L"%%") != 0 || i + 2 >= text.size()) {
+            out += text[i];
+            continue;
+        }
+        wchar_t code = static_cast<wchar_t>(std::towlower(text[i + 2]));
+        if (code == L'd') out += L'\u00B0';
+        else if (code == L'c') out += L'\u00D8';
+        else if (code == L'p') out += L'\u00B1';
+        else if (code == L'%') out += L'%';
+        else if (code != L'u' && code != L'o') out += text.substr(i, 3);
+        i += 2;
+    }
+    return out;
+}
+
+double AdvanceOf(const Canvas& canvas, const std::string& utf8) {
+    cairo_text_extents_t extents;
+    cairo_text_extents(canvas.cr, utf8.c_str(), &extents);
+    return extents.x_advance;
+}
+
+bool EnterFrame(Canvas& canvas, const BlockContext& context, const TextFrame& frame) {
+    AcGePoint3d origin = context.xform * frame.anchor;
+    AcGeVector3d x = context.xform * frame.xAxis;
+    AcGeVector3d y = context.xform * frame.yAxis;
+    if (y.length() * canvas.scale < kSmallestHeightPx) return false;
+    DevicePoint o = canvas.toDevice(origin);
+    cairo_matrix_t m;
+    cairo_matrix_init(&m, x.x * canvas.scale, -x.y * canvas.scale, -y.x * canvas.scale, y.y * canvas.scale, o.x, o.y);
+    cairo_matrix_t inverse = m;
+    if (cairo_matrix_invert(&inverse) != CAIRO_STATUS_SUCCESS) return false;  // a degenerate text
+    cairo_save(canvas.cr);
+    cairo_set_matrix(canvas.cr, &m);
+    cairo_set_font_size(canvas.cr, 1.0 / canvas.capHeightPerEm);
+    return true;
+}
+
 
 void SelectTextFont(Canvas& canvas) {
     cairo_select_font_face(canvas.cr, kTextFont, CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);

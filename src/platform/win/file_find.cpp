@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <sys/stat.h>
 #include <system_error>
 
 #include "platform/win/codepage.hpp"
@@ -17,12 +18,18 @@ bool IsRootFolder(std::wstring_view folder) {
     return folder.empty() || folder == L"/" || (folder.size() == 2 && folder[1] == L':');
 }
 
+// A hit from one look-up of the file (links followed): folders have no length, nor has what is
+// neither a folder nor a plain file, nor what cannot be looked up.
+CFileFind::Hit MakeHit(std::wstring name, const struct stat& info) {
+    bool directory = S_ISDIR(info.st_mode);
+    ULONGLONG length = S_ISREG(info.st_mode) ? static_cast<ULONGLONG>(info.st_size) : 0;
+    return {std::move(name), directory ? FILE_ATTRIBUTE_DIRECTORY : FILE_ATTRIBUTE_NORMAL, length};
+}
+
 CFileFind::Hit MakeHit(std::wstring name, const fs::path& file) {
-    std::error_code error;
-    bool directory = fs::is_directory(file, error);
-    ULONGLONG length = directory ? 0 : static_cast<ULONGLONG>(fs::file_size(file, error));
-    return {std::move(name), directory ? FILE_ATTRIBUTE_DIRECTORY : FILE_ATTRIBUTE_NORMAL,
-            error ? 0 : length};
+    struct stat info {};
+    if (::stat(file.c_str(), &info) != 0) return {std::move(name), FILE_ATTRIBUTE_NORMAL, 0};
+    return MakeHit(std::move(name), info);
 }
 
 }  // namespace
@@ -37,15 +44,14 @@ BOOL CFileFind::FindFile(LPCTSTR name, DWORD) {
     if (namePattern.empty()) return FALSE;
     root_ = folder;
     std::wstring lookup = folder.size() == 2 && folder[1] == L':' ? folder + L"\\" : folder;
-    fs::path base = ResolvePath(lookup.empty() ? L"\\" : lookup);
-
     if (!HasWildcards(namePattern)) {
         fs::path file = ResolvePath(lookup + L"\\" + namePattern);
-        std::error_code error;
-        if (!fs::exists(file, error)) return FALSE;
-        hits_.push_back(MakeHit(WideFromUtf8(file.filename().string()), file));
+        struct stat info {};
+        if (::stat(file.c_str(), &info) != 0) return FALSE;
+        hits_.push_back(MakeHit(WideFromUtf8(file.filename().string()), info));
         return TRUE;
     }
+    fs::path base = ResolvePath(lookup.empty() ? L"\\" : lookup);
     std::error_code error;
     for (const fs::directory_entry& entry : fs::directory_iterator(base, error)) {
         std::wstring entryName = WideFromUtf8(entry.path().filename().string());

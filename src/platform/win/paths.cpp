@@ -44,9 +44,23 @@ fs::path MatchEntry(const fs::path& folder, const std::wstring& name) {
     return folder / utf8;
 }
 
+// The path spelled exactly as given, when it exists: then every folder on the way exists under
+// its own spelling too, and the walk below would build the same path one look-up at a time.
+// Empty when it does not exist or when "." or ".." have to be folded first.
+fs::path ExactPath(const fs::path& root, const std::vector<std::wstring>& parts) {
+    fs::path exact = root;
+    for (const std::wstring& part : parts) {
+        if (part == L"." || part == L"..") return {};
+        exact /= Utf8FromWide(part);
+    }
+    std::error_code error;
+    return fs::exists(exact, error) ? exact : fs::path();
+}
+
 // "." and ".." act on the path built so far, as Windows folds them before any look-up; ".."
 // stops at the root (a drive's folder), so no path leaves its drive.
 fs::path Walk(const fs::path& root, const std::vector<std::wstring>& parts) {
+    if (fs::path exact = ExactPath(root, parts); !exact.empty()) return exact;
     fs::path base = root;
     std::vector<fs::path> walked;
     for (const std::wstring& part : parts) {

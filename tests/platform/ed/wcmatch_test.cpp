@@ -34,6 +34,9 @@ INSTANTIATE_TEST_SUITE_P(
         WcCase{L"TYPE3", L"TYPE[1-9]", true}, WcCase{L"TYPE0", L"TYPE[1-9]", false},
         WcCase{L"b", L"[abc]", true}, WcCase{L"d", L"[abc]", false}, WcCase{L"d", L"[~abc]", true},
         WcCase{L"a", L"[~abc]", false},
+        // a range written high to low is the same range: "[a-A-z-Z]" takes every letter
+        WcCase{L"H7:20", L"[a-A-z-Z]*", true}, WcCase{L"q", L"[a-A-z-Z]", true},
+        WcCase{L"7H", L"[a-A-z-Z]*", false}, WcCase{L"c", L"[c-a]", true}, WcCase{L"d", L"[c-a]", false},
         // '~' negates the whole pattern
         WcCase{L"ABC", L"~A*", false}, WcCase{L"XBC", L"~A*", true},
         // ',' separates alternatives, each may be negated

@@ -57,3 +57,17 @@ TEST(Nurbs, malformed_definitions_are_refused) {
     c.weights[1] = 0.0;
     EXPECT_FALSE(isWellFormed(c));
 }
+
+TEST(Nurbs, point_alone_is_the_point_of_the_full_evaluation_to_the_last_bit) {
+    NurbsCurve rational = quarterCircle();
+    NurbsCurve cubic{3, {0, 0, 0, 0, 1, 2, 2, 2, 2}, {{0, 0, 0}, {1, 2, 0}, {3, -1, 1}, {4, 0, 0}, {6, 2, 0}}, {}};
+    for (const NurbsCurve& c : {rational, cubic}) {
+        for (int i = -2; i <= 202; ++i) {
+            double t = startParam(c) + (endParam(c) - startParam(c)) * i / 200.0;
+            AcGePoint3d full = evaluate(c, t).point, alone = pointAt(c, t);
+            EXPECT_EQ(alone.x, full.x) << t;
+            EXPECT_EQ(alone.y, full.y) << t;
+            EXPECT_EQ(alone.z, full.z) << t;
+        }
+    }
+}

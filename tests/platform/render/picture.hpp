@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 #include "platform/db/database.hpp"
@@ -60,6 +61,55 @@ inline int RenderFile(const fs::path& dxf, const fs::path& out, const tavrik::re
         return 16;
     }
     return tavrik::render::RenderDrawing(db, out.string(), options, error);
+}
+
+namespace render = tavrik::render;
+
+// A frame from (0,0) to (100,100) that fixes the view, so that drawings map 1:1 to the test's
+// expectations: 100 units over the picture's 200 - 2 * 2% pixels.
+inline const std::string kFrame = "0\nPOINT\n8\n0\n10\n0\n20\n0\n0\nPOINT\n8\n0\n10\n100\n20\n100\n";
+
+struct Rendered {
+    int status = 0;
+    std::string error;
+    fs::path png;
+};
+
+inline Rendered Render(const std::string& name, const std::string& text, render::Options options = {}) {
+    fs::path dir = TempDir();
+    fs::path dxf = dir / (name + ".dxf");
+    std::ofstream(dxf) << text;
+    Rendered r;
+    r.png = dir / (name + ".png");
+    if (options.width == 1600) {
+        options.width = 200;
+        options.height = 200;
+    }
+    r.status = RenderFile(dxf, r.png, options, r.error);
+    return r;
+}
+
+// The pixel row of drawing height y, and the column of x, in the 200x200 picture of the frame.
+inline int Row(double y) { return static_cast<int>(100 - (y - 50) * 1.92 + 0.5); }
+inline int Column(double x) { return static_cast<int>(100 + (x - 50) * 1.92 + 0.5); }
+
+inline bool IsBackgroundLight(Pixel p) { return p.r == 255 && p.g == 255 && p.b == 255; }
+
+// The darkest pixel of the row band around y at column x: lines fall between pixel centres.
+inline Pixel Ink(const Picture& picture, int x, double y) {
+    Pixel best{255, 255, 255};
+    for (int row = Row(y) - 1; row <= Row(y) + 1; ++row) {
+        Pixel p = picture.at(x, row);
+        if (p.r + p.g + p.b < best.r + best.g + best.b) best = p;
+    }
+    return best;
+}
+
+inline render::Options Light() {
+    render::Options options;
+    options.width = options.height = 200;
+    options.background = render::Background::kLight;
+    return options;
 }
 
 }  // namespace rendertest

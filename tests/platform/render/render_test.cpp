@@ -9,7 +9,6 @@
 namespace {
 
 using namespace rendertest;
-namespace render = tavrik::render;
 
 const std::string kLayers =
     "0\nTABLE\n2\nLTYPE\n70\n3\n0\nLTYPE\n2\nCONTINUOUS\n70\n0\n3\n\n72\n65\n73\n0\n40\n0\n"
@@ -19,55 +18,9 @@ const std::string kLayers =
     "0\nLAYER\n2\nRED\n70\n0\n62\n1\n6\nCONTINUOUS\n0\nLAYER\n2\nOFF\n70\n0\n62\n-3\n6\nCONTINUOUS\n"
     "0\nLAYER\n2\nFROZEN\n70\n1\n62\n3\n6\nCONTINUOUS\n0\nENDTAB\n";
 
-// A frame from (0,0) to (100,100) that fixes the view, so that drawings map 1:1 to the test's
-// expectations: 100 units over the picture's 200 - 2 * 2% pixels.
-const std::string kFrame = "0\nPOINT\n8\n0\n10\n0\n20\n0\n0\nPOINT\n8\n0\n10\n100\n20\n100\n";
-
 std::string Line(const std::string& layer, double y, const std::string& extra = "") {
     return "0\nLINE\n8\n" + layer + "\n" + extra + "10\n10\n20\n" + std::to_string(y) + "\n11\n90\n21\n" +
            std::to_string(y) + "\n";
-}
-
-struct Rendered {
-    int status = 0;
-    std::string error;
-    fs::path png;
-};
-
-Rendered Render(const std::string& name, const std::string& text, render::Options options = {}) {
-    fs::path dir = TempDir();
-    fs::path dxf = dir / (name + ".dxf");
-    std::ofstream(dxf) << text;
-    Rendered r;
-    r.png = dir / (name + ".png");
-    if (options.width == 1600) {
-        options.width = 200;
-        options.height = 200;
-    }
-    r.status = RenderFile(dxf, r.png, options, r.error);
-    return r;
-}
-
-// The pixel row of drawing height y in the 200x200 picture of the frame.
-int Row(double y) { return static_cast<int>(100 - (y - 50) * 1.92 + 0.5); }
-
-bool IsBackgroundLight(Pixel p) { return p.r == 255 && p.g == 255 && p.b == 255; }
-
-// The darkest pixel of the row band around y at column x: lines fall between pixel centres.
-Pixel Ink(const Picture& picture, int x, double y) {
-    Pixel best{255, 255, 255};
-    for (int row = Row(y) - 1; row <= Row(y) + 1; ++row) {
-        Pixel p = picture.at(x, row);
-        if (p.r + p.g + p.b < best.r + best.g + best.b) best = p;
-    }
-    return best;
-}
-
-render::Options Light() {
-    render::Options options;
-    options.width = options.height = 200;
-    options.background = render::Background::kLight;
-    return options;
 }
 
 TEST(RenderColours, by_layer_entity_takes_its_layers_colour) {

@@ -88,6 +88,20 @@ def texts():
     return drawing(e, styles=[style("HZ", "hztxt.shx", "hzbig.shx")])
 
 
+def mtext_codes():
+    """Multi-line texts with their format codes: colours, heights, widths, slant, tracking,
+    under-, over- and strike-through lines, the three kinds of stack, an empty paragraph, and
+    a text attached at its middle centre."""
+    codes = ("Normal {\\C1;red} {\\c16711680;blue}\\P{\\H2x;Big} {\\W2;wide} {\\Q20;slant} {\\T2;spaced}"
+             "\\P{\\Lunder} {\\Oover} {\\Kstrike}\\P\\P1\\S1/2; 3\\S3#4; 50\\S+0.1^-0.05;"
+             "\\P{\\fArial|b1|i1;粗斜} %%c8")
+    e = tags((0, "MTEXT"), (8, "0"), (62, 7), (10, 0), (20, 60), (40, 5), (71, 1), (1, codes))
+    e += tags((0, "MTEXT"), (8, "0"), (62, 5), (10, 85), (20, 20), (40, 4), (71, 5),
+              (1, "中心\\P{\\H1.5x;MIDDLE}\\Pcentre"))
+    e += line((85, 10), (85, 30), "0", (62, 1)) + line((75, 20), (95, 20), "0", (62, 1))
+    return drawing(e, styles=[style("HZ", "hztxt.shx", "hzbig.shx")])
+
+
 def blocks():
     inner = block("INNER", line((-5, 0), (5, 0), "0", (62, 0)) + tags(
         (0, "CIRCLE"), (8, "0"), (62, 0), (10, 0), (20, 0), (40, 4)) + line((0, 0), (0, 8), "0", (62, 3)))
@@ -141,7 +155,8 @@ def hatches():
     return drawing(solid + pattern + ellipse)
 
 
-SCENES = {"curves": curves, "texts": texts, "blocks": blocks, "dimension": dimension, "hatches": hatches}
+SCENES = {"curves": curves, "texts": texts, "blocks": blocks, "dimension": dimension, "hatches": hatches,
+          "mtext_codes": mtext_codes}
 
 if __name__ == "__main__":
     for name, make in SCENES.items():

@@ -1,0 +1,212 @@
+#include "platform/dwg/encode_symbols.hpp"
+
+#include "platform/dwg/encode_header.hpp"
+#include "platform/dwg/encode_tables.hpp"
+#include "platform/dwg/entities.hpp"
+
+namespace dwg {
+namespace {
+
+constexpr std::int32_t kAppId = 67;
+constexpr std::int32_t kMLineStyle = 73;
+constexpr std::int32_t kDimStyleControl = 68;
+
+void WriteStyle(BitWriter& d, const SymbolRecord& r) {
+    d.B(r.vertical);
+    d.B(r.shapeFile);
+    d.BD(r.fixedHeight);
+    d.BD(r.widthFactor);
+    d.BD(r.oblique);
+    d.RC(r.generation);
+    d.BD(r.lastHeight);
+    d.T(r.font);
+    d.T(r.bigFont);
+}
+
+// The dashes keep their lengths; shapes and texts of complex linetypes are not modelled, so
+// each dash is plain and the text area is empty.
+void WriteLinetype(BitWriter& d, const SymbolRecord& r) {
+    d.T(r.description);
+    d.BD(r.patternLength);
+    d.RC('A');
+    d.RC(static_cast<unsigned>(r.dashes.size()));
+    for (double dash : r.dashes) {
+        d.BD(dash);
+        d.BS(0);
+        d.RD(0);
+        d.RD(0);
+        d.BD(1);
+        d.BD(0);
+        d.BS(0);
+    }
+    d.bytes(std::string(256, '\0'));
+}
+
+void WriteViewValues(BitWriter& d, const SymbolRecord& r) {
+    d.BD(r.height);
+    d.BD(r.width);
+    d.RD2(r.center);
+    d.BD3(r.target);
+    d.BD3(r.direction);
+    d.BD(r.twist);
+    d.BD(r.lensLength);
+    d.BD(r.frontClip);
+    d.BD(r.backClip);
+    d.B(r.viewMode & 1);
+    d.B(r.viewMode & 2);
+    d.B(r.viewMode & 4);
+    d.B(!(r.viewMode & 16));
+    d.RC(r.renderMode);
+}
+
+void WriteViewport(BitWriter& d, const SymbolRecord& r) {
+    WriteViewValues(d, r);
+    d.RD2(r.lowerLeft);
+    d.RD2(r.upperRight);
+    d.B(r.ucsFollow);
+    d.BS(r.circleZoom);
+    d.B(r.fastZoom);
+    d.bits(r.ucsIcon, 2);
+    d.B(r.gridOn);
+    d.RD2(r.gridSpacing);
+    d.B(r.snapOn);
+    d.B(r.snapStyle);
+    d.BS(r.snapIsoPair);
+    d.BD(r.snapRotation);
+    d.RD2(r.snapBase);
+    d.RD2(r.snapSpacing);
+    d.B(false);
+    d.B(r.hasUcs);
+    d.BD3(r.origin);
+    d.BD3(r.xAxis);
+    d.BD3(r.yAxis);
+    d.BD(r.elevation);
+    d.BS(r.orthoType);
+}
+
+void WritePlotSettings(BitWriter& d, const PlotSettings& p) {
+    d.T(p.pageSetupName);
+    d.T(p.printerName);
+    d.BS(p.flags);
+    for (double m : p.margins) d.BD(m);
+    d.BD(p.paperWidth);
+    d.BD(p.paperHeight);
+    d.T(p.paperSize);
+    d.BD2(p.origin);
+    d.BS(p.paperUnits);
+    d.BS(p.rotation);
+    d.BS(p.plotType);
+    d.BD2(p.windowMin);
+    d.BD2(p.windowMax);
+    if (d.version() < Version::kR2004) d.T(p.plotViewName);
+    d.BD(p.realWorldUnits);
+    d.BD(p.drawingUnits);
+    d.T(p.styleSheet);
+    d.BS(p.scaleType);
+    d.BD(p.scaleFactor);
+    d.BD2(p.imageOrigin);
+    if (d.version() >= Version::kR2004) {
+        d.BS(p.shadeMode);
+        d.BS(p.shadeResolution);
+        d.BS(p.shadeDpi);
+    }
+}
+
+}  // namespace
+
+std::vector<std::uint8_t> EncodeControl(const ControlRecord& control,
+                                        const EncodeOptions& options) {
+    ObjectWriter o = BeginObject(control.type, control.common.handle, options.version,
+                                 options.codePage);
+    WriteObjectCommon(o, control.common);
+    o.data.BL(static_cast<std::int32_t>(control.entries.size()));
+    if (control.type == kDimStyleControl) o.data.RC(0);  // no further handles
+    for (std::uint64_t entry : control.entries) WriteHandle(o, kSoftOwner, entry);
+    for (std::uint64_t apart : control.apart) WriteHandle(o, kHardOwner, apart);
+    return FinishObject(o);
+}
+
+std::vector<std::uint8_t> EncodeSymbolRecord(const SymbolRecord& r, std::int32_t type,
+                                             const EncodeOptions& options) {
+    ObjectWriter o = BeginObject(type, r.entry.common.handle, options.version, options.codePage);
+    WriteTableEntry(o, r.entry);
+    switch (type) {
+        case kStyle: WriteStyle(o.data, r); break;
+        case kLinetype: WriteLinetype(o.data, r); break;
+        case kViewport: WriteViewport(o.data, r); break;
+        case kAppId: o.data.RC(0); break;
+        default: break;
+    }
+    WriteHandle(o, kHardPointer, r.entry.xrefBlock);
+    if (type == kLinetype) {
+        for (std::size_t i = 0; i < r.dashes.size(); ++i) WriteHandle(o, kHardPointer, 0);
+    }
+    if (type == kViewport) {
+        WriteHandle(o, kHardPointer, 0);  // named UCS
+        WriteHandle(o, kHardPointer, 0);  // base UCS
+    }
+    if (type == kDimensionStyle) {
+        WriteDimensionVariables(o.data, o.handles, r.dim);
+        o.data.B(false);
+    }
+    return FinishObject(o);
+}
+
+std::vector<std::uint8_t> EncodeLayout(const LayoutRecord& l, const EncodeOptions& options) {
+    ObjectWriter o = BeginObject(kLayout, l.common.handle, options.version, options.codePage);
+    WriteObjectCommon(o, l.common);
+    WritePlotSettings(o.data, l.plot);
+    BitWriter& d = o.data;
+    d.T(l.name);
+    d.BS(l.tabOrder);
+    d.BS(l.flags);
+    d.BD3(l.ucsOrigin);
+    d.RD2(l.limmin);
+    d.RD2(l.limmax);
+    d.BD3(l.insbase);
+    d.BD3(l.ucsX);
+    d.BD3(l.ucsY);
+    d.BD(l.elevation);
+    d.BS(l.orthoView);
+    d.BD3(l.extmin);
+    d.BD3(l.extmax);
+    if (options.version >= Version::kR2004) {
+        d.BL(static_cast<std::int32_t>(l.viewports.size()));
+        WriteHandle(o, kSoftPointer, l.plot.plotView);
+    }
+    WriteHandle(o, kSoftPointer, l.block);
+    WriteHandle(o, kSoftPointer, l.viewport);
+    WriteHandle(o, kHardPointer, l.baseUcs);
+    WriteHandle(o, kHardPointer, l.namedUcs);
+    for (std::uint64_t viewport : l.viewports) WriteHandle(o, kSoftPointer, viewport);
+    return FinishObject(o);
+}
+
+std::vector<std::uint8_t> EncodeMLineStyle(const MLineStyleRecord& s,
+                                           const EncodeOptions& options) {
+    ObjectWriter o = BeginObject(kMLineStyle, s.common.handle, options.version, options.codePage);
+    WriteObjectCommon(o, s.common);
+    BitWriter& d = o.data;
+    d.T(s.name);
+    d.T(s.description);
+    d.BS(s.flags);
+    d.CMC(s.fill);
+    d.BD(s.startAngle);
+    d.BD(s.endAngle);
+    d.RC(static_cast<unsigned>(s.lines.size()));
+    for (const MLineStyleLine& line : s.lines) {
+        d.BD(line.offset);
+        d.CMC(line.color);
+        d.BS(line.linetypeIndex);
+    }
+    return FinishObject(o);
+}
+
+std::vector<std::uint8_t> EncodePlaceHolder(const ObjectCommon& common,
+                                            const EncodeOptions& options) {
+    ObjectWriter o = BeginObject(kPlaceHolder, common.handle, options.version, options.codePage);
+    WriteObjectCommon(o, common);
+    return FinishObject(o);
+}
+
+}  // namespace dwg

@@ -1,0 +1,50 @@
+#pragma once
+// Encoders of the table control objects, the symbol table records other than layers and block
+// records, and the objects every drawing of 2000 on has (layouts, multiline styles,
+// placeholders): the mirrors of their decoders.
+#include <cstdint>
+#include <vector>
+
+#include "platform/dwg/encode_object.hpp"
+#include "platform/dwg/layout.hpp"
+#include "platform/dwg/symbols.hpp"
+
+namespace dwg {
+
+// A table's control object: its records (soft owner), then the records it holds apart (the
+// model and paper space blocks, the ByBlock and ByLayer linetypes) as hard owners.
+struct ControlRecord {
+    ObjectCommon common;
+    std::int32_t type = 0;  // 48 BLOCK_CONTROL ... 68 DIMSTYLE_CONTROL
+    std::vector<std::uint64_t> entries;
+    std::vector<std::uint64_t> apart;
+};
+
+// One line of a multiline style.
+struct MLineStyleLine {
+    double offset = 0;
+    Color color;
+    std::int16_t linetypeIndex = 0;
+};
+
+struct MLineStyleRecord {
+    ObjectCommon common;
+    std::string name, description;
+    std::int16_t flags = 0;
+    Color fill;
+    double startAngle = 0, endAngle = 0;
+    std::vector<MLineStyleLine> lines;
+};
+
+std::vector<std::uint8_t> EncodeControl(const ControlRecord& control,
+                                        const EncodeOptions& options);
+// STYLE, LTYPE, APPID, DIMSTYLE and VPORT by the record's type.
+std::vector<std::uint8_t> EncodeSymbolRecord(const SymbolRecord& record, std::int32_t type,
+                                             const EncodeOptions& options);
+std::vector<std::uint8_t> EncodeLayout(const LayoutRecord& layout, const EncodeOptions& options);
+std::vector<std::uint8_t> EncodeMLineStyle(const MLineStyleRecord& style,
+                                           const EncodeOptions& options);
+std::vector<std::uint8_t> EncodePlaceHolder(const ObjectCommon& common,
+                                            const EncodeOptions& options);
+
+}  // namespace dwg

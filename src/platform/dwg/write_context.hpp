@@ -1,0 +1,57 @@
+#pragma once
+// What the DWG writer keeps while it turns the DXF records of a drawing into objects: the
+// handles behind the names that records use, the encoded objects by handle, and what it had
+// to leave out.
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/dwg/dxf_source.hpp"
+#include "platform/dwg/encode_object.hpp"
+#include "platform/dwg/header.hpp"
+
+namespace dwg {
+
+// Symbol names compare without regard to case, as the format's readers compare them.
+std::string NameKey(std::string_view name);
+
+struct WriteContext {
+    EncodeOptions options;
+    std::unordered_map<std::string, std::uint64_t> layers, linetypes, styles, blocks;
+    std::unordered_map<std::string, std::uint64_t> dimensionStyles;
+    std::uint64_t modelSpace = 0, paperSpace = 0;
+    std::uint64_t nextHandle = 1;  // for records that come without one
+    std::map<std::uint64_t, std::vector<std::uint8_t>> objects;
+    std::unordered_map<std::uint64_t, std::vector<std::uint64_t>> owned;  // block record: entities
+    std::map<std::string, int> leftOut;  // record type: how many
+
+    std::uint64_t handleOf(const SourceRecord& r, int code = 5);
+    static std::uint64_t find(const std::unordered_map<std::string, std::uint64_t>& table,
+                              std::string_view name);
+    void add(std::uint64_t handle, std::vector<std::uint8_t> bytes) {
+        objects[handle] = std::move(bytes);
+    }
+    bool written(std::uint64_t handle) const { return objects.count(handle) != 0; }
+};
+
+// The common data of an object record: handle, owner, reactors, extension dictionary.
+ObjectCommon ObjectCommonOf(const SourceRecord& r, WriteContext& c, int handleCode = 5);
+
+// Encodes the entities of one owner (a block record, or the entity that owns attributes and
+// vertices) in their order; attributes and vertices follow their owner up to its SEQEND.
+// Returns the handles of the entities written directly under the owner.
+std::vector<std::uint64_t> WriteEntities(const std::vector<SourceRecord>& records,
+                                         std::uint64_t owner, WriteContext& c);
+
+// An entity's common data from its record.
+EntityCommon EntityCommonOf(const SourceRecord& r, std::uint64_t owner, WriteContext& c);
+
+// The dimension variables of a new drawing, for those a record or the header does not give.
+DimensionVariables NewDrawingDimensionVariables();
+
+inline constexpr double kRadians = 0.017453292519943295;
+
+}  // namespace dwg

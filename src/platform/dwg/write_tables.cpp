@@ -1,0 +1,443 @@
+// The symbol tables and the non-graphical objects from their DXF records: table records with
+// their control objects, block records with their BLOCK and ENDBLK, dictionaries, layouts and
+// multiline styles.
+#include "platform/dwg/write_tables.hpp"
+
+#include "platform/dwg/encode_blocks.hpp"
+#include "platform/dwg/encode_symbols.hpp"
+#include "platform/dwg/encode_tables.hpp"
+#include "platform/dwg/entities.hpp"
+#include "platform/dxf/tagger.hpp"
+
+namespace dwg {
+namespace {
+
+TableEntry EntryOf(const SourceRecord& r, WriteContext& c, int handleCode = 5) {
+    TableEntry e;
+    e.common = ObjectCommonOf(r, c, handleCode);
+    e.name = std::string(r.text(2));
+    const long long flags = r.integer(70);
+    e.referenced = (flags & 64) != 0;
+    e.xrefDependent = (flags & 16) != 0;
+    return e;
+}
+
+// A colour as CMC stores it from 2004: the index, and the same index in the colour value that
+// readers of the value take.
+Color CmcColor(long long index, const SourceRecord& r, int trueColorCode) {
+    Color color;
+    color.index = static_cast<std::int16_t>(index);
+    if (r.has(trueColorCode)) {
+        color.rgb = 0xC2000000u | (static_cast<std::uint32_t>(r.integer(trueColorCode)) & 0xFFFFFF);
+    } else if (index == 256) {
+        color.rgb = 0xC0000000u;
+    } else if (index == 0) {
+        color.rgb = 0xC1000000u;
+    } else {
+        color.rgb = 0xC3000000u | static_cast<std::uint32_t>(index & 0xFF);
+    }
+    return color;
+}
+
+LayerRecord LayerOf(const SourceRecord& r, WriteContext& c) {
+    LayerRecord l;
+    l.entry = EntryOf(r, c);
+    l.flags = static_cast<std::int16_t>(r.integer(70) & (1 | 4 | 8));
+    const long long color = r.integer(62, 7);
+    l.off = color < 0;
+    l.color = CmcColor(color < 0 ? -color : color, r, 420);
+    l.plotted = r.integer(290, 1) != 0;
+    l.lineweight = static_cast<int>(r.integer(370, -3));
+    l.plotStyle = r.handle(390);
+    l.linetype = WriteContext::find(c.linetypes, r.has(6) ? r.text(6) : "CONTINUOUS");
+    return l;
+}
+
+void DimensionVariablesOf(const SourceRecord& r, WriteContext& c, DimensionVariables& m) {
+    m.post = std::string(r.text(3));
+    m.apost = std::string(r.text(4));
+    const std::pair<int, double*> reals[] = {
+        {40, &m.scale}, {41, &m.asz}, {42, &m.exo}, {43, &m.dli}, {44, &m.exe}, {45, &m.rnd},
+        {46, &m.dle}, {47, &m.tp}, {48, &m.tm}, {140, &m.txt}, {141, &m.cen}, {142, &m.tsz},
+        {143, &m.altf}, {144, &m.lfac}, {145, &m.tvp}, {146, &m.tfac}, {147, &m.gap},
+        {148, &m.altrnd}};
+    for (const auto& [code, value] : reals) *value = r.real(code, *value);
+    const std::pair<int, bool*> switches[] = {
+        {71, &m.tol}, {72, &m.lim}, {73, &m.tih}, {74, &m.toh}, {75, &m.se1}, {76, &m.se2},
+        {170, &m.alt}, {172, &m.tofl}, {173, &m.sah}, {174, &m.tix}, {175, &m.soxd},
+        {281, &m.sd1}, {282, &m.sd2}, {288, &m.upt}};
+    for (const auto& [code, value] : switches) *value = r.integer(code, *value) != 0;
+    const std::pair<int, std::int16_t*> shorts[] = {
+        {77, &m.tad}, {78, &m.zin}, {79, &m.azin}, {171, &m.altd}, {179, &m.adec},
+        {271, &m.dec}, {272, &m.tdec}, {273, &m.altu}, {274, &m.alttd}, {275, &m.aunit},
+        {276, &m.frac}, {277, &m.lunit}, {278, &m.dsep}, {279, &m.tmove}, {280, &m.just},
+        {283, &m.tolj}, {284, &m.tzin}, {285, &m.altz}, {286, &m.alttz}, {289, &m.atfit},
+        {371, &m.lwd}, {372, &m.lwe}};
+    for (const auto& [code, value] : shorts) *value = static_cast<std::int16_t>(r.integer(code, *value));
+    m.clrd = CmcColor(r.integer(176, 0), r, -1);
+    m.clre = CmcColor(r.integer(177, 0), r, -1);
+    m.clrt = CmcColor(r.integer(178, 0), r, -1);
+    m.txsty = r.handle(340);
+    if (m.txsty == 0 && r.has(340) == false) m.txsty = WriteContext::find(c.styles, "STANDARD");
+    m.ldrblk = r.handle(341);
+    m.blkHandle = r.handle(342);
+    m.blk1Handle = r.handle(343);
+    m.blk2Handle = r.handle(344);
+}
+
+SymbolRecord SymbolOf(const SourceRecord& r, std::string_view table, WriteContext& c) {
+    SymbolRecord s;
+    s.entry = EntryOf(r, c, table == "DIMSTYLE" ? 105 : 5);
+    const long long flags = r.integer(70);
+    if (table == "STYLE") {
+        s.shapeFile = (flags & 1) != 0;
+        s.vertical = (flags & 4) != 0;
+        s.fixedHeight = r.real(40);
+        s.widthFactor = r.real(41, 1.0);
+        s.oblique = r.real(50) * kRadians;
+        s.generation = static_cast<std::uint8_t>(r.integer(71));
+        s.lastHeight = r.real(42);
+        s.font = std::string(r.text(3));
+        s.bigFont = std::string(r.text(4));
+    } else if (table == "LTYPE") {
+        s.description = std::string(r.text(3));
+        s.patternLength = r.real(40);
+        for (const auto& [code, value] : r.tags) {
+            double dash = 0;
+            if (code == 49 && dxf::ParseDouble(value, dash)) s.dashes.push_back(dash);
+        }
+    } else if (table == "DIMSTYLE") {
+        s.dim = NewDrawingDimensionVariables();
+        DimensionVariablesOf(r, c, s.dim);
+    } else if (table == "VPORT") {
+        s.lowerLeft = r.point2(10);
+        s.upperRight = r.has(11) ? r.point2(11) : Point2{1, 1};
+        s.center = r.point2(12);
+        s.snapBase = r.point2(13);
+        s.snapSpacing = r.point2(14);
+        s.gridSpacing = r.point2(15);
+        s.direction = r.point(16, {0, 0, 1});
+        s.target = r.point(17);
+        s.height = r.real(40);
+        s.width = r.real(41, 1.0) * s.height;  // DXF gives the aspect ratio
+        s.lensLength = r.real(42, 50.0);
+        s.frontClip = r.real(43);
+        s.backClip = r.real(44);
+        s.snapRotation = r.real(50) * kRadians;
+        s.twist = r.real(51) * kRadians;
+        s.viewMode = static_cast<std::uint8_t>(r.integer(71));
+        s.circleZoom = static_cast<std::int16_t>(r.integer(72, 1000));
+        s.fastZoom = r.integer(73, 1) != 0;
+        s.ucsIcon = static_cast<std::uint8_t>(r.integer(74, 3));
+        s.snapOn = r.integer(75) != 0;
+        s.gridOn = r.integer(76) != 0;
+        s.snapStyle = r.integer(77) != 0;
+        s.snapIsoPair = static_cast<std::int16_t>(r.integer(78));
+        s.renderMode = static_cast<std::uint8_t>(r.integer(281));
+        s.hasUcs = r.integer(65, 1) != 0;
+        s.origin = r.point(110);
+        s.xAxis = r.point(111, {1, 0, 0});
+        s.yAxis = r.point(112, {0, 1, 0});
+        s.orthoType = static_cast<std::int16_t>(r.integer(79));
+        s.elevation = r.real(146);
+    }
+    return s;
+}
+
+constexpr std::int32_t kAppIdRecord = 67;
+
+struct TableKind {
+    std::string_view name;
+    std::int32_t control, record;
+};
+constexpr TableKind kTables[] = {
+    {"BLOCK_RECORD", kBlockControl, kBlockHeader}, {"LAYER", kLayerControl, kLayer},
+    {"STYLE", kStyleControl, kStyle},            {"LTYPE", kLinetypeControl, kLinetype},
+    {"VIEW", 60, kView},                         {"UCS", 62, kUcs},
+    {"VPORT", 64, kViewport},                    {"APPID", 66, kAppIdRecord},
+    {"DIMSTYLE", 68, kDimensionStyle}};
+
+}  // namespace
+
+DimensionVariables NewDrawingDimensionVariables() {
+    DimensionVariables m;
+    m.asz = 0.18;
+    m.exo = 0.0625;
+    m.dli = 0.38;
+    m.exe = 0.18;
+    m.txt = 0.18;
+    m.cen = 0.09;
+    m.altf = 25.4;
+    m.gap = 0.09;
+    m.tih = true;
+    m.toh = true;
+    m.altd = 2;
+    m.dec = 4;
+    m.tdec = 4;
+    m.altu = 2;
+    m.alttd = 2;
+    m.lunit = 2;
+    m.dsep = '.';
+    m.atfit = 3;
+    m.lwd = -2;
+    m.lwe = -2;
+    m.tolj = 1;
+    return m;
+}
+
+void IndexNames(const SourceDrawing& source, WriteContext& c) {
+    for (const SourceTable& table : source.tables) {
+        std::unordered_map<std::string, std::uint64_t>* names =
+            table.name == "LAYER"          ? &c.layers
+            : table.name == "LTYPE"        ? &c.linetypes
+            : table.name == "STYLE"        ? &c.styles
+            : table.name == "BLOCK_RECORD" ? &c.blocks
+            : table.name == "DIMSTYLE"     ? &c.dimensionStyles
+                                           : nullptr;
+        if (names == nullptr) continue;
+        for (const SourceRecord& r : table.records) {
+            const std::uint64_t handle = r.handle(table.name == "DIMSTYLE" ? 105 : 5);
+            (*names)[NameKey(r.text(2))] = handle;
+        }
+    }
+    c.modelSpace = WriteContext::find(c.blocks, "*MODEL_SPACE");
+    c.paperSpace = WriteContext::find(c.blocks, "*PAPER_SPACE");
+}
+
+void WriteTables(const SourceDrawing& source, WriteContext& c, HeaderHandles& handles) {
+    for (const SourceTable& table : source.tables) {
+        const TableKind* kind = nullptr;
+        for (const TableKind& k : kTables) {
+            if (k.name == table.name) kind = &k;
+        }
+        if (kind == nullptr) continue;
+        ControlRecord control;
+        control.type = kind->control;
+        control.common.handle = table.handle != 0 ? table.handle : c.nextHandle++;
+        for (const SourceRecord& r : table.records) {
+            const std::string key = NameKey(r.text(2));
+            std::uint64_t handle = 0;
+            if (table.name == "LAYER") {
+                LayerRecord layer = LayerOf(r, c);
+                handle = layer.entry.common.handle;
+                c.add(handle, EncodeLayer(layer, c.options));
+            } else if (table.name == "BLOCK_RECORD") {
+                handle = r.handle(5);  // written with its block
+            } else if (table.name == "VIEW" || table.name == "UCS") {
+                ++c.leftOut[std::string(table.name)];
+                continue;
+            } else {
+                SymbolRecord symbol = SymbolOf(r, table.name, c);
+                handle = symbol.entry.common.handle;
+                c.add(handle, EncodeSymbolRecord(symbol, kind->record, c.options));
+            }
+            // The model and paper space blocks, ByBlock and ByLayer are held apart.
+            if (key == "*MODEL_SPACE" || key == "BYBLOCK") {
+                control.apart.insert(control.apart.begin(), handle);
+            } else if (key == "*PAPER_SPACE" || key == "BYLAYER") {
+                control.apart.push_back(handle);
+            } else {
+                control.entries.push_back(handle);
+            }
+        }
+        c.add(control.common.handle, EncodeControl(control, c.options));
+        std::uint64_t* slot = nullptr;
+        switch (kind->control) {
+            case kBlockControl: slot = &handles.blockControl; break;
+            case kLayerControl: slot = &handles.layerControl; break;
+            case kStyleControl: slot = &handles.styleControl; break;
+            case kLinetypeControl: slot = &handles.linetypeControl; break;
+            case 60: slot = &handles.viewControl; break;
+            case 62: slot = &handles.ucsControl; break;
+            case 64: slot = &handles.vportControl; break;
+            case 66: slot = &handles.appidControl; break;
+            default: slot = &handles.dimstyleControl; break;
+        }
+        *slot = control.common.handle;
+    }
+}
+
+namespace {
+
+const SourceRecord* BlockRecordOf(const SourceDrawing& source, std::uint64_t handle) {
+    for (const SourceTable& table : source.tables) {
+        if (table.name != "BLOCK_RECORD") continue;
+        for (const SourceRecord& r : table.records) {
+            if (r.handle(5) == handle) return &r;
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+void WriteBlocks(const SourceDrawing& source, WriteContext& c) {
+    for (const SourceBlock& block : source.blocks) {
+        const std::uint64_t recordHandle = block.begin.owner();
+        const SourceRecord* record = BlockRecordOf(source, recordHandle);
+        if (record == nullptr) {
+            ++c.leftOut["BLOCK"];
+            continue;
+        }
+        BlockHeaderRecord b;
+        b.entry = EntryOf(*record, c);
+        b.entry.name = std::string(block.begin.text(2));
+        const long long flags = block.begin.integer(70);
+        b.anonymous = (flags & 1) != 0;
+        b.hasAttributes = (flags & 2) != 0;
+        b.isXref = (flags & 4) != 0;
+        b.isOverlaid = (flags & 8) != 0;
+        b.base = block.begin.point(10);
+        b.xrefPath = std::string(block.begin.text(1));
+        b.description = std::string(block.begin.text(4));
+        b.units = static_cast<std::int16_t>(record->integer(70));
+        b.explodable = record->integer(280, 1) != 0;
+        b.scaling = static_cast<std::uint8_t>(record->integer(281));
+        b.layout = record->handle(340);
+
+        BlockBeginRecord begin;
+        begin.common = EntityCommonOf(block.begin, recordHandle, c);
+        begin.common.mode = 0;
+        begin.name = b.entry.name;
+        b.blockEntity = begin.common.handle;
+        c.add(begin.common.handle, EncodeBlockBegin(begin, c.options));
+        EntityCommon end = EntityCommonOf(block.end, recordHandle, c);
+        end.mode = 0;
+        b.endBlock = end.handle;
+        c.add(end.handle, EncodeCommonOnly(end, kEndblk, c.options));
+
+        const bool space = recordHandle == c.modelSpace || recordHandle == c.paperSpace;
+        b.entities = space ? std::vector<std::uint64_t>{} : WriteEntities(block.entities, recordHandle, c);
+        if (space) {
+            for (std::uint64_t h : c.owned[recordHandle]) b.entities.push_back(h);
+        }
+        c.add(b.entry.common.handle, EncodeBlockHeader(b, c.options));
+    }
+}
+
+namespace {
+
+LayoutRecord LayoutOf(const SourceRecord& r, WriteContext& c) {
+    LayoutRecord l;
+    l.common = ObjectCommonOf(r, c);
+    const SourceRecord p = r.subclass("AcDbPlotSettings");
+    PlotSettings& s = l.plot;
+    s.pageSetupName = std::string(p.text(1));
+    s.printerName = std::string(p.text(2));
+    s.paperSize = std::string(p.text(4));
+    s.plotViewName = std::string(p.text(6));
+    for (int i = 0; i < 4; ++i) s.margins[i] = p.real(40 + i);
+    s.paperWidth = p.real(44);
+    s.paperHeight = p.real(45);
+    s.origin = {p.real(46), p.real(47)};
+    s.windowMin = {p.real(48), p.real(49)};
+    s.windowMax = {p.real(140), p.real(141)};
+    s.realWorldUnits = p.real(142, 1.0);
+    s.drawingUnits = p.real(143, 1.0);
+    s.flags = static_cast<std::int16_t>(p.integer(70));
+    s.paperUnits = static_cast<std::int16_t>(p.integer(72));
+    s.rotation = static_cast<std::int16_t>(p.integer(73));
+    s.plotType = static_cast<std::int16_t>(p.integer(74));
+    s.styleSheet = std::string(p.text(7));
+    s.scaleType = static_cast<std::int16_t>(p.integer(75));
+    s.shadeMode = static_cast<std::int16_t>(p.integer(76));
+    s.shadeResolution = static_cast<std::int16_t>(p.integer(77));
+    s.shadeDpi = static_cast<std::int16_t>(p.integer(78));
+    s.scaleFactor = p.real(147, 1.0);
+    s.imageOrigin = {p.real(148), p.real(149)};
+    s.plotView = p.handle(333);
+    const SourceRecord a = r.subclass("AcDbLayout");
+    l.name = std::string(a.text(1));
+    l.flags = static_cast<std::int16_t>(a.integer(70));
+    l.tabOrder = static_cast<std::int16_t>(a.integer(71));
+    l.limmin = a.point2(10);
+    l.limmax = a.point2(11);
+    l.insbase = a.point(12);
+    l.extmin = a.point(14);
+    l.extmax = a.point(15);
+    l.elevation = a.real(146);
+    l.ucsOrigin = a.point(13);
+    l.ucsX = a.point(16, {1, 0, 0});
+    l.ucsY = a.point(17, {0, 1, 0});
+    l.orthoView = static_cast<std::int16_t>(a.integer(76));
+    l.block = a.handle(330);
+    l.viewport = a.handle(331);
+    l.namedUcs = a.handle(345);
+    l.baseUcs = a.handle(346);
+    return l;
+}
+
+MLineStyleRecord MLineStyleOf(const SourceRecord& r, WriteContext& c) {
+    MLineStyleRecord s;
+    s.common = ObjectCommonOf(r, c);
+    s.name = std::string(r.text(2));
+    s.description = std::string(r.text(3));
+    s.flags = static_cast<std::int16_t>(r.integer(70));
+    s.fill = CmcColor(r.integer(62, 256), r, -1);
+    s.startAngle = r.real(51, 90.0) * kRadians;
+    s.endAngle = r.real(52, 90.0) * kRadians;
+    bool first = true;  // the first 62 is the fill colour, the others the lines'
+    for (const auto& [code, value] : r.tags) {
+        double number = 0;
+        if (code == 49 && dxf::ParseDouble(value, number)) {
+            s.lines.push_back({number, {}, 0});
+        } else if (code == 62 && !first && !s.lines.empty()) {
+            long long index = 256;
+            dxf::ParseInteger(value, index);
+            SourceRecord one{r.type, {}};
+            s.lines.back().color = CmcColor(index, one, -1);
+        } else if (code == 62) {
+            first = false;
+        }
+    }
+    return s;
+}
+
+}  // namespace
+
+void WriteObjects(const SourceDrawing& source, WriteContext& c,
+                  std::vector<const SourceRecord*>& dictionaries) {
+    for (const SourceRecord& r : source.objects) {
+        if (r.type == "DICTIONARY" || r.type == "ACDBDICTIONARYWDFLT") {
+            dictionaries.push_back(&r);
+        } else if (r.type == "LAYOUT") {
+            LayoutRecord layout = LayoutOf(r, c);
+            c.add(layout.common.handle, EncodeLayout(layout, c.options));
+        } else if (r.type == "MLINESTYLE") {
+            MLineStyleRecord style = MLineStyleOf(r, c);
+            c.add(style.common.handle, EncodeMLineStyle(style, c.options));
+        } else if (r.type == "ACDBPLACEHOLDER") {
+            const ObjectCommon common = ObjectCommonOf(r, c);
+            c.add(common.handle, EncodePlaceHolder(common, c.options));
+        } else {
+            ++c.leftOut[std::string(r.type)];
+        }
+    }
+}
+
+void WriteDictionaries(const std::vector<const SourceRecord*>& dictionaries, WriteContext& c,
+                       std::int32_t dictionaryWithDefault) {
+    for (const SourceRecord* r : dictionaries) {
+        DictionaryRecord d;
+        d.common = ObjectCommonOf(*r, c);
+        d.hardOwner = static_cast<std::uint8_t>(r->integer(280));
+        d.cloning = static_cast<std::int16_t>(r->integer(281, 1));
+        std::string_view name;
+        for (const auto& [code, value] : r->tags) {
+            if (code == 3) {
+                name = value;
+            } else if ((code == 350 || code == 360) && !name.empty()) {
+                const std::uint64_t entry = ParseHandle(value);
+                // An entry whose object is not written would name nothing.
+                if (c.written(entry)) d.entries.emplace_back(std::string(name), entry);
+                name = {};
+            }
+        }
+        d.withDefault = r->type == "ACDBDICTIONARYWDFLT";
+        d.defaultEntry = r->handle(340);
+        const std::int32_t type = d.withDefault ? dictionaryWithDefault : kDictionary;
+        c.add(d.common.handle, EncodeDictionary(d, type, c.options));
+    }
+}
+
+}  // namespace dwg

@@ -1,0 +1,25 @@
+#pragma once
+// The parts of the DWG writer that turn table, block and object records into objects.
+#include <cstdint>
+#include <vector>
+
+#include "platform/dwg/header.hpp"
+#include "platform/dwg/write_context.hpp"
+
+namespace dwg {
+
+// The handles of the layers, linetypes, styles, blocks and dimension styles by name.
+void IndexNames(const SourceDrawing& source, WriteContext& c);
+// Every table's records and control object; the control objects' handles go to handles.
+void WriteTables(const SourceDrawing& source, WriteContext& c, HeaderHandles& handles);
+// Every block record with its BLOCK, entities and ENDBLK. The model and paper space entities
+// must be written first (their handles are in c.owned).
+void WriteBlocks(const SourceDrawing& source, WriteContext& c);
+// The objects other than dictionaries, which are collected to be written last (an entry whose
+// object was not written is left out of its dictionary).
+void WriteObjects(const SourceDrawing& source, WriteContext& c,
+                  std::vector<const SourceRecord*>& dictionaries);
+void WriteDictionaries(const std::vector<const SourceRecord*>& dictionaries, WriteContext& c,
+                       std::int32_t dictionaryWithDefault);
+
+}  // namespace dwg
