@@ -236,6 +236,10 @@ std::uint64_t FirstFreeHandle(const SourceDrawing& s) {
     return std::max(top + 1, seed != nullptr ? seed->handle(5) : 1);
 }
 
+bool IsSubEntity(const SourceRecord& r) {
+    return r.type == "ATTRIB" || r.type == "VERTEX" || r.type == "SEQEND";
+}
+
 }  // namespace
 
 Acad::ErrorStatus WriteDwgBytes(AcDbDatabase& db, int codePage, std::vector<std::uint8_t>& out,
@@ -263,8 +267,11 @@ Acad::ErrorStatus WriteDwgBytes(AcDbDatabase& db, int codePage, std::vector<std:
     c.dwgCodePage = DwgCodePageNumber(c.options.codePage);
     WriteTables(source, c, header.handles);
     std::vector<SourceRecord> model, paper;
+    bool inPaper = false;
     for (SourceRecord& r : source.entities) {
-        const bool inPaper = r.owner() == c.paperSpace || r.integer(67) == 1;
+        // Attributes, vertices and their SEQEND belong to the entity before them, whose space
+        // they share whether or not they say so.
+        if (!IsSubEntity(r)) inPaper = r.owner() == c.paperSpace || r.integer(67) == 1;
         (inPaper ? paper : model).push_back(std::move(r));
     }
     c.owned[c.modelSpace] = WriteEntities(model, c.modelSpace, c);

@@ -1,7 +1,8 @@
 // Reads DWG files with the two independent readers used as test oracles, acad-ts and
-// libredwg-web, and prints per file and reader "FILE READER TYPE HANDLE" for each model-space
-// entity (or "FILE READER ERROR reason"), then each text as "FILE READER STRING value". Used by
-// the DWG writer's oracle test only.
+// libredwg-web, and prints per file and reader "FILE READER READ" once the file is read (so that
+// an empty model space is told from a read that gave nothing), "FILE READER TYPE HANDLE" for each
+// model-space entity (or "FILE READER ERROR reason"), then each text as "FILE READER STRING
+// value". Used by the DWG writer's oracle test only.
 // argv[2]: the folder npm installed the packages into; argv[3...]: the files.
 import fs from 'fs';
 import path from 'path';
@@ -32,6 +33,7 @@ for (const file of process.argv.slice(3)) {
   try {
     const doc = acad.DwgReader.readFromStream(
       buffer.buffer.slice(buffer.byteOffset, buffer.byteOffset + buffer.byteLength), () => {});
+    print(`${name} acad-ts READ`);
     for (const e of doc.modelSpace.entities) {
       print(`${name} acad-ts ${e.objectName} ${hex(e.handle)}`);
       if ((e.objectName === 'TEXT' || e.objectName === 'MTEXT') && typeof e.value === 'string') print(`${name} acad-ts STRING ${e.value}`);
@@ -47,6 +49,7 @@ for (const file of process.argv.slice(3)) {
     continue;
   }
   const db = lib.convert(dwg);
+  print(`${name} libredwg READ`);
   const model = db.tables.BLOCK_RECORD.entries.find((b) => b.name.toUpperCase() === '*MODEL_SPACE');
   for (const e of db.entities) {
     if (!model || e.ownerBlockRecordSoftId !== model.handle) continue;
