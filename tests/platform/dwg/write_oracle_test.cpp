@@ -18,6 +18,7 @@
 #include "platform/db/database.hpp"
 #include "platform/db/mtext.hpp"
 #include "platform/db/text.hpp"
+#include "platform/dwg/sample_drawing.hpp"
 #include "platform/dwg/write.hpp"
 #include "platform/dxf/model.hpp"
 #include "platform/win/codepage.hpp"
@@ -30,12 +31,22 @@ const std::string kOracle = std::string(TAVRIK_SOURCE_DIR) + "/build-oracle";
 using Lines = std::vector<std::string>;
 const std::string kMInsert = " (MINSERT)";
 
-// "TYPE HANDLE" of each model-space entity and "STRING text" of each text, sorted. A MINSERT
-// is an INSERT as DXF names it; it is marked, as libredwg-web's entity list leaves it out.
+// "TYPE HANDLE" of each model-space entity, "STRING text" of each text, "ATTRIB tag=value" of
+// each attribute of a model-space insert and "LAYER name" of each layer, sorted. A MINSERT is an
+// INSERT as DXF names it; it is marked, as libredwg-web's entity list leaves it out.
 Lines OwnLines(const std::string& path) {
     AcDbDatabase db(false, true);
     Lines lines;
     if (db.readDwgFile(dxf::Wide(path).c_str()) != Acad::eOk) return {"ERROR " + dxf::Utf8(db.lastError())};
+    AcDbLayerTable* layers = nullptr;
+    if (db.getSymbolTable(layers, AcDb::kForRead) == Acad::eOk) {
+        for (const AcDbObjectId& id : layers->recordIds()) {
+            if (auto* layer = AcDbLayerTableRecord::cast(id.stub()->object.get())) {
+                lines.push_back("LAYER " + dxf::Utf8(layer->name()));
+            }
+        }
+        layers->close();
+    }
     AcDbBlockTableRecord* model = nullptr;
     if (acdbOpenObject(model, db.modelSpaceId(), AcDb::kForRead) != Acad::eOk) return lines;
     for (const AcDbObjectId& id : model->entityIds()) {
@@ -47,6 +58,14 @@ Lines OwnLines(const std::string& path) {
         lines.push_back(line.str());
         if (auto* t = AcDbText::cast(o); t && type == "TEXT") lines.push_back("STRING " + dxf::Utf8(t->textString()));
         if (auto* m = AcDbMText::cast(o)) lines.push_back("STRING " + dxf::Utf8(m->contents()));
+        if (auto* insert = AcDbBlockReference::cast(o)) {
+            for (const AcDbObjectId& a : insert->attributeIds()) {
+                if (auto* attribute = AcDbAttribute::cast(a.stub()->object.get())) {
+                    lines.push_back("ATTRIB " + dxf::Utf8(attribute->tag()) + "=" +
+                                    dxf::Utf8(attribute->textString()));
+                }
+            }
+        }
     }
     model->close();
     std::sort(lines.begin(), lines.end());
@@ -120,7 +139,9 @@ Lines AsShown(const Lines& lines, bool withoutPolylines) {
     Lines out;
     for (const auto& line : lines) {
         if (withoutPolylines && line.rfind("POLYLINE", 0) == 0) continue;
-        out.push_back(line.rfind("STRING ", 0) == 0 ? Unescaped(line) : line);
+        const bool text = line.rfind("STRING ", 0) == 0 || line.rfind("ATTRIB ", 0) == 0 ||
+                          line.rfind("LAYER ", 0) == 0;
+        out.push_back(text ? Unescaped(line) : line);
     }
     std::sort(out.begin(), out.end());
     return out;
@@ -183,6 +204,34 @@ TEST(DwgWriteOracle, corpus_drawings_written_read_the_same_in_acad_ts_and_libred
         }
     }
     EXPECT_TRUE(failures.empty()) << failures;
+}
+
+// The Chinese layer name, texts and attribute of a drawing written with the host code page 936
+// (stored as ANSI_936 bytes) read the same in both oracles: both decode code page 936.
+TEST(DwgWriteOracle, gbk_layer_names_texts_and_attributes_read_the_same_in_both_oracles) {
+    if (!fs::exists(kOracle + "/node_modules/@node-projects/acad-ts") ||
+        !fs::exists(kOracle + "/node_modules/@mlightcad/libredwg-web")) {
+        GTEST_SKIP() << "the oracles are not installed (scripts/deps installs them)";
+    }
+    const fs::path out = fs::path(::testing::TempDir()) / "dwg_written_gbk";
+    fs::create_directories(out);
+    const std::string target = (out / "gbk.dwg").string();
+    AcDbDatabase db;
+    dwg_test::BuildDrawing(db);
+    dwg::DwgWriteReport report;
+    ASSERT_EQ(dwg::WriteDwgFile(db, target, 936, report), Acad::eOk);
+    const Lines own = OwnLines(target);
+    for (const char* expected : {"LAYER 轮廓线", "STRING 模板 A-1", "STRING 第一行\\P第二行", "ATTRIB 图号=MP-001"}) {
+        EXPECT_NE(std::find(own.begin(), own.end(), expected), own.end()) << expected;
+    }
+    const auto oracles = OracleLines({target});
+    ASSERT_EQ(oracles.count("gbk.dwg"), 1u);
+    for (const char* reader : {"acad-ts", "libredwg"}) {
+        const auto it = oracles.at("gbk.dwg").find(reader);
+        ASSERT_NE(it, oracles.at("gbk.dwg").end()) << reader;
+        EXPECT_EQ(AsShown(it->second, false), AsReaderNames(own, reader))
+            << reader << "\n" << Difference(AsShown(it->second, false), AsReaderNames(own, reader));
+    }
 }
 
 }  // namespace
