@@ -169,7 +169,8 @@ constexpr KnownClass kKnownClasses[] = {
     {"PLOTSETTINGS", "AcDbPlotSettings", 0}};
 
 // The classes of the DXF's CLASSES section, numbered from 500 in their order, and those of the
-// writer's class kinds that the drawing uses without a class for them.
+// writer's class kinds that the section lacks. Every drawing gets them, used or not, as AutoCAD
+// writes them: LibreCAD's reader fails on a classes section without any class.
 std::vector<ClassRecord> ClassesOf(const SourceDrawing& s) {
     std::vector<ClassRecord> classes;
     auto add = [&](std::string dxfName, std::string cppName, std::string application,
@@ -190,11 +191,9 @@ std::vector<ClassRecord> ClassesOf(const SourceDrawing& s) {
         classes.back().wasZombie = r.integer(280) != 0;
     }
     for (const KnownClass& known : kKnownClasses) {
-        const bool used = std::any_of(s.objects.begin(), s.objects.end(),
-                                      [&](const SourceRecord& r) { return r.type == known.dxfName; });
         const bool listed = std::any_of(classes.begin(), classes.end(),
                                         [&](const ClassRecord& c) { return c.dxfName == known.dxfName; });
-        if (used && !listed) add(known.dxfName, known.cppName, "ObjectDBX Classes", known.proxyFlags, false);
+        if (!listed) add(known.dxfName, known.cppName, "ObjectDBX Classes", known.proxyFlags, false);
     }
     return classes;
 }
