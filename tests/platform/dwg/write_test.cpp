@@ -24,6 +24,7 @@
 #include "platform/db/polyline.hpp"
 #include "platform/db/symbol_tables.hpp"
 #include "platform/db/text.hpp"
+#include "platform/dwg/classes.hpp"
 #include "platform/dwg/container.hpp"
 #include "platform/dwg/read.hpp"
 #include "platform/dwg/sample_drawing.hpp"
@@ -153,6 +154,27 @@ TEST(DwgWrite, file_is_ac1018_with_the_host_code_page) {
     ASSERT_TRUE(dwg::ReadDwgContainer(bytes, container, error)) << error.reason;
     EXPECT_EQ(container.version, dwg::Version::kR2004);
     EXPECT_EQ(container.dwgCodePage, 39);  // ANSI_936
+}
+
+// A drawing without classes of its own still gets the writer's classes, and the section ends
+// with eight zero bytes after its sentinel, as AutoCAD writes it (LibreCAD reads past a section
+// that ends with the sentinel, and fails on one without classes).
+TEST(DwgWrite, classes_section_of_an_empty_drawing_holds_the_writers_classes) {
+    AcDbDatabase db;
+    dwg::DwgWriteReport report;
+    const Bytes bytes = Written(db, report);
+    dwg::DwgContainer container;
+    dwg::MapError error;
+    ASSERT_TRUE(dwg::ReadDwgContainer(bytes, container, error)) << error.reason;
+    const auto section = dwg::FindSection(container, "AcDb:Classes");
+    ASSERT_GT(section.size(), 8u);
+    EXPECT_TRUE(std::all_of(section.end() - 8, section.end(), [](std::uint8_t b) { return b == 0; }));
+    std::vector<dwg::ClassRecord> classes;
+    ASSERT_TRUE(dwg::ParseClasses(section, dwg::Version::kR2004, 0, 936, classes, error)) << error.reason;
+    std::vector<std::string> names;
+    for (const auto& c : classes) names.push_back(c.dxfName);
+    EXPECT_EQ(names, (std::vector<std::string>{"ACDBDICTIONARYWDFLT", "DICTIONARYVAR", "SCALE", "PLOTSETTINGS"}));
+    EXPECT_EQ(classes.front().number, 500);
 }
 
 std::string ObjectsSection(const Bytes& file) {
