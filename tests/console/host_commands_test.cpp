@@ -113,4 +113,38 @@ TEST_F(Console, zdmt_outside_a_batch_has_no_drawing_and_changes_nothing) {
     EXPECT_EQ(Count(SavedTexts(), L"*123*"), 1);
 }
 
+TEST_F(Console, move_typed_by_hand_selects_by_pick_and_takes_two_points) {
+    AddText(L"A", 0, 0);
+    AddText(L"B", 50, 0);
+    AddText(L"C", 100, 0);
+    ConsoleRun run = Run("MOVE\n1,1\n51,1\n\n0,0\n@5,10\n");
+    ASSERT_EQ(run.status, 0) << run.output;
+    auto texts = SavedTexts();
+    EXPECT_NE(Find(texts, L"A", 5), nullptr);
+    EXPECT_NE(Find(texts, L"B", 55), nullptr);
+    EXPECT_NE(Find(texts, L"C", 100), nullptr);
+}
+
+TEST_F(Console, copy_typed_by_hand_selects_by_window_and_enter_takes_the_base_as_displacement) {
+    AddText(L"A", 0, 0);
+    AddText(L"B", 50, 0);
+    AddText(L"C", 100, 0);
+    ConsoleRun run = Run("COPY\nW\n-1,-1\n60,10\n\n0,20\n\n");
+    ASSERT_EQ(run.status, 0) << run.output;
+    auto texts = SavedTexts();
+    EXPECT_EQ(texts.size(), 5u);
+    int raised = 0;
+    for (const SeenText& t : texts) raised += std::abs(t.position.y - 20.0) < 1e-9;
+    EXPECT_EQ(raised, 2);
+}
+
+TEST_F(Console, selection_prompt_answers_bad_input_and_a_miss_and_cancel_moves_nothing) {
+    AddText(L"A", 0, 0);
+    ConsoleRun run = Run("MOVE\nzz\n500,500\n1,1\n\n0,0\n^C\n");
+    ASSERT_EQ(run.status, 0) << run.output;
+    EXPECT_NE(run.output.find("*Invalid selection*"), std::string::npos) << run.output;
+    EXPECT_NE(run.output.find("0 found"), std::string::npos) << run.output;
+    EXPECT_NE(Find(SavedTexts(), L"A", 0), nullptr);
+}
+
 }  // namespace
