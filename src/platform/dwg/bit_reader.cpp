@@ -34,7 +34,15 @@ void BitReader::setBitEnd(std::size_t bits) {
 }
 
 std::uint64_t BitReader::bits(unsigned count) {
-    if (!need(count)) return 0;
+    if (!need(count) || count == 0) return 0;
+    // Most reads take the eight bytes from the current one at once (values of up to 56 bits).
+    if (const std::size_t first = bit_ >> 3; count <= 56 && data_.size() - first >= 8) {
+        std::uint64_t word = 0;
+        for (std::size_t k = 0; k < 8; ++k) word = (word << 8) | data_[first + k];
+        const std::uint64_t value = (word << (bit_ & 7)) >> (64 - count);
+        bit_ += count;
+        return value;
+    }
     std::uint64_t value = 0;
     for (unsigned i = 0; i < count;) {
         const std::size_t byte = bit_ >> 3;
@@ -258,14 +266,14 @@ std::string BitReader::TU() {
     return text;
 }
 
-Color BitReader::CMC() {
+Color BitReader::CMC(BitReader& text) {
     Color color;
     color.index = BS();
     if (version_ < Version::kR2004) return color;
     color.rgb = static_cast<std::uint32_t>(BL());
     color.flags = RC();
-    if (color.flags & 1) color.name = T();
-    if (color.flags & 2) color.bookName = T();
+    if (color.flags & 1) color.name = text.T();
+    if (color.flags & 2) color.bookName = text.T();
     return color;
 }
 
@@ -278,8 +286,9 @@ Color BitReader::ENC() {
         return color;
     }
     color.index = static_cast<std::int16_t>(value & 0x1FF);
-    if (value & 0x8000) color.rgb = static_cast<std::uint32_t>(BL());
-    if (value & 0x4000) color.hasBookHandle = true;
+    // A colour of a colour book is a reference to its colour object, whose values are there.
+    color.hasBookHandle = (value & 0x4000) != 0;
+    if ((value & 0x8000) && !color.hasBookHandle) color.rgb = static_cast<std::uint32_t>(BL());
     if (value & 0x2000) {
         color.hasTransparency = true;
         color.transparency = static_cast<std::uint32_t>(BL());

@@ -97,7 +97,9 @@ public:
     // The version's string: TV before 2007, TU from then on.
     std::string T() { return version_ >= Version::kR2007 ? TU() : TV(); }
 
-    Color CMC();
+    // A colour; from 2004 its names are texts, read from `text` (2007 on: the string stream).
+    Color CMC(BitReader& text);
+    Color CMC() { return CMC(*this); }
     Color ENC();
 
     // Bytes copied out (for data kept as it is, such as proxy data).

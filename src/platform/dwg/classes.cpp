@@ -1,5 +1,6 @@
 #include "platform/dwg/classes.hpp"
 
+#include "platform/dwg/framed_section.hpp"
 #include "platform/dwg/object_stream.hpp"
 
 #include <cstring>
@@ -30,34 +31,22 @@ void ReadClass(BitReader& d, BitReader& text, Version version, ClassRecord& c) {
 
 }  // namespace
 
-bool ParseClasses(std::span<const std::uint8_t> section, Version version, int codePage,
-                  std::vector<ClassRecord>& out, MapError& error) {
-    if (section.size() < 16 + 4 || std::memcmp(section.data(), kStartSentinel, 16) != 0) {
-        error = {0, "classes section does not start with its sentinel"};
+bool ParseClasses(std::span<const std::uint8_t> section, Version version, int maintenance,
+                  int codePage, std::vector<ClassRecord>& out, MapError& error) {
+    FramedData framed;
+    if (!ReadFramedSection(section, kStartSentinel, version, maintenance, "classes section",
+                           framed, error)) {
         return false;
     }
-    std::uint32_t size;
-    std::memcpy(&size, section.data() + 16, 4);
-    if (section.size() < 20 + 2 || size > section.size() - 20 - 2) {
-        error = {16, "classes section size " + std::to_string(size) + " runs past the section"};
-        return false;
-    }
-    const auto checked = section.subspan(16, 4 + size);
-    const std::uint16_t stored =
-        static_cast<std::uint16_t>(section[20 + size] | (section[21 + size] << 8));
-    if (Crc16(0xC0C1, checked) != stored) {
-        error = {20 + size, "classes section CRC mismatch"};
-        return false;
-    }
-    BitReader d(section.subspan(20, size), version, codePage);
+    BitReader d(framed.data, version, codePage);
     BitReader text = d;
-    std::size_t end = std::size_t{size} * 8;
+    std::size_t end = framed.data.size() * 8;
     if (version >= Version::kR2007) {
         // The data's size in bits leads; the strings sit in their own stream at its end.
-        const std::size_t bits = d.RL() + 32;
+        const std::size_t bits = d.RL();
         std::size_t stringsStart = 0;
         if (!FindStringStream(d, bits, text, stringsStart)) {
-            error = {20, "classes string stream does not fit"};
+            error = {framed.start, "classes string stream does not fit"};
             return false;
         }
         end = stringsStart;
@@ -76,7 +65,7 @@ bool ParseClasses(std::span<const std::uint8_t> section, Version version, int co
         out.push_back(std::move(c));
     }
     if (d.failed()) {
-        error = {20 + d.bytePosition(), "class record runs past the classes data"};
+        error = {framed.start + d.bytePosition(), "class record runs past the classes data"};
         return false;
     }
     return true;
@@ -100,7 +89,8 @@ std::string TypeName(std::int32_t type, const std::vector<ClassRecord>& classes)
         {68, "DIMSTYLE_CONTROL"}, {69, "DIMSTYLE"}, {70, "VX_CONTROL"}, {71, "VX_TABLE_RECORD"},
         {72, "GROUP"}, {73, "MLINESTYLE"}, {74, "OLE2FRAME"}, {76, "LONG_TRANSACTION"},
         {77, "LWPOLYLINE"}, {78, "HATCH"}, {79, "XRECORD"}, {80, "ACDBPLACEHOLDER"},
-        {81, "VBA_PROJECT"}, {82, "LAYOUT"}};
+        {81, "VBA_PROJECT"}, {82, "LAYOUT"}, {498, "ACAD_PROXY_ENTITY"},
+        {499, "ACAD_PROXY_OBJECT"}};
     if (const auto it = kFixed.find(type); it != kFixed.end()) return it->second;
     for (const auto& c : classes) {
         if (c.number == type) return c.dxfName;

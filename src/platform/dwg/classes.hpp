@@ -23,8 +23,8 @@ struct ClassRecord {
 };
 
 // Reads the section as stored: start sentinel, size, class data, CRC, end sentinel.
-bool ParseClasses(std::span<const std::uint8_t> section, Version version, int codePage,
-                  std::vector<ClassRecord>& out, MapError& error);
+bool ParseClasses(std::span<const std::uint8_t> section, Version version, int maintenance,
+                  int codePage, std::vector<ClassRecord>& out, MapError& error);
 
 // The DXF name of an object type: the fixed names below 500, the drawing's classes above.
 std::string TypeName(std::int32_t type, const std::vector<ClassRecord>& classes);

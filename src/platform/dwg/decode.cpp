@@ -53,6 +53,7 @@ const EntityCommon* EntityCommonOf(const DecodedObject& decoded) {
 }
 
 bool IsEntityType(std::int32_t type, const std::vector<ClassRecord>& classes) {
+    if (type == kProxyEntity) return true;
     if (type >= 500) {
         for (const auto& c : classes) {
             if (c.number == type) return c.isEntity;
@@ -74,8 +75,13 @@ bool DecodeObject(ObjectStreams& o, const std::vector<ClassRecord>& classes, Dec
         case kText: return Decode<TextRecord>(o, out, ReadText);
         case kAttrib:
         case kAttdef: {
+            const ObjectStreams start = o;
             auto& r = out.emplace<AttributeRecord>();
-            return ReadAttribute(o, r, o.type == kAttdef);
+            if (ReadAttribute(o, r, o.type == kAttdef)) return true;
+            if (r.kind == 1) return false;
+            // Multi-line attributes of 2018 embed an MTEXT: kept whole.
+            o = start;
+            return Keep(o, true, o.data.buffer(), out);
         }
         case kMText: return Decode<MTextRecord>(o, out, ReadMText);
         case kInsert:

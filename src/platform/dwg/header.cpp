@@ -1,8 +1,7 @@
 #include "platform/dwg/header.hpp"
 
-#include <cstring>
-
 #include "platform/dwg/common.hpp"
+#include "platform/dwg/framed_section.hpp"
 #include "platform/dwg/object_stream.hpp"
 
 namespace dwg {
@@ -105,7 +104,7 @@ void ReadCurrent(Streams& r, HeaderVariables& out) {
     }
     out.tdindwg = r.date();
     out.tdusrtimer = r.date();
-    out.cecolor = r.d.CMC();
+    out.cecolor = r.d.CMC(r.s);
     out.handseed = r.d.H().value;  // in the values, not among the handles
     out.clayer = r.handle();
     out.textstyle = r.handle();
@@ -174,7 +173,7 @@ void ReadDimensionSizes(Streams& r, DimensionVariables& m) {
         m.fxl = r.d.BD();
         m.jogang = r.d.BD();
         m.tfill = r.d.BS();
-        m.tfillclr = r.d.CMC();
+        m.tfillclr = r.d.CMC(r.s);
     }
     if (r2000) {
         for (bool* b : {&m.tol, &m.lim, &m.tih, &m.toh, &m.se1, &m.se2}) *b = r.d.B();
@@ -239,9 +238,9 @@ void ReadDimensionVariablesOf(Streams& r, DimensionVariables& m) {
         ReadR14DimensionSwitches(r, m);
     }
     ReadDimensionSizes(r, m);
-    m.clrd = r.d.CMC();
-    m.clre = r.d.CMC();
-    m.clrt = r.d.CMC();
+    m.clrd = r.d.CMC(r.s);
+    m.clre = r.d.CMC(r.s);
+    m.clrt = r.d.CMC(r.s);
     if (r.v >= Version::kR2000) ReadDimensionFormats(r, m);
 }
 
@@ -315,7 +314,7 @@ void ReadTail2007(Streams& r) {
     r.d.BL();          // TIMEZONE
     for (int i = 0; i < 4; ++i) r.d.RC();  // LIGHTGLYPHDISPLAY to DGNFRAME
     r.d.B();
-    r.d.CMC();  // INTERFERECOLOR
+    r.d.CMC(r.s);  // INTERFERECOLOR
     r.handle();  // INTERFEREOBJVS
     r.handle();  // INTERFEREVPVS
     r.handle();  // DRAGVS
@@ -345,25 +344,13 @@ void ReadDimensionVariables(BitReader& values, BitReader& strings, BitReader& ha
 
 bool ParseHeader(std::span<const std::uint8_t> section, Version version, int maintenance,
                  int codePage, HeaderVariables& out, MapError& error) {
-    if (section.size() < 16 + 4 || std::memcmp(section.data(), kStartSentinel, 16) != 0) {
-        error = {0, "header section does not start with its sentinel"};
+    FramedData framed;
+    if (!ReadFramedSection(section, kStartSentinel, version, maintenance, "header section", framed,
+                           error)) {
         return false;
     }
-    std::uint32_t size;
-    std::memcpy(&size, section.data() + 16, 4);
-    // 2010 on, from the fourth maintenance release, a high word of the size follows.
-    const std::size_t start = version >= Version::kR2010 && maintenance > 3 ? 24 : 20;
-    if (section.size() < start + 2 || size > section.size() - start - 2) {
-        error = {16, "header section size " + std::to_string(size) + " runs past the section"};
-        return false;
-    }
-    const std::uint16_t stored =
-        static_cast<std::uint16_t>(section[start + size] | (section[start + size + 1] << 8));
-    if (Crc16(0xC0C1, section.subspan(16, start - 16 + size)) != stored) {
-        error = {start + size, "header section CRC mismatch"};
-        return false;
-    }
-    BitReader d(section.subspan(start, size), version, codePage);
+    const std::size_t start = framed.start;
+    BitReader d(framed.data, version, codePage);
     BitReader strings = d;
     BitReader handles = d;
     const bool split = version >= Version::kR2007;

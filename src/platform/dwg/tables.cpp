@@ -6,7 +6,8 @@ void ReadTableEntry(ObjectStreams& o, TableEntry& out) {
     ReadObjectCommon(o, out.common);
     out.name = o.text().T();
     out.referenced = o.data.B();
-    out.xrefIndex = o.data.BS();
+    // From 2007 the index of the external reference is not stored.
+    if (o.data.version() < Version::kR2007) out.xrefIndex = o.data.BS();
     out.xrefDependent = o.data.B();
 }
 
@@ -44,7 +45,7 @@ bool ReadLayer(ObjectStreams& o, LayerRecord& out) {
     } else {
         ReadLayerStates(d, out);
     }
-    out.color = d.CMC();
+    out.color = d.CMC(o.text());
     // An off layer is also stored with a negative colour number.
     if (out.color.index < 0) {
         out.off = true;

@@ -7,14 +7,15 @@ bool Ok(const ObjectStreams& o) {
     return !o.data.failed() && !o.handles.failed() && !o.strings.failed();
 }
 
-void ReadBackground(BitReader& d, MTextRecord& out) {
+void ReadBackground(ObjectStreams& o, MTextRecord& out) {
+    BitReader& d = o.data;
     out.backgroundFlags = d.BL();
     // 2007 on, the flag 0x10 (use the text frame) also brings the fill values.
     const bool filled = (out.backgroundFlags & 1) ||
                         (d.version() >= Version::kR2007 && (out.backgroundFlags & 0x10));
     if (!filled) return;
     out.backgroundScale = d.BD();
-    out.backgroundColor = d.CMC();
+    out.backgroundColor = d.CMC(o.text());
     out.backgroundTransparency = static_cast<std::uint32_t>(d.BL());
 }
 
@@ -40,7 +41,7 @@ bool ReadMText(ObjectStreams& o, MTextRecord& out) {
         out.lineSpacingFactor = d.BD();
         d.B();  // always set
     }
-    if (v >= Version::kR2004) ReadBackground(d, out);
+    if (v >= Version::kR2004) ReadBackground(o, out);
     out.style = ReadHandle(o);
     return Ok(o);
 }

@@ -14,6 +14,7 @@
 
 class AcDbDatabase;
 class AcDbEntity;
+class AcDbMText;
 
 namespace tavrik::render {
 
@@ -101,7 +102,10 @@ void SelectTextFont(Canvas& canvas);
 // The points of a hatch's loops or a solid's corners, in the block's coordinates.
 std::vector<AcGePoint3d> OutlinePoints(const AcDbEntity& entity);
 // The entity's box in its block's coordinates, also for the entities the database does not
-// measure; false when it has none. depth counts nested blocks.
-bool EntityExtents(const AcDbEntity& entity, AcDbExtents& box, int depth);
+// measure, texts measured with measure's font; false when it has none. depth counts nested
+// blocks.
+bool EntityExtents(Canvas& measure, const AcDbEntity& entity, AcDbExtents& box, int depth);
+// The box of a multi-line text as drawn, its format codes applied.
+bool MTextExtents(Canvas& measure, const AcDbMText& mtext, AcDbExtents& box);
 
 }  // namespace tavrik::render

@@ -88,7 +88,6 @@ void AppendArc(std::vector<AcGePoint3d>& loop, const AcGePoint3d& center, const 
 
 void ReadPolylineLoop(TagReader& tags, std::vector<AcGePoint3d>& loop) {
     bool bulges = tags.integer(72) != 0;
-    tags.integer(73);
     int count = tags.integer(93);
     std::vector<std::pair<AcGePoint3d, double>> vertices;
     for (int i = 0; i < count; ++i) {
@@ -115,10 +114,9 @@ void ReadPolylineLoop(TagReader& tags, std::vector<AcGePoint3d>& loop) {
 }
 
 // A spline edge: degree, knots, control points (with weights when rational). Later versions
-// add fit data after them (97 count, 11 points, 12 and 13 end tangents), which is passed over
-// so that the loop's own 97 is read where it stands. A 97 is the fit count when what follows
-// its count is fit data, the next edge or the loop's 97; else (330 sources, the next loop's 92,
-// the hatch's 75) it is the loop's own.
+// write fit data after them: its count (97) and fit points (11). That 97 is taken here, lest
+// the loop read it as its count of source objects and pass over what follows; the rest of the
+// fit data is passed over as every reading seeks its own code.
 tavrik::ge::NurbsCurve ReadSplineEdge(TagReader& tags) {
     tavrik::ge::NurbsCurve curve;
     curve.degree = tags.integer(94);
@@ -129,13 +127,7 @@ tavrik::ge::NurbsCurve ReadSplineEdge(TagReader& tags) {
         curve.controlPoints.push_back(tags.point(10));
         if (rational) curve.weights.push_back(tags.peekCode() == 42 ? tags.number(42) : 1.0);
     }
-    int after = tags.peekCode(1);
-    if (tags.peekCode() == 97 && (after == 11 || after == 12 || after == 13 || after == 72 || after == 97)) {
-        int fits = tags.integer(97);
-        for (int i = 0; i < fits; ++i) tags.point(11);
-        if (tags.peekCode() == 12) tags.point(12);
-        if (tags.peekCode() == 13) tags.point(13);
-    }
+    if (tags.peekCode() == 97 && tags.peekCode(1) == 11) tags.integer(97);
     return curve;
 }
 

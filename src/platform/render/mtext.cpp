@@ -1,10 +1,12 @@
-// Multi-line texts with their format codes applied: each paragraph a line of runs, each run
+// Multi-line texts with their format codes applied: each paragraph a line of runs (broken into
+// lines at the text's width when it has one), each run
 // in its own height, width, slant, colour and weight, with its under-, over- and strike-through
 // lines; stacks drawn as tolerances (one part over the other), fractions (with a bar) or
 // diagonal fractions (with a slash). Lines are placed by the attachment point (rows top,
 // middle, bottom; columns left, centre, right). Units are the text's height, y up.
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "platform/db/mtext.hpp"
 #include "platform/dxf/model.hpp"
@@ -23,6 +25,12 @@ constexpr double kStackPartScale = 0.7;
 constexpr double kStackGap = 0.1;
 // Italic text leans by this many degrees more.
 constexpr double kItalicDegrees = 15.0;
+// A line's box reaches this far below its baseline and above it, in its heights (descenders,
+// stacks and overlines included).
+constexpr double kDescent = -0.35, kAscent = 1.25;
+// Texts are measured for their box at this many pixels to the text height, where the font's
+// metrics are those of a readable size.
+constexpr double kMeasureScale = 100.0;
 // Under-, over- and strike-through lines: their heights and thickness, in run heights.
 constexpr double kUnderline = -0.2, kOverline = 1.2, kStrike = 0.5, kRuleThickness = 0.06;
 
@@ -174,35 +182,123 @@ void DrawLine(Canvas& canvas, const LaidLine& line, double u, double v, const Rg
     }
 }
 
-}  // namespace
+// Where a line may break: after a space, and before and after an ideograph (CJK text breaks
+// between any two of them).
+bool IsIdeograph(wchar_t c) { return c >= 0x2E80; }
 
-void DrawMultiLine(Canvas& canvas, const AcDbMText& mtext, const BlockContext& context) {
+std::vector<std::wstring> BreakPieces(const std::wstring& text) {
+    std::vector<std::wstring> pieces(1);
+    for (wchar_t c : text) {
+        if (IsIdeograph(c) && !pieces.back().empty()) pieces.emplace_back();
+        pieces.back() += c;
+        if (c == L' ' || IsIdeograph(c)) pieces.emplace_back();
+    }
+    if (pieces.back().empty()) pieces.pop_back();
+    return pieces;
+}
+
+// A paragraph broken into lines no wider than limit (in text heights) where it can break, each
+// piece a run of its own; a piece wider than the limit stands on a line of its own.
+std::vector<Paragraph> Wrap(Canvas& canvas, const Paragraph& paragraph, double limit) {
+    std::vector<Paragraph> lines(1);
+    double width = 0.0;
+    auto place = [&](const TextRun& run, double runWidth) {
+        if (width + runWidth > limit && width > 0.0) {
+            lines.emplace_back();
+            width = 0.0;
+        }
+        lines.back().push_back(run);
+        width += runWidth;
+    };
+    for (const TextRun& run : paragraph) {
+        if (run.stack != StackKind::kNone) {
+            place(run, RunWidth(canvas, run));
+            continue;
+        }
+        for (const std::wstring& piece : BreakPieces(run.text)) {
+            TextRun part = run;
+            part.text = piece;
+            place(part, Piece(canvas, run.look, piece, run.look.height, 0, 0, false));
+        }
+    }
+    return lines;
+}
+
+// The text's plane: along its direction, up across it, one unit its height.
+TextFrame FrameOf(const AcDbMText& mtext) {
     double height = mtext.textHeight() > 0 ? mtext.textHeight() : 2.5;
-    std::vector<Paragraph> paragraphs = ParseMText(mtext.contents(), height);
     AcGeVector3d direction = mtext.direction();
     if (direction.length() < 1e-12) direction = AcGeVector3d(1, 0, 0);
     direction = direction / direction.length();
     AcGeVector3d up = mtext.normal().crossProduct(direction);
     if (up.length() < 1e-12) up = AcGeVector3d(-direction.y, direction.x, 0);
-    TextFrame frame{mtext.location(), direction * height, up / up.length() * height};
-    if (!EnterFrame(canvas, context, frame)) return;
+    return {mtext.location(), direction * height, up / up.length() * height};
+}
+
+// The lines of a text laid out in the current frame: each line's runs and widths, its baseline
+// and where it starts, placed by the attachment point.
+struct TextLayout {
+    std::vector<Paragraph> paragraphs;
     std::vector<LaidLine> lines;
-    for (const Paragraph& paragraph : paragraphs) lines.push_back(LayOut(canvas, paragraph));
+    std::vector<double> baselines, starts;
+};
+
+void LayOutText(Canvas& canvas, const AcDbMText& mtext, TextLayout& layout) {
+    double height = mtext.textHeight() > 0 ? mtext.textHeight() : 2.5;
+    double limit = mtext.width() / height;
+    for (const Paragraph& paragraph : ParseMText(mtext.contents(), height)) {
+        if (limit <= 0.0) {
+            layout.paragraphs.push_back(paragraph);
+            continue;
+        }
+        for (Paragraph& line : Wrap(canvas, paragraph, limit)) layout.paragraphs.push_back(std::move(line));
+    }
+    for (const Paragraph& paragraph : layout.paragraphs) layout.lines.push_back(LayOut(canvas, paragraph));
     // Baselines below the top: the first at its line's height, each next one a pitch of its own
     // height lower.
     double spacing = kLinePitch * (mtext.lineSpacingFactor() > 0 ? mtext.lineSpacingFactor() : 1.0);
-    std::vector<double> baselines{-lines.front().height};
-    for (size_t i = 1; i < lines.size(); ++i) baselines.push_back(baselines.back() - spacing * lines[i].height);
-    double block = -baselines.back();
+    layout.baselines.push_back(-layout.lines.front().height);
+    for (size_t i = 1; i < layout.lines.size(); ++i)
+        layout.baselines.push_back(layout.baselines.back() - spacing * layout.lines[i].height);
+    double block = -layout.baselines.back();
     int attachment = static_cast<int>(mtext.attachment());
     int row = (attachment - 1) / 3, column = (attachment - 1) % 3;
     double shift = row == 0 ? 0.0 : row == 1 ? block / 2 : block;
-    Rgb own = PenOf(canvas, mtext, context).color;
-    for (size_t i = 0; i < lines.size(); ++i) {
-        double u = column == 0 ? 0.0 : column == 1 ? -lines[i].width / 2 : -lines[i].width;
-        DrawLine(canvas, lines[i], u, baselines[i] + shift, own);
+    for (size_t i = 0; i < layout.lines.size(); ++i) {
+        double width = layout.lines[i].width;
+        layout.baselines[i] += shift;
+        layout.starts.push_back(column == 0 ? 0.0 : column == 1 ? -width / 2 : -width);
     }
+}
+
+}  // namespace
+
+void DrawMultiLine(Canvas& canvas, const AcDbMText& mtext, const BlockContext& context) {
+    if (!EnterFrame(canvas, context, FrameOf(mtext))) return;
+    TextLayout layout;
+    LayOutText(canvas, mtext, layout);
+    Rgb own = PenOf(canvas, mtext, context).color;
+    for (size_t i = 0; i < layout.lines.size(); ++i)
+        DrawLine(canvas, layout.lines[i], layout.starts[i], layout.baselines[i], own);
     cairo_restore(canvas.cr);
+}
+
+bool MTextExtents(Canvas& measure, const AcDbMText& mtext, AcDbExtents& box) {
+    TextFrame frame = FrameOf(mtext);
+    cairo_save(measure.cr);
+    cairo_identity_matrix(measure.cr);
+    cairo_scale(measure.cr, kMeasureScale, kMeasureScale);
+    cairo_set_font_size(measure.cr, 1.0 / measure.capHeightPerEm);
+    TextLayout layout;
+    LayOutText(measure, mtext, layout);
+    cairo_restore(measure.cr);
+    for (size_t i = 0; i < layout.lines.size(); ++i) {
+        double h = layout.lines[i].height, u = layout.starts[i], v = layout.baselines[i];
+        for (double du : {0.0, layout.lines[i].width})
+            for (double dv : {kDescent * h, kAscent * h})
+                box.addPoint(frame.anchor + frame.xAxis * (u + du) + frame.yAxis * (v + dv));
+    }
+    return true;
 }
 
 }  // namespace tavrik::render

@@ -27,6 +27,17 @@ TEST(DwgBitReader, bits_are_read_most_significant_first_across_bytes) {
     EXPECT_EQ(r.bitPosition(), 11u);
 }
 
+// Wide reads past one 8-byte load, from an odd bit, with more bytes following.
+TEST(DwgBitReader, sixty_bits_from_bit_five_span_nine_bytes) {
+    const std::vector<std::uint8_t> data{0x07, 0xFF, 0x00, 0xFF, 0x00, 0xFF, 0x00, 0xFF, 0x80, 0xAA, 0x55};
+    BitReader r(data, Version::kR2000);
+    EXPECT_EQ(r.bits(5), 0u);
+    EXPECT_EQ(r.bits(60), 0xFFE01FE01FE01FFu);
+    EXPECT_EQ(r.bitPosition(), 65u);
+    EXPECT_EQ(r.bits(7), 0u);
+    EXPECT_FALSE(r.failed());
+}
+
 TEST(DwgBitReader, raw_values_are_little_endian_at_any_bit_offset) {
     BitWriter w;
     w.B(true);
@@ -360,6 +371,51 @@ TEST(DwgBitReader, entity_colour_flags_say_what_follows) {
     EXPECT_TRUE(b.hasBookHandle);
     EXPECT_FALSE(b.hasTransparency);
     EXPECT_EQ(r.bitPosition(), w.bit);
+}
+
+// A colour of a colour book is its reference alone: no true colour follows the short.
+TEST(DwgBitReader, entity_colour_of_a_colour_book_stores_no_true_colour) {
+    BitWriter w;
+    w.BS(0x8000 | 0x4000 | 42);
+    w.BS(7);
+    BitReader r = ReaderOf(w, Version::kR2004);
+    const auto c = r.ENC();
+    EXPECT_EQ(c.index, 42);
+    EXPECT_TRUE(c.hasBookHandle);
+    EXPECT_EQ(c.rgb, 0u);
+    EXPECT_EQ(r.BS(), 7);
+    EXPECT_FALSE(r.failed());
+}
+
+TEST(DwgBitReader, entity_true_colour_without_book_is_stored) {
+    BitWriter w;
+    w.BS(0x8000 | 42);
+    w.BL(static_cast<std::int32_t>(0xC2102030));
+    BitReader r = ReaderOf(w, Version::kR2004);
+    const auto c = r.ENC();
+    EXPECT_FALSE(c.hasBookHandle);
+    EXPECT_EQ(c.rgb, 0xC2102030u);
+    EXPECT_EQ(r.bitPosition(), w.bit);
+}
+
+// From 2007 the colour's names are texts of the string stream, not of the values.
+TEST(DwgBitReader, colour_names_come_from_the_text_stream) {
+    BitWriter values;
+    values.BS(0);
+    values.BL(static_cast<std::int32_t>(0xC2FF0000));
+    values.RC(3);
+    values.BS(9);
+    BitWriter strings;
+    strings.TU(u"Red");
+    strings.TU(u"Book");
+    BitReader r = ReaderOf(values, Version::kR2007);
+    BitReader text = ReaderOf(strings, Version::kR2007);
+    const auto c = r.CMC(text);
+    EXPECT_EQ(c.name, "Red");
+    EXPECT_EQ(c.bookName, "Book");
+    EXPECT_EQ(r.BS(), 9);
+    EXPECT_EQ(text.bitPosition(), strings.bit);
+    EXPECT_FALSE(r.failed() || text.failed());
 }
 
 TEST(DwgBitReader, three_bit_value_stops_at_first_zero) {

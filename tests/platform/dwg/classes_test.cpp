@@ -38,7 +38,7 @@ TEST(DwgClasses, records_of_a_2000_section) {
     WriteClass(w, 501, "LWPOLYLINE", true);
     std::vector<dwg::ClassRecord> classes;
     dwg::MapError error;
-    ASSERT_TRUE(dwg::ParseClasses(Section(w), dwg::Version::kR2000, 1252, classes, error))
+    ASSERT_TRUE(dwg::ParseClasses(Section(w), dwg::Version::kR2000, 0, 1252, classes, error))
         << error.reason;
     ASSERT_EQ(classes.size(), 2u);
     EXPECT_EQ(classes[1].number, 501);
@@ -61,7 +61,7 @@ TEST(DwgClasses, crc_mismatch_is_reported) {
     section[25] ^= 0x10;
     std::vector<dwg::ClassRecord> classes;
     dwg::MapError error;
-    EXPECT_FALSE(dwg::ParseClasses(section, dwg::Version::kR2000, 1252, classes, error));
+    EXPECT_FALSE(dwg::ParseClasses(section, dwg::Version::kR2000, 0, 1252, classes, error));
     EXPECT_EQ(error.reason, "classes section CRC mismatch");
 }
 
@@ -69,7 +69,7 @@ TEST(DwgClasses, section_without_sentinel_is_refused) {
     std::vector<std::uint8_t> section(40, 0);
     std::vector<dwg::ClassRecord> classes;
     dwg::MapError error;
-    EXPECT_FALSE(dwg::ParseClasses(section, dwg::Version::kR2000, 1252, classes, error));
+    EXPECT_FALSE(dwg::ParseClasses(section, dwg::Version::kR2000, 0, 1252, classes, error));
     EXPECT_EQ(error.offset, 0u);
 }
 
@@ -80,7 +80,7 @@ TEST(DwgClasses, size_past_the_section_is_refused) {
     section[17] = 0x7F;
     std::vector<dwg::ClassRecord> classes;
     dwg::MapError error;
-    EXPECT_FALSE(dwg::ParseClasses(section, dwg::Version::kR2000, 1252, classes, error));
+    EXPECT_FALSE(dwg::ParseClasses(section, dwg::Version::kR2000, 0, 1252, classes, error));
     EXPECT_EQ(error.offset, 16u);
 }
 
@@ -89,7 +89,7 @@ TEST(DwgClasses, section_cut_after_its_size_is_refused) {
     section.insert(section.end(), {0, 0, 0, 0, 0});  // a size of 0 and no room for the CRC
     std::vector<dwg::ClassRecord> classes;
     dwg::MapError error;
-    EXPECT_FALSE(dwg::ParseClasses(section, dwg::Version::kR2000, 1252, classes, error));
+    EXPECT_FALSE(dwg::ParseClasses(section, dwg::Version::kR2000, 0, 1252, classes, error));
     EXPECT_EQ(error.offset, 16u);
 }
 
@@ -100,7 +100,7 @@ TEST(DwgClasses, corpus_2000_and_r14_drawings_name_their_classes) {
         const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath(name));
         std::vector<dwg::ClassRecord> classes;
         dwg::MapError error;
-        ASSERT_TRUE(dwg::ParseClasses(dwg_test::FileSection(file, dwg::kClassesSection), version, 1252, classes,
+        ASSERT_TRUE(dwg::ParseClasses(dwg_test::FileSection(file, dwg::kClassesSection), version, 0, 1252, classes,
                                       error))
             << error.reason;
         ASSERT_GT(classes.size(), 5u);

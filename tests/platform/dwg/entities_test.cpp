@@ -139,8 +139,7 @@ TEST(DwgEntityCommon, colour_book_owner_reactors_and_dictionary_handles) {
     w.BB(0);      // owner given by handle
     w.BL(2);      // two reactors
     w.B(false);   // has an extension dictionary
-    w.BS(0x8000 | 0x4000 | 1);  // true colour and a colour book entry
-    w.BL(0xC2102030);
+    w.BS(0x8000 | 0x4000 | 1);  // a colour book entry: its values are in the colour object
     w.BD(2.0);
     w.BB(3);      // linetype by handle
     w.BB(3);      // plot style by handle
@@ -172,7 +171,7 @@ TEST(DwgEntityCommon, colour_book_owner_reactors_and_dictionary_handles) {
     EXPECT_EQ(c.layer, 0x10u);
     EXPECT_EQ(c.linetype, 0x40u);
     EXPECT_EQ(c.plotStyle, 0x90u);
-    EXPECT_EQ(c.color.rgb, 0xC2102030u);
+    EXPECT_TRUE(c.color.hasBookHandle);
     EXPECT_EQ(c.linetypeScale, 2.0);
     EXPECT_EQ(c.invisible, 1);
     EXPECT_EQ(dwg::LineweightFromIndex(c.lineweight), 18);

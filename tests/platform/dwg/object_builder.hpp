@@ -45,8 +45,13 @@ inline std::vector<std::uint8_t> BuildObject(const ObjectParts& p) {
     // The values before the handle references, with a placeholder for their size in bits.
     BitWriter body;
     if (p.version >= Version::kR2010) {
-        body.BB(0);
-        body.RC(static_cast<unsigned>(p.type));
+        if (p.type < 256) {
+            body.BB(0);
+            body.RC(static_cast<unsigned>(p.type));
+        } else {
+            body.BB(2);
+            body.RS(static_cast<unsigned>(p.type));
+        }
     } else {
         body.BS(p.type);
     }

@@ -44,7 +44,7 @@ std::vector<std::string> OwnEntities(const std::string& path, dwg::Version versi
     std::vector<dwg::ClassRecord> classes;
     dwg::MapError error;
     std::vector<std::string> lines;
-    if (!dwg::ParseClasses(dwg_test::FileSection(file, dwg::kClassesSection), version, 1252, classes, error)) {
+    if (!dwg::ParseClasses(dwg_test::FileSection(file, dwg::kClassesSection), version, 0, 1252, classes, error)) {
         return lines;
     }
     std::vector<dwg::ObjectLocation> map;

@@ -348,7 +348,7 @@ TEST(DwgDecoders, known_kinds_decode_in_every_uncompressed_corpus_drawing) {
         const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath(name));
         std::vector<dwg::ClassRecord> classes;
         dwg::MapError error;
-        ASSERT_TRUE(dwg::ParseClasses(dwg_test::FileSection(file, dwg::kClassesSection), version, 1252, classes,
+        ASSERT_TRUE(dwg::ParseClasses(dwg_test::FileSection(file, dwg::kClassesSection), version, 0, 1252, classes,
                                       error));
         std::set<std::uint64_t> handles;
         ForEachObject(file, version, [&](dwg::ObjectStreams& o) { handles.insert(o.handle); });

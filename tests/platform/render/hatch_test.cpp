@@ -2,6 +2,8 @@
 // polygon, and the fit data of later versions does not disturb the loops after it.
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include "platform/render/picture.hpp"
 
 namespace {
@@ -12,12 +14,21 @@ using namespace rendertest;
 // quadratic spline through the control point (50,100), whose top is at (50,60); and the square
 // (70,70)-(80,80). fitData is written after the spline's control points, sources (the count
 // of source objects and their handles) at the end of the first loop.
-std::string SplineHatch(const std::string& fitData, const std::string& sources) {
+// knots are the spline's knot tags; weights, when given, make it rational with these weights.
+std::string SplineHatch(const std::string& fitData, const std::string& sources,
+                        const std::vector<double>& knots = {0, 0, 0, 1, 1, 1},
+                        const std::vector<double>& weights = {}) {
+    std::string spline = "72\n4\n94\n2\n73\n" + std::string(weights.empty() ? "0" : "1") + "\n74\n0\n95\n" +
+                         std::to_string(knots.size()) + "\n96\n3\n";
+    for (double k : knots) spline += "40\n" + std::to_string(k) + "\n";
+    const char* controls[] = {"10\n90\n20\n20\n", "10\n50\n20\n100\n", "10\n10\n20\n20\n"};
+    for (size_t i = 0; i < 3; ++i) {
+        spline += controls[i];
+        if (!weights.empty()) spline += "42\n" + std::to_string(weights[i]) + "\n";
+    }
     return "0\nHATCH\n8\n0\n62\n1\n10\n0\n20\n0\n30\n0\n2\nSOLID\n70\n1\n71\n0\n91\n2\n"
-           "92\n1\n93\n2\n72\n1\n10\n10\n20\n20\n11\n90\n21\n20\n"
-           "72\n4\n94\n2\n73\n0\n74\n0\n95\n6\n96\n3\n40\n0\n40\n0\n40\n0\n40\n1\n40\n1\n40\n1\n"
-           "10\n90\n20\n20\n10\n50\n20\n100\n10\n10\n20\n20\n" +
-           fitData + sources +
+           "92\n1\n93\n2\n72\n1\n10\n10\n20\n20\n11\n90\n21\n20\n" +
+           spline + fitData + sources +
            "92\n2\n72\n0\n73\n1\n93\n4\n10\n70\n20\n70\n10\n80\n20\n70\n10\n80\n20\n80\n10\n70\n20\n80\n97\n0\n"
            "75\n0\n76\n1\n98\n0\n";
 }
@@ -53,6 +64,33 @@ TEST(RenderHatch, spline_edge_is_filled_up_to_the_curve_not_its_control_polygon)
         // The loop after the spline's edge.
         EXPECT_TRUE(IsRed(picture.at(Column(75), Row(75)))) << c.name;
     }
+}
+
+TEST(RenderHatch, spline_edge_over_another_knot_range_is_the_same_curve) {
+    Rendered r = Render("spline_hatch_knots", Dxf("", kFrame + SplineHatch("", "97\n0\n", {2, 2, 2, 3, 3, 3})), Light());
+    ASSERT_EQ(r.status, 0) << r.error;
+    Picture picture(r.png);
+    EXPECT_TRUE(IsRed(picture.at(Column(50), Row(58))));
+    EXPECT_TRUE(IsBackgroundLight(picture.at(Column(50), Row(62))));
+}
+
+TEST(RenderHatch, rational_spline_edge_is_pulled_toward_its_heavier_control_point) {
+    // Weight 3 on the middle control point raises the top from y 60 to y 80.
+    Rendered r = Render("spline_hatch_rational", Dxf("", kFrame + SplineHatch("", "97\n0\n", {0, 0, 0, 1, 1, 1}, {1, 3, 1})),
+                        Light());
+    ASSERT_EQ(r.status, 0) << r.error;
+    Picture picture(r.png);
+    EXPECT_TRUE(IsRed(picture.at(Column(50), Row(77))));
+    EXPECT_TRUE(IsBackgroundLight(picture.at(Column(50), Row(83))));
+}
+
+TEST(RenderHatch, malformed_spline_edge_is_filled_along_its_control_polygon) {
+    // Five knots for three control points of degree 2: no spline.
+    Rendered r = Render("spline_hatch_malformed", Dxf("", kFrame + SplineHatch("", "97\n0\n", {0, 0, 0, 1, 1})), Light());
+    ASSERT_EQ(r.status, 0) << r.error;
+    Picture picture(r.png);
+    EXPECT_TRUE(IsRed(picture.at(Column(50), Row(80))));
+    EXPECT_TRUE(IsBackgroundLight(picture.at(Column(30), Row(80))));
 }
 
 }  // namespace

@@ -1,0 +1,70 @@
+// Entities drawn as a CAD program shows them, pixel by pixel: polylines with widths, points,
+// arcs to their end, multiple inserts, attribute definitions outside blocks.
+#include <gtest/gtest.h>
+
+#include "platform/render/picture.hpp"
+
+namespace {
+
+using namespace rendertest;
+
+// Ink anywhere in the 3 x 3 pixels around drawing point (x, y): thin lines fall between
+// pixel centres.
+bool InkNear(const Picture& picture, double x, double y) {
+    for (int dx = -1; dx <= 1; ++dx)
+        if (!IsBackgroundLight(Ink(picture, Column(x) + dx, y))) return true;
+    return false;
+}
+
+Picture Drawn(const std::string& name, const std::string& entities, const std::string& blocks = "") {
+    Rendered r = Render(name, Dxf("", kFrame + entities, blocks), Light());
+    EXPECT_EQ(r.status, 0) << r.error;
+    return Picture(r.png);
+}
+
+TEST(RenderPolylines, wide_segment_tapers_from_its_start_width_and_a_segment_without_width_is_a_line) {
+    Picture picture = Drawn("taper", "0\nLWPOLYLINE\n8\n0\n90\n3\n70\n0\n10\n10\n20\n50\n40\n20\n41\n0\n"
+                                     "10\n90\n20\n50\n10\n90\n20\n80\n");
+    // Half the width at x 20 is 8.75, at x 80 1.25.
+    EXPECT_TRUE(InkNear(picture, 20, 57));
+    EXPECT_TRUE(InkNear(picture, 20, 43));
+    EXPECT_FALSE(InkNear(picture, 20, 61));
+    EXPECT_FALSE(InkNear(picture, 80, 55));
+    EXPECT_TRUE(InkNear(picture, 80, 50));
+    EXPECT_TRUE(InkNear(picture, 90, 65));
+}
+
+TEST(RenderPoints, point_is_a_dot_of_a_few_pixels) {
+    Picture picture = Drawn("point", "0\nPOINT\n8\n0\n10\n50\n20\n50\n");
+    int ink = 0;
+    for (int y = Row(50) - 6; y <= Row(50) + 6; ++y)
+        for (int x = Column(50) - 6; x <= Column(50) + 6; ++x) ink += !IsBackgroundLight(picture.at(x, y));
+    EXPECT_GE(ink, 4);
+    EXPECT_LE(ink, 16);
+}
+
+TEST(RenderCurves, arc_is_drawn_up_to_its_end_angle) {
+    Picture picture = Drawn("arc_end", "0\nARC\n8\n0\n10\n50\n20\n10\n40\n40\n50\n0\n51\n90\n");
+    // Just before the end, at 89 degrees.
+    EXPECT_FALSE(IsBackgroundLight(Ink(picture, Column(50.7), 50)));
+    EXPECT_TRUE(IsBackgroundLight(Ink(picture, Column(48), 50)));
+}
+
+TEST(RenderBlocks, multiple_insert_draws_the_block_once_per_cell) {
+    std::string block = "0\nBLOCK\n8\n0\n2\nB\n70\n0\n10\n0\n20\n0\n0\nLINE\n8\n0\n10\n0\n20\n0\n11\n0\n21\n10\n"
+                        "0\nENDBLK\n8\n0\n";
+    Picture picture = Drawn("minsert", "0\nINSERT\n8\n0\n2\nB\n10\n20\n20\n50\n70\n3\n71\n1\n44\n30\n45\n30\n", block);
+    for (double x : {20.0, 50.0, 80.0}) EXPECT_TRUE(InkNear(picture, x, 55)) << x;
+    EXPECT_FALSE(InkNear(picture, 35, 55));
+    // One row: nothing a row spacing above.
+    EXPECT_FALSE(InkNear(picture, 50, 85));
+}
+
+TEST(RenderBlocks, attribute_definition_outside_a_block_shows_its_tag) {
+    Picture picture = Drawn("attdef", "0\nATTDEF\n8\n0\n10\n20\n20\n45\n40\n10\n1\n\n3\nprompt\n2\nTAG\n70\n0\n");
+    int ink = 0;
+    for (double x = 20; x < 40; x += 1) ink += InkNear(picture, x, 50);
+    EXPECT_GT(ink, 5);
+}
+
+}  // namespace
