@@ -18,7 +18,8 @@ int Usage() {
     std::fprintf(stderr,
                  "usage: tavrik convert [--keep-version] [--version AC10xx] [--codepage 936|65001] "
                  "IN OUT\n  OUT ends in .dxf (ASCII DXF) or .dwg (AC1018 DWG; --version and\n"
-                 "  --keep-version apply to DXF only)\n");
+                 "  --keep-version apply to DXF only). What a target cannot hold is left out\n"
+                 "  and said on standard error, a line per record type.\n");
     return kExitUsage;
 }
 
@@ -33,6 +34,14 @@ bool EndsWith(const std::string& path, const char* extension) {
 void ReportLeftOut(const std::string& out, const dwg::DwgWriteReport& report) {
     for (const auto& [type, count] : report.leftOut) {
         std::fprintf(stderr, "tavrik convert: %s: %d %s record(s) not written (no DWG encoder)\n",
+                     out.c_str(), count, type.c_str());
+    }
+}
+
+// Says what a DXF save had to leave out: objects read from DWG of kinds that are not decoded.
+void ReportLeftOutOfDxf(const AcDbDatabase& db, const std::string& out) {
+    for (const auto& [type, count] : dxf::LeftOutOfDxf(db)) {
+        std::fprintf(stderr, "tavrik convert: %s: %d %s record(s) not written (read from DWG, not decoded)\n",
                      out.c_str(), count, type.c_str());
     }
 }
@@ -88,5 +97,6 @@ int RunConvert(int argc, char** argv) {
         std::fprintf(stderr, "tavrik convert: %s (status %d)\n", dxf::Utf8(db.lastError()).c_str(), es);
         return kExitFailure;
     }
+    if (!dwgTarget) ReportLeftOutOfDxf(db, out);
     return kExitOk;
 }

@@ -29,7 +29,9 @@
 #include "platform/win/codepage.hpp"
 #include "platform/win/host_state.hpp"
 #include "platform/win/messages.hpp"
+#include "platform/win/paths.hpp"
 #include "platform/win/prefix.hpp"
+#include "platform/win/temporaries.hpp"
 #include "platform/win/text.hpp"
 #include "platform/win/whole_file.hpp"
 #include "drawing_commands.hpp"
@@ -248,10 +250,14 @@ int RunHost(int argc, char** argv) {
         std::fprintf(stderr, "tavrik: cannot read the script %s\n", error.c_str());
         return kExitUsage;
     }
-    if (!LockPrefix(options.prefix, error)) {
+    long interruptedRun = 0;
+    if (!LockPrefix(options.prefix, error, interruptedRun)) {
         std::fprintf(stderr, "tavrik: %s\n", error.c_str());
         return kExitFailure;
     }
+    // Holding the lock, no other run saves in the prefix: a temporary of a save is a killed run's.
+    RemoveStaleTemporariesBelow(DriveFolder(L'C').parent_path());
+    RestoreInterruptedHandOff(options.prefix, interruptedRun);
     if (options.timeoutSeconds) StartDeadline(options.timeoutSeconds);
     HandOffTarget handOff = ReadHandOffTarget();
     source.terminal = !source.fromScript && ::isatty(STDIN_FILENO);
@@ -275,5 +281,6 @@ int RunHost(int argc, char** argv) {
     UnloadHostModules();
     CloseHostDrawing();
     ok = CheckMergedDrawing(handOff) && ok;
+    ReleasePrefix();
     return ok ? kExitOk : kExitFailure;
 }

@@ -30,21 +30,9 @@ int List(const std::string& prefix) {
 // The items to restore: those named, or for --all the last version of each original path.
 std::vector<std::string> Chosen(const std::string& prefix, const std::vector<std::string>& named, bool all) {
     if (!all) return named;
-    std::vector<std::string> latest;
-    std::vector<std::string> originals;
-    for (const RecycledFile& file : ListRecycle(prefix)) {
-        bool seen = false;
-        for (size_t i = 0; i < originals.size(); ++i)
-            if (originals[i] == file.original) {
-                latest[i] = file.item;  // the list runs from the oldest entry to the newest
-                seen = true;
-            }
-        if (!seen) {
-            originals.push_back(file.original);
-            latest.push_back(file.item);
-        }
-    }
-    return latest;
+    std::vector<std::string> items;
+    for (const RecycledFile& file : LatestVersions(ListRecycle(prefix))) items.push_back(file.item);
+    return items;
 }
 
 int Restore(const std::string& prefix, const std::vector<std::string>& items) {

@@ -5,7 +5,9 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <cstring>
 #include <cstdio>
 #include <thread>
@@ -16,6 +18,7 @@
 #include "platform/win/host_state.hpp"
 #include "platform/win/messages.hpp"
 #include "platform/win/paths.hpp"
+#include "platform/win/recycle.hpp"
 #include "platform/win/text.hpp"
 #include "platform/win/whole_file.hpp"
 #include "subcommands.hpp"
@@ -26,6 +29,8 @@ namespace {
 
 constexpr const wchar_t* kTraceLog = L"d:\\Mytool\\cad\\Cg.log";
 constexpr const wchar_t* kFallbackDrawing = L"d:\\Mytool\\temp\\Dorvault.dwg";
+
+int lockFile = -1;  // open for the whole run: closing it would release the lock
 
 std::wstring HandOffFile() {
     auto found = Host().environment.find(L"LOCALAPPDATA");
@@ -59,27 +64,63 @@ std::wstring TitleOf(const std::wstring& path) {
 
 }  // namespace
 
-bool LockPrefix(const fs::path& prefix, std::string& error) {
+bool LockPrefix(const fs::path& prefix, std::string& error, long& interruptedRun) {
     fs::path file = prefix / "tavrik.lock";
     int fd = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
     if (fd < 0) {
         error = file.string() + ": cannot open the lock: " + std::strerror(errno);
         return false;
     }
-    if (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
-        char holder[32] = {};
-        ssize_t n = ::pread(fd, holder, sizeof holder - 1, 0);
-        std::string pid = n > 0 ? std::string(holder, static_cast<size_t>(n)) : "unknown";
-        error = "another tavrik run (pid " + pid + ") is working on the prefix " + prefix.string() +
-                "; this run did not start. Run it again when that one has ended.";
+    char holder[32] = {};
+    bool locked = ::flock(fd, LOCK_EX | LOCK_NB) == 0;
+    ssize_t n = ::pread(fd, holder, sizeof holder - 1, 0);
+    std::string pid = n > 0 ? std::string(holder, static_cast<size_t>(n)) : "";
+    if (!locked) {
+        error = "another tavrik run (pid " + (pid.empty() ? std::string("unknown") : pid) + ") is working on the prefix " +
+                prefix.string() + "; this run did not start. Run it again when that one has ended.";
         ::close(fd);
         return false;
     }
-    std::string pid = std::to_string(::getpid());
+    interruptedRun = std::atol(pid.c_str());
+    pid = std::to_string(::getpid());
     if (::ftruncate(fd, 0) != 0 || ::pwrite(fd, pid.data(), pid.size(), 0) < 0) {
-        // The pid is only shown to a refused run; the lock holds without it.
+        // Without the pid a refused run names no holder, and a kill of this run goes unnoticed
+        // by the next; the lock itself holds.
     }
-    return true;  // the descriptor stays open: the lock lasts as long as the process
+    lockFile = fd;
+    return true;
+}
+
+void ReleasePrefix() {
+    if (lockFile >= 0 && ::ftruncate(lockFile, 0) != 0) {
+        // The next run takes this one for interrupted and looks for missing hand-off files.
+    }
+}
+
+void RestoreInterruptedHandOff(const fs::path& prefix, long interruptedRun) {
+    std::error_code code;
+    fs::path handOff = ResolvePath(HandOffFile());
+    if (interruptedRun <= 0 || !fs::is_regular_file(handOff, code)) return;
+    fs::path folder = handOff.parent_path().lexically_relative(Host().prefix);
+    // The interrupted run's entry: the newest whose name ends in its process id.
+    std::string suffix = "-" + std::to_string(interruptedRun);
+    std::string entry;
+    std::vector<RecycledFile> files = ListRecycle(prefix);
+    for (const RecycledFile& file : files) {
+        std::string name = fs::path(file.item).begin()->string();
+        if (name.size() > suffix.size() && name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0)
+            entry = std::max(entry, name);
+    }
+    std::erase_if(files, [&](const RecycledFile& file) { return fs::path(file.item).begin()->string() != entry; });
+    for (const RecycledFile& file : LatestVersions(files)) {
+        if (fs::path(file.original).parent_path() != folder || fs::exists(prefix / file.original, code)) continue;
+        std::string error;
+        if (RestoreRecycled(prefix, file.item, error))
+            std::fprintf(stderr, "tavrik: the run before (pid %ld) was ended inside the batch; %s is back from the recycle folder\n",
+                         interruptedRun, file.original.c_str());
+        else
+            std::fprintf(stderr, "tavrik: %s\n", error.c_str());
+    }
 }
 
 void StartDeadline(unsigned seconds) {

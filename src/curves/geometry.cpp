@@ -28,11 +28,10 @@ double SinglePrecisionRadius(const AcGePoint3d& p1, const AcGePoint3d& center) {
     return static_cast<double>(static_cast<float>(std::sqrt(static_cast<double>(squared))));
 }
 
-// |r - d| above t fails; an undefined difference passes.
 bool AllWithinRadius(const AcGePoint3d& center, double radius, const AcGePoint3dArray& points,
                      double tolerance) {
     for (const AcGePoint3d& p : points)
-        if (std::fabs(radius - PointDistance(p, center)) > tolerance) return false;
+        if (!PointWithinRadius(center, radius, p, tolerance)) return false;
     return true;
 }
 
@@ -119,6 +118,11 @@ bool SamplesFitCircle(const AcGePoint3dArray& points, double tolerance) {
     return AllWithinRadius(center, radius, points, tolerance);
 }
 
+// |r - d| above t fails; an undefined difference passes.
+bool PointWithinRadius(const AcGePoint3d& center, double radius, const AcGePoint3d& point, double tolerance) {
+    return !(std::fabs(radius - PointDistance(point, center)) > tolerance);
+}
+
 bool PointsWithinRadius(const AcGePoint3d& center, double radius, const AcGePoint3dArray& points,
                         double tolerance) {
     if (points.isEmpty()) return false;
@@ -187,14 +191,16 @@ double ChordBulge(const AcGePoint3d& a, const AcGePoint3d& m, const AcGePoint3d&
     return cross > 0.0 ? value : -value;
 }
 
+bool NearDuplicate(const AcGePoint3d& kept, const AcGePoint3d& other) {
+    return std::fabs(other.x - kept.x) <= 0.02 && std::fabs(other.y - kept.y) <= 0.02 &&
+           std::fabs(other.z - kept.z) <= 0.02;
+}
+
 void DropNearDuplicates(AcGePoint3dArray& points) {
     for (int i = 0; i < points.length() - 1; ++i) {
         int j = i + 1;
         while (j < points.length()) {
-            const AcGePoint3d& kept = points[i];
-            const AcGePoint3d& other = points[j];
-            if (std::fabs(other.x - kept.x) <= 0.02 && std::fabs(other.y - kept.y) <= 0.02 &&
-                std::fabs(other.z - kept.z) <= 0.02)
+            if (NearDuplicate(points[i], points[j]))
                 points.removeAt(j);
             else
                 ++j;

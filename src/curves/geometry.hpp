@@ -40,6 +40,8 @@ bool CircleFromThreePointsFine(const AcGePoint3d& p1, const AcGePoint3d& p2,
 // The circle through the points at 0, n/3 and 2n/3 holds every point within t (inclusive, 3D
 // distance to the centre at z 0); fewer than 3 points never fit.
 bool SamplesFitCircle(const AcGePoint3dArray& points, double tolerance);
+// The point within t of the radius (inclusive; an undefined difference passes).
+bool PointWithinRadius(const AcGePoint3d& center, double radius, const AcGePoint3d& point, double tolerance);
 // Every point within t of the radius (inclusive); an empty list is false.
 bool PointsWithinRadius(const AcGePoint3d& center, double radius, const AcGePoint3dArray& points,
                         double tolerance);
@@ -79,6 +81,8 @@ void MakeArcOrCircle(const AcGePoint3d& center, double radius, double startAngle
 void MakeArcThroughPoints(const AcGePoint3d& start, const AcGePoint3d& mid, const AcGePoint3d& end,
                           AcDbEntity*& entity);
 
+// `other` lies within 0.02 of `kept` on all three axes (inclusive).
+bool NearDuplicate(const AcGePoint3d& kept, const AcGePoint3d& other);
 // Removes every later point within 0.02 on all three axes (inclusive) of a surviving earlier one.
 void DropNearDuplicates(AcGePoint3dArray& points);
 // Bubble sort; neighbours swap only when the right one is strictly smaller.

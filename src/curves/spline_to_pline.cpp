@@ -64,14 +64,14 @@ void ReplaceBySegments(AcDbObjectId id, double tolerance) {
 struct CurvePoints {
     static constexpr size_t kKept = 64;  // two tries' worth of readings
     const AcDbCurve* curve = nullptr;
-    bool keep = true;
+    bool thrifty = true;  // keeps its readings; false for the plain walk
     std::array<std::uint64_t, kKept> params{};
     std::array<AcGePoint3d, kKept> points{};
     size_t count = 0;
 };
 
 Acad::ErrorStatus PointAt(CurvePoints& points, double param, AcGePoint3d& point) {
-    if (!points.keep) return points.curve->getPointAtParam(param, point);
+    if (!points.thrifty) return points.curve->getPointAtParam(param, point);
     const std::uint64_t key = std::bit_cast<std::uint64_t>(param);
     for (size_t k = 0; k < std::min(points.count, CurvePoints::kKept); ++k) {
         if (points.params[k] == key) {
@@ -104,8 +104,8 @@ AcGePoint3dArray SpanSamples(CurvePoints& curve, double sp, double ep) {
 // (too long: halve it).
 enum class Span { Straight, Arc, TooLong };
 
-Span FitSpan(CurvePoints& curve, double sp, double ep, const AcGePoint3d& a,
-             const AcGePoint3d& m, const AcGePoint3d& p, double tolerance) {
+Span FitSpanPlain(CurvePoints& curve, double sp, double ep, const AcGePoint3d& a, const AcGePoint3d& m,
+                  const AcGePoint3d& p, double tolerance) {
     AcGePoint3dArray samples = SpanSamples(curve, sp, ep);
     if (samples.length() <= 2) return Span::Straight;
     AcGePoint3d center;
@@ -118,12 +118,44 @@ Span FitSpan(CurvePoints& curve, double sp, double ep, const AcGePoint3d& a,
     return Span::TooLong;
 }
 
+// The same decision, reading no more samples than it needs. Without a circle the span is
+// straight however many samples it has. Otherwise the samples are read in order and thinned as
+// they come: a sample outlives the dropping of near duplicates exactly when no earlier survivor
+// lies near it, so the survivors of the first samples are final. Once three survivors stand and
+// one of them lies outside either band, the span is too long whatever the rest would be.
+Span FitSpanThrifty(CurvePoints& curve, double sp, double ep, const AcGePoint3d& a, const AcGePoint3d& m,
+                    const AcGePoint3d& p, double tolerance) {
+    AcGePoint3d center;
+    double radius = 0.0;
+    if (!CircleFromThreePointsFine(a, m, p, center, radius)) return Span::Straight;
+    AcGePoint3dArray kept;
+    bool outside = false;
+    for (int i = 0; i < 30; ++i) {
+        AcGePoint3d point;
+        if (PointAt(curve, sp + (ep - sp) / 30 * i, point) != Acad::eOk) continue;
+        if (std::any_of(kept.begin(), kept.end(), [&](const AcGePoint3d& k) { return NearDuplicate(k, point); }))
+            continue;
+        kept.append(point);
+        outside = outside || !PointWithinRadius(center, radius, point, 0.01) ||
+                  !PointWithinRadius(center, radius, point, tolerance);
+        if (outside && kept.length() > 2) return Span::TooLong;
+    }
+    if (kept.length() <= 2) return Span::Straight;
+    return outside ? Span::TooLong : Span::Arc;
+}
+
+Span FitSpan(CurvePoints& curve, double sp, double ep, const AcGePoint3d& a, const AcGePoint3d& m,
+             const AcGePoint3d& p, double tolerance) {
+    if (curve.thrifty) return FitSpanThrifty(curve, sp, ep, a, m, p, tolerance);
+    return FitSpanPlain(curve, sp, ep, a, m, p, tolerance);
+}
+
 // The walk over the parameter range: vertices and the bulges of the spans between them.
 void WalkSpans(const AcDbCurve* source, double tolerance, AcGePoint3dArray& vertices,
                AcGeDoubleArray& bulges) {
     CurvePoints curve;
     curve.curve = source;
-    curve.keep = SegmentPointReads == PointReads::Kept;
+    curve.thrifty = SegmentWalkReads == SegmentReads::Thrifty;
     double sp = 0.0, ep = 0.0;
     source->getStartParam(sp);
     source->getEndParam(ep);
@@ -173,7 +205,7 @@ bool CopyLook(AcDbObjectId id, const EntityLook& look) {
 
 }  // namespace
 
-PointReads SegmentPointReads = PointReads::Kept;
+SegmentReads SegmentWalkReads = SegmentReads::Thrifty;
 
 AcDbObjectId MakePolylineEntity(const AcGePoint3dArray& vertices, const AcGeDoubleArray& bulges) {
     int n = vertices.length();

@@ -6,10 +6,11 @@
 #include "platform/db/database.hpp"
 #include "platform/ge/array.hpp"
 
-// Whether the walk keeps the points it has read of a curve, by parameter, or reads each anew
-// (the plain walk, for comparison).
-enum class PointReads { Direct, Kept };
-extern PointReads SegmentPointReads;
+// The walk as written, every try reading its 30 samples anew, or the thrifty one that keeps the
+// points it has read by parameter and ends a try as soon as its outcome is certain. Both give
+// the same polylines; the plain one is there for the comparison.
+enum class SegmentReads { Plain, Thrifty };
+extern SegmentReads SegmentWalkReads;
 
 void ConvertSplinesToPlines(AcDbObjectIdArray ids, AcDbDatabase* database);
 // The id of the new polyline, already in the model space of the working database, with the

@@ -32,6 +32,7 @@ struct SeenText {
     AcGePoint3d position;
     int color = 256;
     double widthFactor = 1.0;
+    AcDbExtents box;
 };
 
 class ConsoleTest : public ::testing::Test {
@@ -136,10 +137,12 @@ protected:
         for (; !walk.done(); walk.step()) {
             AcDbEntity* entity = nullptr;
             if (walk.getEntity(entity, AcDb::kForRead) != Acad::eOk) continue;
+            AcDbExtents box;
+            entity->getGeomExtents(box);
             if (auto* text = AcDbText::cast(entity))
-                texts.push_back({text->textString(), text->position(), entity->colorIndex(), text->widthFactor()});
+                texts.push_back({text->textString(), text->position(), entity->colorIndex(), text->widthFactor(), box});
             else if (auto* mtext = AcDbMText::cast(entity))
-                texts.push_back({mtext->contents(), mtext->location(), entity->colorIndex(), 1.0});
+                texts.push_back({mtext->contents(), mtext->location(), entity->colorIndex(), 1.0, box});
             entity->close();
         }
         model->close();

@@ -44,7 +44,10 @@ TEST_F(Ffg, colon_text_searches_the_part_before_it_and_the_count_leaves_the_pick
     const SeenText* count = CountText(texts);
     ASSERT_NE(count, nullptr);
     EXPECT_EQ(count->value, L"共 2 个");
-    EXPECT_LT(count->position.x, 50.0);  // to the left of the picked text
+    // To the left of the picked text, one text height (2.5) between them, on its base line.
+    const SeenText* picked = Find(texts, L"H7:20", 50);
+    EXPECT_NEAR(count->box.maxPoint().x, picked->box.minPoint().x - 2.5, 1e-9);
+    EXPECT_DOUBLE_EQ(count->position.y, 50.0);
 }
 
 TEST_F(Ffg, plain_text_counts_itself) {

@@ -58,6 +58,15 @@ TEST_F(GeometryOfIds, curve_length_of_an_id_that_does_not_open_is_minus_1) {
     EXPECT_EQ(CurveLengthOfId(AddToDrawing(new AcDbText)), 0.0);
 }
 
+TEST_F(GeometryOfIds, curve_length_of_an_erased_entity_is_minus_1) {
+    AcDbObjectId line = AddToDrawing(new AcDbLine(P(0, 0, 0), P(0, 7, 0)));
+    AcDbEntity* entity = nullptr;
+    ASSERT_EQ(acdbOpenAcDbEntity(entity, line, AcDb::kForWrite), Acad::eOk);
+    entity->erase();
+    entity->close();
+    EXPECT_EQ(CurveLengthOfId(line), -1.0);
+}
+
 TEST_F(GeometryOfIds, point_at_a_fraction_takes_ends_and_a_parameter_without_the_start) {
     AcDbObjectId line = AddToDrawing(new AcDbLine(P(0, 0, 0), P(10, 0, 0)));
     EXPECT_EQ(CurvePointAt(line, 0.0), P(0, 0, 0));

@@ -72,6 +72,10 @@ TEST(PointOnSegment, distance_from_the_line_is_strict_and_the_range_inclusive) {
         {"just past t above a vertical segment", P(0, 10.5001, 0), a, up, false},
         {"t below a vertical segment passes the range", P(0, -0.5, 0), a, up, true},
         {"just past t below a vertical segment", P(0, -0.5001, 0), a, up, false},
+        {"t before the start, ends in reverse", P(-0.5, 0, 0), b, a, true},
+        {"t beyond the end, ends in reverse", P(10.5, 0, 0), b, a, true},
+        {"t below a vertical segment, ends in reverse", P(0, -0.5, 0), up, a, true},
+        {"t above a vertical segment, ends in reverse", P(0, 10.5, 0), up, a, true},
         {"ends given in reverse", P(5, 0.25, 0), b, a, true},
         {"z is not read", P(5, 0.25, 100), a, b, true},
         {"diagonal segment, on the line", P(2, 2, 0), P(0, 0, 0), P(4, 4, 0), true},
@@ -243,6 +247,14 @@ TEST(CircleFromThreePointsFine, second_chord_has_its_own_slope_test) {
         ASSERT_TRUE(CircleFromThreePointsFine(P(0, 0, 0), P(3, 5, 0), P(10, c.y3, 0), center, radius))
             << c.name;
         EXPECT_EQ(center.distanceTo(P(5, 0.4, 0)) < 1e-4, c.rightCentre) << c.name;
+    }
+    // The same figure away from the origin: the slope test takes the difference of the y values.
+    for (const auto& c : cases) {
+        AcGePoint3d center;
+        double radius = 0.0;
+        ASSERT_TRUE(CircleFromThreePointsFine(P(2, 3, 0), P(5, 8, 0), P(12, 3 + c.y3, 0), center, radius))
+            << c.name;
+        EXPECT_EQ(center.distanceTo(P(7, 3.4, 0)) < 1e-4, c.rightCentre) << c.name << " away from the origin";
     }
     // The coarse form tests the first chord only, so it finds the true centre here.
     AcGePoint3d center;
@@ -428,6 +440,9 @@ TEST(PointOnArc, ends_count_by_strict_3d_distance) {
         {"on", P(-3, 4, 0), d, false},
         {"just outside", P(-3, 4, 0), std::nextafter(d, 0.0), false},
         {"near the end point", P(3.9, -3, 0), 0.2, true},
+        // (-4, -3) lies on the circle across the chord, 8 from the end and farther from the start.
+        {"just inside the end's distance", P(-4, -3, 0), std::nextafter(8.0, 10.0), true},
+        {"on the end's distance", P(-4, -3, 0), 8.0, false},
     };
     ExpectArcCases(PointOnArc, cases, std::size(cases));
     // Per axis near the start but farther than t in distance: no end, and off the circle.
@@ -526,6 +541,18 @@ TEST(SortAscending, bubble_sort_of_doubles) {
     AcGeDoubleArray reversed{4.0, 3.0, 2.0, 1.0};
     SortAscending(reversed);
     EXPECT_EQ(reversed, (AcGeDoubleArray{1.0, 2.0, 3.0, 4.0}));
+}
+
+TEST(SortAscending, equal_neighbours_keep_their_order) {
+    // 0 and -0 compare equal but can be told apart: only a strictly smaller right one moves.
+    AcGeDoubleArray zeros{0.0, -0.0, 1.0, -0.0, 0.0};
+    SortAscending(zeros);
+    ASSERT_EQ(zeros.length(), 5);
+    EXPECT_FALSE(std::signbit(zeros[0]));
+    EXPECT_TRUE(std::signbit(zeros[1]));
+    EXPECT_TRUE(std::signbit(zeros[2]));
+    EXPECT_FALSE(std::signbit(zeros[3]));
+    EXPECT_EQ(zeros[4], 1.0);
 }
 
 }  // namespace

@@ -234,6 +234,18 @@ TEST_F(LineAndArcMerged, arcs_join_only_with_radius_and_centre_strictly_within_t
     }
 }
 
+TEST_F(LineAndArcMerged, end_angle_within_tolerance_of_an_earlier_one_leaves_the_sweep) {
+    // The second arc ends 0.03 degrees after the first (Tolerance 0.05): its end angle is thinned
+    // out of the list, so the merged arc ends where the first one does.
+    AddArc(P(0, 0, 0), 10.0, 0.0, 200.0);
+    AddArc(P(0, 0, 0), 10.0, 100.0, 200.03);
+    Run();
+    P s, m, e;
+    OnlyArcEnds(s, m, e);
+    EXPECT_THAT(s, IsNearPoint(P(10, 0, 0), 1e-6));
+    EXPECT_THAT(e, IsNearPoint(P(10 * std::cos(200 * kPi / 180), 10 * std::sin(200 * kPi / 180), 0), 1e-6));
+}
+
 TEST_F(LineAndArcMerged, flat_arc_becomes_a_line_alone_and_with_tolerance_0) {
     WriteSections(L"[LineAndArcMerged]\nTolerance=0\n");
     // Radius 1000 over 1 degree: the sagitta is 0.038, too high; over 0.5 degree it is 0.0095.

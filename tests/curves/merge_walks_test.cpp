@@ -2,10 +2,13 @@
 // the same entities, in the same order, with the same geometry and looks.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <string>
 #include <vector>
 
+#include "curves/box_grid.hpp"
 #include "curves/touch_clusters.hpp"
 #include "curves_fixture.hpp"
 #include "platform/db/arc.hpp"
@@ -105,6 +108,15 @@ TEST_F(MergeWalks, walks_build_the_same_clusters_of_arbitrary_records) {
     auto indexed = WalkClusters(500, joins, reach, ClusterWalk::Indexed);
     EXPECT_EQ(plain, indexed);
     EXPECT_LT(plain.size(), 500u);
+}
+
+TEST(BoxGrid, query_not_finite_gives_every_index_once_and_boxes_not_finite_are_everywhere) {
+    std::vector<FlatBox> boxes{{0, 0, 1, 1}, {5, 5, 6, 6}, {NAN, 0, 1, 1}, {100, 100, 101, 101}};
+    BoxGrid grid = BuildBoxGrid(boxes);
+    EXPECT_EQ(BoxGridCandidates(grid, {NAN, 0, 0, 0}, 0.1), (std::vector<size_t>{0, 1, 2, 3}));
+    std::vector<size_t> near = BoxGridCandidates(grid, {100, 100, 100.5, 100.5}, 0.1);
+    EXPECT_NE(std::find(near.begin(), near.end(), 2u), near.end());
+    EXPECT_NE(std::find(near.begin(), near.end(), 3u), near.end());
 }
 
 }  // namespace

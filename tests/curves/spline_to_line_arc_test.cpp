@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <memory>
+#include <vector>
 
 #include "curves/geometry.hpp"
 #include "curves/spline_to_line_arc.hpp"
@@ -111,6 +112,25 @@ TEST_F(SplineToLineAndArc, samples_follow_the_stretch_point_count_between_10_and
     EXPECT_EQ(SampleCurve(many.get()).length(), 31);
 }
 
+TEST_F(SplineToLineAndArc, thirty_one_stretch_points_give_thirty_samples_and_the_end_point) {
+    std::vector<P> points;
+    for (int i = 0; i < 31; ++i) points.push_back(P(i, 0, 0));
+    std::unique_ptr<AcDbSpline> spline(ClampedSpline(points));
+    EXPECT_EQ(SampleCurve(spline.get()).length(), 31);
+}
+
+TEST_F(SplineToLineAndArc, periodic_spline_is_sampled_up_to_its_end_parameter_only) {
+    // A periodic spline takes parameters beyond its end round again: one step more would give
+    // one sample more.
+    auto* spline = new AcDbSpline;
+    spline->setNurbsData(3, false, true, true, {P(0, 0, 0), P(6, 0, 0), P(9, 4, 0), P(6, 8, 0), P(0, 8, 0), P(-3, 4, 0)},
+                         {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, {});
+    std::unique_ptr<AcDbSpline> owned(spline);
+    P beyond;
+    ASSERT_EQ(spline->getPointAtParam(7.5, beyond), Acad::eOk);
+    EXPECT_EQ(SampleCurve(spline).length(), 11);
+}
+
 TEST_F(SplineToLineAndArc, samples_run_from_the_start_parameter) {
     // Knots from 5 to 6: the parameters of the samples are counted from 5.
     auto* spline = new AcDbSpline;
@@ -195,6 +215,21 @@ TEST_F(SplineToLineAndArc, ellipse_with_equal_axes_becomes_a_circle_or_an_arc_an
     EXPECT_FALSE(IsGone(oval));
     EXPECT_EQ(CountOfType(2002), 1);
     EXPECT_EQ(CountOfType(2003), 1);
+}
+
+TEST_F(SplineToLineAndArc, elliptical_arc_past_half_a_turn_becomes_the_arc_over_its_own_middle) {
+    // From 3.5 to 4.5 radians: the middle is taken at 4.0, half the range counted from the start.
+    AcDbObjectId part = AddToDrawing(
+        new AcDbEllipse(P(20, 0, 0), AcGeVector3d(0, 0, 1), AcGeVector3d(4, 0, 0), 1.0, 3.5, 4.5));
+    Run();
+    EXPECT_TRUE(IsGone(part));
+    AcDbObjectIdArray arcs = IdsOfType(2003);
+    ASSERT_EQ(arcs.length(), 1);
+    InspectAs<AcDbArc>(arcs[0], [&](AcDbArc* arc) {
+        EXPECT_THAT(arc->center(), IsNearPoint(P(20, 0, 0), 1e-3));
+        EXPECT_NEAR(arc->startAngle(), 3.5, 1e-3);
+        EXPECT_NEAR(arc->endAngle(), 4.5, 1e-3);
+    });
 }
 
 TEST_F(SplineToLineAndArc, spline_at_z_5_is_never_an_arc_but_can_be_a_line_at_z_5) {

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cwchar>
 #include <memory>
 #include <random>
 #include <string>
@@ -116,6 +117,10 @@ TEST_F(SplineToPline, division_layer_filter_and_colours_change_nothing) {
     }
     EXPECT_EQ(CleanupGlobals->splineToPline->EqualDivision, 1000);
     EXPECT_EQ(CleanupGlobals->splineToPline->colors.length(), 2);
+    // Read into the record all the same.
+    EXPECT_EQ(CleanupGlobals->splineToPline->StrFilterLayer, L"OTHER");
+    EXPECT_EQ(CleanupGlobals->splineToPline->dottedLinetype, L"DASHED");
+    EXPECT_EQ(CleanupGlobals->splineToPline->solidLinetype, L"Continuous");
 }
 
 TEST_F(SplineToPline, switch_off_in_the_file_runs_all_the_same) {
@@ -147,6 +152,35 @@ TEST_F(SplineToPline, complete_ellipse_stays_and_a_quarter_ellipse_becomes_a_pol
     ASSERT_GE(shape.vertices.size(), 2u);
     EXPECT_THAT(P(shape.vertices.front().point.x, shape.vertices.front().point.y, 0), IsNearPoint(P(26, 0, 0), 1e-9));
     EXPECT_THAT(P(shape.vertices.back().point.x, shape.vertices.back().point.y, 0), IsNearPoint(P(20, 3, 0), 1e-9));
+}
+
+TEST_F(SplineToPline, ellipse_is_complete_only_strictly_within_the_tolerance_in_degrees_of_0_or_360) {
+    struct Row {
+        const char* name;
+        double endAngle;  // the ellipse runs from 0: a span of 90 or 270 degrees exactly
+        double tolerance;
+        bool stays;
+    };
+    const double above90 = 90.0001;
+    const Row rows[] = {
+        {"90 degrees, t 90: not below t", 1.5707963267948966, 90.0, false},
+        {"90 degrees, t just above 90", 1.5707963267948966, above90, true},
+        {"270 degrees, t 90: not above 360 - t", 4.71238898038469, 90.0, false},
+        {"270 degrees, t just above 90", 4.71238898038469, above90, true},
+    };
+    for (const Row& row : rows) {
+        EraseAll();
+        wchar_t text[80];
+        std::swprintf(text, 80, L"[SplineToPline]\nTolerance=%.17g\n", row.tolerance);
+        WriteSections(text);
+        auto* ellipse = new AcDbEllipse(P(0, 0, 0), AcGeVector3d(0, 0, 1), AcGeVector3d(4, 0, 0), 1.0, 0.0, row.endAngle);
+        ASSERT_EQ(std::fabs(ellipse->startAngle() * 57.29577951308232 - ellipse->endAngle() * 57.29577951308232),
+                  row.endAngle == 1.5707963267948966 ? 90.0 : 270.0)
+            << row.name;
+        AcDbObjectId id = AddToDrawing(ellipse);
+        Run();
+        EXPECT_EQ(!IsGone(id), row.stays) << row.name;
+    }
 }
 
 TEST_F(SplineToPline, tolerance_0_segments_a_complete_ellipse_into_short_straight_pieces) {
@@ -231,12 +265,12 @@ TEST_F(SplineToPline, polyline_of_two_vertices_closer_than_0_02_is_refused_and_n
     });
 }
 
-// The walk that keeps the points it has read against the one that reads every point anew, on
-// random splines and partial ellipses: the same polylines, vertex by vertex and to the last bit.
-class SegmentPointReadsTest : public SplineToPline {
+// The thrifty walk against the plain one on random splines (some off z 0, where no span bends)
+// and partial ellipses: the same polylines, vertex by vertex and to the last bit.
+class SegmentWalks : public SplineToPline {
 protected:
     void TearDown() override {
-        SegmentPointReads = PointReads::Kept;
+        SegmentWalkReads = SegmentReads::Thrifty;
         SplineToPline::TearDown();
     }
     static std::string Bits(double v) {
@@ -244,20 +278,26 @@ protected:
         std::snprintf(text, sizeof text, "%a", v);
         return text;
     }
-    std::vector<std::string> SegmentRandomDrawing(PointReads reads, unsigned seed) {
+    std::vector<std::string> SegmentRandomDrawing(SegmentReads reads, unsigned seed) {
         EraseAll();
         std::mt19937 rng(seed);
         for (int i = 0; i < 40; ++i) {
             double x = (i % 8) * 30.0, y = (i / 8) * 30.0;
             double size = random_drawings::Uniform(rng, 0.05, 25.0);
-            AddToDrawing(random_drawings::RandomSpline(rng, x, y, size));
+            AcDbSpline* spline = random_drawings::RandomSpline(rng, x, y, size);
+            if (i % 10 == 3) {  // lifted off z 0: no span bends there
+                AcGeMatrix3d lift;
+                lift.setToTranslation(AcGeVector3d(0, 0, 7));
+                spline->transformBy(lift);
+            }
+            AddToDrawing(spline);
             double start = random_drawings::Uniform(rng, 0.0, 3.0);
             AddToDrawing(new AcDbEllipse(P(x, y + 300, 0), AcGeVector3d(0, 0, 1),
                                          AcGeVector3d(random_drawings::Uniform(rng, 0.5, 9.0), 0, 0),
                                          random_drawings::Uniform(rng, 0.2, 1.0), start,
                                          start + random_drawings::Uniform(rng, 0.3, 5.5)));
         }
-        SegmentPointReads = reads;
+        SegmentWalkReads = reads;
         Run();
         std::vector<std::string> polylines;
         for (const AcDbObjectId& id : IdsOfType(2004)) {
@@ -277,17 +317,17 @@ protected:
     }
 };
 
-TEST_F(SegmentPointReadsTest, kept_points_give_the_polylines_of_fresh_reads_on_random_curves) {
+TEST_F(SegmentWalks, thrifty_walk_gives_the_polylines_of_the_plain_walk_on_random_curves) {
     size_t vertices = 0;
     for (unsigned seed = 1; seed <= 6; ++seed) {
-        std::vector<std::string> fresh = SegmentRandomDrawing(PointReads::Direct, seed);
-        std::vector<std::string> kept = SegmentRandomDrawing(PointReads::Kept, seed);
-        ASSERT_EQ(fresh.size(), kept.size()) << "seed " << seed;
-        for (size_t i = 0; i < fresh.size(); ++i) {
-            ASSERT_EQ(fresh[i], kept[i]) << "seed " << seed << ", polyline " << i;
-            vertices += static_cast<size_t>(std::count(fresh[i].begin(), fresh[i].end(), ' '));
+        std::vector<std::string> plain = SegmentRandomDrawing(SegmentReads::Plain, seed);
+        std::vector<std::string> thrifty = SegmentRandomDrawing(SegmentReads::Thrifty, seed);
+        ASSERT_EQ(plain.size(), thrifty.size()) << "seed " << seed;
+        for (size_t i = 0; i < plain.size(); ++i) {
+            ASSERT_EQ(plain[i], thrifty[i]) << "seed " << seed << ", polyline " << i;
+            vertices += static_cast<size_t>(std::count(plain[i].begin(), plain[i].end(), ' '));
         }
-        EXPECT_GE(fresh.size(), 70u) << "seed " << seed;  // nearly every curve became a polyline
+        EXPECT_GE(plain.size(), 70u) << "seed " << seed;  // nearly every curve became a polyline
     }
     EXPECT_GT(vertices, 2000u);  // long walks with many halvings, not a few straight pieces
 }

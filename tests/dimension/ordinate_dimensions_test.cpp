@@ -258,7 +258,7 @@ class OrdinateVariables : public OrdinateDimensions {};
 
 TEST_F(OrdinateVariables, ordinate_takes_text_and_tolerance_format_variables_from_the_standard) {
     DimStyleKeys& keys = Module().cadStandardIni.dimStyle;
-    keys.DIMTXT = 2.5;
+    keys.DIMTXT = 3.5;  // not the 2.5 a new dimension is born with
     keys.DIMTZIN = 4;
     keys.DIMTDEC = 3;
     keys.DIMTFAC = 0.6;
@@ -269,7 +269,7 @@ TEST_F(OrdinateVariables, ordinate_takes_text_and_tolerance_format_variables_fro
                  {0.01, 0.02, 0});
     AcDbOrdinateDimension* dim = nullptr;
     ASSERT_EQ(acdbOpenObject(dim, id, AcDb::kForRead), Acad::eOk);
-    EXPECT_EQ(dim->dimtxt(), 2.5);
+    EXPECT_EQ(dim->dimtxt(), 3.5);
     EXPECT_EQ(dim->dimtzin(), 4);
     EXPECT_EQ(dim->dimtdec(), 3);
     EXPECT_EQ(dim->dimtfac(), 0.6);

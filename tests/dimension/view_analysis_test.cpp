@@ -207,13 +207,17 @@ TEST_F(ViewAnalysis, datum_point_keeps_its_value_when_a_later_view_has_no_marker
 }
 
 TEST_F(ViewAnalysis, erased_entities_are_passed_over_and_the_walks_succeed) {
-    AcDbObjectId gone = AddCircle(150, 150);
-    AcDbEntity* e = nullptr;
-    acdbOpenAcDbEntity(e, gone, AcDb::kForWrite);
-    e->erase();
-    e->close();
+    // One erased circle where the walks start and one where they step.
+    AcDbObjectId first = AddCircle(150, 150);
     AddViewFrame(L"FRONT", 100, 100, 410, 310);
+    AcDbObjectId middle = AddCircle(250, 250);
     AddCircle(200, 200);
+    for (AcDbObjectId gone : {first, middle}) {
+        AcDbEntity* e = nullptr;
+        acdbOpenAcDbEntity(e, gone, AcDb::kForWrite);
+        e->erase();
+        e->close();
+    }
     AcDbObjectIdArray lines;
     EXPECT_EQ(CollectViewFrame(L"FRONT", lines, &Drawing()), 0);
     EXPECT_EQ(lines.length(), 4);

@@ -9,8 +9,9 @@
   left, the first diameter sign of each text reads %%c, entities stand on the layer of the file
   number and the colour rows ([FILLAY], [SCRSET]), layers are converted by table ([CONVERT]),
   dimensions stand on the DIM layer;
-- Cg.log holds the expected trace, line for line; msg.txt, the hand-off files and the single
-  drawings are gone;
+- Cg.log holds the expected trace, line for line; Log.log holds, for each drawing, the start and
+  end lines of the clean-ups in the order the pipeline runs them; msg.txt, the hand-off files and
+  the single drawings are gone;
 - a second run without a hand-off changes nothing and leaves the host open for commands.
 
 Usage: check_batch.py TAVRIK DWGVER WORKSHOP EXPECTED_CG_LOG
@@ -36,6 +37,13 @@ MERGED = pathlib.Path("drives/d/成品图/MP2305.dxf")
 # The exporter's construction layers, which the batch erases (HOLECA 0 in the workshop).
 CONSTRUCTION = {"BIGFRAM", "USTAND", "URECT", "FRONT", "LEFT", "TOP", "STAND", "RECT"}
 CURVE_KINDS = {"LINE", "ARC", "SPLINE", "ELLIPSE"}
+
+# The lines each drawing's clean-ups write to Log.log, in the pipeline's order: splines to lines
+# and arcs, splines to polylines, merging lines and arcs, colour change, joining chains (which
+# writes no end line). The log is opened in text mode, so each line ends in CR LF.
+CLEANUP_LOG_LINES = ["样条曲线转直线和圆弧开始", "样条曲线转直线和圆弧结束", "样条曲线转多段线开始",
+                     "样条曲线转多段线结束", "合并直线和圆弧开始", "合并直线和圆弧结束", "修改颜色开始",
+                     "修改颜色结束", "串线开始"]
 
 failures = []
 
@@ -360,6 +368,7 @@ def main():
             check(not missing, "geometry of the sheets missing in the merged drawing: %s" % list(missing)[:5])
             check_sheets.check_frames(doc, check)
             check_sheets.check_dimensions(doc, check)
+            check_sheets.check_texts_apart(doc, check)
             check_sheets.check_readers(merged, scratch, check)
             check_cleanups(doc, settings)
             check_curves.check_curves(expected_curves, doc, settings, check)
@@ -374,6 +383,9 @@ def main():
         if log != expected:
             failures.append("Cg.log differs from the expected trace:\n%s\n--- expected ---\n%s" % (
                 log.decode("gbk", errors="replace"), expected.decode("gbk", errors="replace")))
+        cleanup_log = (prefix / LOGS / "Log.log").read_bytes().decode("gbk", errors="replace")
+        expected_cleanup_log = "".join(line + "\r\n" for line in CLEANUP_LOG_LINES) * len(exports)
+        check(cleanup_log == expected_cleanup_log, "Log.log differs from the clean-ups' lines:\n%s" % cleanup_log)
         check(not (prefix / LOGS / "msg.txt").exists(), "msg.txt is still there")
         left = sorted(p.name for p in (prefix / HAND_OFF).iterdir())
         check(left == [], "hand-off folder still holds %s" % left)

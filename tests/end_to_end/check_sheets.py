@@ -105,6 +105,39 @@ def check_dimensions(doc, check):
           "sheet 2 main view ordinates: %s" % corners)
 
 
+def dimension_texts(doc):
+    """Each text of each dimension's picture: the dimension's definition, the text's height and
+    its box as ezdxf measures it."""
+    from ezdxf import bbox
+    texts = []
+    for dim in doc.modelspace().query("DIMENSION"):
+        definition = (dim.dxf.dimtype, tuple(dim.dxf.defpoint), tuple(dim.dxf.defpoint2), tuple(dim.dxf.defpoint3))
+        for text in doc.blocks.get(dim.dxf.geometry).query("TEXT MTEXT"):
+            height = text.dxf.char_height if text.dxftype() == "MTEXT" else text.dxf.height
+            texts.append((definition, height, bbox.extents([text], fast=True)))
+    return texts
+
+
+def check_texts_apart(doc, check):
+    """No two dimension texts stand on top of each other. Texts a pitch apart touch by design (the
+    pitch is the text height) and ezdxf's box adds line spacing, so boxes count as on top of each
+    other when they still meet after shrinking each by a quarter of the text height on every side.
+    Identical dimensions (a column met by two tests of the x selection) are one text drawn twice."""
+    texts = dimension_texts(doc)
+    check(texts, "no dimension text in the merged drawing")
+    on_top = []
+    for i, (definition, height, box) in enumerate(texts):
+        for other, other_height, other_box in texts[i + 1:]:
+            if other == definition:
+                continue
+            margin = 0.5 * min(height, other_height)
+            wide = min(box.extmax.x, other_box.extmax.x) - max(box.extmin.x, other_box.extmin.x)
+            high = min(box.extmax.y, other_box.extmax.y) - max(box.extmin.y, other_box.extmin.y)
+            if wide > margin and high > margin:
+                on_top.append((tuple(box.center)[:2], tuple(other_box.center)[:2]))
+    check(not on_top, "dimension texts on top of each other: %s" % on_top[:5])
+
+
 def check_readers(merged, scratch, check):
     """LibreCAD's dxf2pdf converts the merged drawing, and ezdxf's drawing add-on renders it
     (docs/render_drawing.py, which made the README's picture)."""

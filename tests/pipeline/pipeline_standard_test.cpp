@@ -85,6 +85,23 @@ TEST_F(PipelineStandard, second_drawing_without_fillay_row_keeps_its_layers_and_
     EXPECT_EQ(layers, (std::vector<std::wstring>{L"PART"}));
 }
 
+TEST_F(PipelineStandard, title_without_hyphen_prints_its_message_and_keeps_the_layers) {
+    WriteLayerUg(L"[FILLAY]\r\n0,模板\r\n");
+    std::wstring path = HandOff(L"P1.dxf");
+    SaveDrawing(path, [](AcDbDatabase& db) {
+        AddSheet(db, AcGePoint3d(0, 0, 0));
+        Add(db, new AcDbLine(AcGePoint3d(50, 50, 0), AcGePoint3d(150, 50, 0)), L"PART");
+    });
+    testing::internal::CaptureStdout();
+    ProcessDrawing(path);
+    std::wstring printed = WideFromUtf8(testing::internal::GetCapturedStdout());
+    EXPECT_NE(printed.find(L"\n文件名 P1 中不包含分隔符"), std::wstring::npos);
+    EXPECT_EQ(Module().targetLayer, L"");
+    std::vector<std::wstring> layers;
+    ForEachEntity(path, [&](AcDbEntity* e) { layers.push_back(e->layer()); });
+    EXPECT_EQ(layers, (std::vector<std::wstring>{L"PART"}));
+}
+
 TEST_F(PipelineStandard, finished_texts_are_single_lines_with_the_standard_diameter_sign) {
     std::wstring path = HandOff(L"P-1.dxf");
     SaveDrawing(path, [](AcDbDatabase& db) {

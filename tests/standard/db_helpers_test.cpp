@@ -84,6 +84,23 @@ TEST_F(DbHelpers, AppendToModelSpaceWithoutADatabaseUsesTheWorkingOne) {
     acdbHostApplicationServices()->setWorkingDatabase(hostDrawing_.get());
 }
 
+TEST_F(DbHelpers, AppendToModelSpaceWithTheModelSpaceOpenElsewhereAlertsAndAnswersZero) {
+    AcDbBlockTable* table = nullptr;
+    Drawing().getSymbolTable(table, AcDb::kForRead);
+    AcDbBlockTableRecord* model = nullptr;
+    table->getAt(ACDB_MODEL_SPACE, model, AcDb::kForRead);
+    table->close();
+    AcDbLine* line = NewLine();
+    AcDbObjectId id = AddRecord<AcDbLayerTable, AcDbLayerTableRecord>(L"NOT-THE-LINE");
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(AppendToModelSpace(&Drawing(), line, id), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "读取块表记录失败!\n");
+    EXPECT_TRUE(id.isNull());
+    model->close();
+    delete line;
+    EXPECT_TRUE(ModelSpaceIds(Drawing()).isEmpty());
+}
+
 TEST_F(DbHelpers, AppendToModelSpaceOfNoEntityAnswersZero) {
     AcDbObjectId id;
     EXPECT_EQ(AppendToModelSpace(&Drawing(), nullptr, id), 0);

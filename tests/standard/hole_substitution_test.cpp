@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <random>
 #include <string>
@@ -267,6 +268,9 @@ protected:
             if (int marker = static_cast<int>(rng() % 4); marker < 3)
                 pieces.push_back({centre, 0.0, false, marker == 2 ? L"h2" : L"h1"});
         }
+        // A circle whose centre has no defined z stands at every centre: the plain scan keeps it
+        // in every group, since a distance from it is undefined and so not above 0.001.
+        pieces.push_back({AcGePoint3d(40.0, 40.0, std::nan("")), 10.0, false, L"PART"});
         std::shuffle(pieces.begin(), pieces.end(), rng);
         for (const Piece& piece : pieces) {
             if (piece.diameter == 0.0) Point(piece.at, piece.layer);
@@ -301,7 +305,7 @@ TEST_F(HoleCentreWalks, grid_scan_substitutes_random_plates_entity_by_entity_as_
         symbols += static_cast<size_t>(std::count_if(plain.begin(), plain.end(),
                                                      [](const std::string& e) { return e.find(" text ") != std::string::npos; }));
     }
-    EXPECT_GT(symbols, 200u);  // many holes are replaced, so the comparison covers the substitution
+    EXPECT_GT(symbols, 150u);  // many holes are replaced, so the comparison covers the substitution
 }
 
 }  // namespace

@@ -162,6 +162,8 @@ TEST_F(SheetFrameInsert, frame_is_scaled_to_the_frame_box_with_its_base_on_the_m
     AcDbObjectIdArray ids;
     EXPECT_EQ(InsertSheetFrame(kFrameFolder, AcGePoint3d(100, 50, 0), ids), 0);
     ASSERT_EQ(ids.length(), 3);  // two lines and the nested title block
+    // The frame file was read into a scratch drawing; the sheet's drawing is working again.
+    EXPECT_EQ(acdbHostApplicationServices()->workingDatabase(), &Drawing());
     auto lines = ModelSpaceLines(Drawing());
     ASSERT_EQ(lines.size(), 2u);
     EXPECT_THAT(lines[0].first, IsNearPoint(AcGePoint3d(100, 50, 0), 1e-9));
@@ -185,7 +187,7 @@ TEST_F(SheetFrameInsert, block_name_is_the_file_name_trimmed_by_the_characters_o
 TEST_F(SheetFrameInsert, missing_frame_file_adds_nothing_after_its_log_line) {
     Module().frameName = L"NONE.DWG";
     AcDbObjectIdArray ids;
-    InsertSheetFrame(kFrameFolder, AcGePoint3d(100, 50, 0), ids);
+    EXPECT_EQ(InsertSheetFrame(kFrameFolder, AcGePoint3d(100, 50, 0), ids), 16);
     EXPECT_TRUE(ids.isEmpty());
     EXPECT_EQ(CgLog(), L"\n查找图框NONE.DWG");
     EXPECT_EQ(acdbHostApplicationServices()->workingDatabase(), &Drawing());

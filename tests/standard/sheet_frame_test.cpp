@@ -39,6 +39,26 @@ TEST_F(SheetFrame, CirclesOnTheFourMarkerLayersAreFoundInAnyCase) {
     EXPECT_EQ(markers, (AcDbObjectIdArray{rect, urect, stand, ustand}));
 }
 
+TEST_F(SheetFrame, ErasedEntitiesArePassedOverByTheMarkerAndFrameWalks) {
+    // One erased entity where a walk starts and one where it steps.
+    AcDbObjectId first = AddCircle(L"RECT");
+    AcDbObjectId marker = AddCircle(L"RECT");
+    AcDbObjectId middle = AddCircle(L"RECT");
+    for (AcDbObjectId gone : {first, middle}) {
+        AcDbEntity* entity = nullptr;
+        acdbOpenAcDbEntity(entity, gone, AcDb::kForWrite);
+        entity->erase();
+        entity->close();
+    }
+    AddLine(AcGePoint3d(0, 0, 0), AcGePoint3d(420, 0, 0));
+    AddLine(AcGePoint3d(0, 0, 0), AcGePoint3d(0, 297, 0));
+    AcDbObjectIdArray markers;
+    EXPECT_EQ(FindMarkers(markers), 0);
+    EXPECT_EQ(markers, AcDbObjectIdArray{marker});
+    AcDbExtents box = Measure(AcGePoint3d(0, 0, 0));
+    EXPECT_EQ(box.maxPoint(), AcGePoint3d(420, 297, 0));
+}
+
 TEST_F(SheetFrame, NoMarkerCircleAnswers16) {
     AddCircle(L"PART");
     AddLine(AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0), L"RECT");

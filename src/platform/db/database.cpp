@@ -34,6 +34,7 @@ void AcDbDatabase::discardContents() {
     m_classes.clear();
     m_thumbnail.clear();
     m_acdsData.clear();
+    m_dwgKept.clear();
 }
 
 // ---- Objects ----

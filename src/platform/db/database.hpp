@@ -1,4 +1,5 @@
 #pragma once
+#include <cstdint>
 #include <deque>
 #include <memory>
 #include <string>
@@ -130,6 +131,18 @@ public:
     // The ACDSDATA section (data of solids and surfaces), kept as read: the tags after its name.
     AcDbRawTags& acdsDataSection() { return m_acdsData; }
     const AcDbRawTags& acdsDataSection() const { return m_acdsData; }
+    // Objects read from DWG whose kind the database does not model, by handle: their type name
+    // and their DWG data (values and handle references), kept whole so that a DWG writer can put
+    // them back. Their file records hold only their head, which is no complete DXF record, so
+    // the DXF writer leaves them out and says so (dxf::LeftOutOfDxf).
+    struct DwgKeptObject {
+        std::string typeName;
+        std::vector<std::uint8_t> data;
+    };
+    std::unordered_map<std::uint64_t, DwgKeptObject>& dwgKeptObjects() { return m_dwgKept; }
+    const std::unordered_map<std::uint64_t, DwgKeptObject>& dwgKeptObjects() const {
+        return m_dwgKept;
+    }
     // Version of the file read (AC1009 ... AC1032); the writer may keep it.
     AcDb::AcDbDwgVersion originalFileVersion() const { return m_fileVersion; }
     void setOriginalFileVersion(AcDb::AcDbDwgVersion v) { m_fileVersion = v; }
@@ -186,6 +199,7 @@ private:
     AcDbRawTags m_classes;
     AcDbRawTags m_thumbnail;
     AcDbRawTags m_acdsData;
+    std::unordered_map<std::uint64_t, DwgKeptObject> m_dwgKept;
     AcDb::AcDbDwgVersion m_fileVersion = AcDb::kDHL_1018;
     std::wstring m_filename;
     std::wstring m_lastError;

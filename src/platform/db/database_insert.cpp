@@ -51,6 +51,7 @@ private:
             AcDbEntity* copy = copyOf(*entity, identity, xform);
             if (copy == nullptr) continue;
             appendTo(*to, copy);
+            carryKept(*entity, *copy);
             if (auto* ref = AcDbBlockReference::cast(entity))
                 copyAttributes(*ref, *static_cast<AcDbBlockReference*>(copy), identity, xform);
         }
@@ -78,6 +79,15 @@ private:
         entity->setOwnerId(block.objectId());
         block.attachEntity(id);
         entity->close();
+    }
+
+    // A copy of an entity kept whole from a DWG is such an entity too: its record is its head
+    // only, which a DXF writer must leave out.
+    void carryKept(const AcDbObject& from, const AcDbObject& copy) {
+        const auto& kept = m_source.dwgKeptObjects();
+        if (kept.empty()) return;
+        if (const auto it = kept.find(from.getHandle().value()); it != kept.end())
+            m_target.dwgKeptObjects()[copy.getHandle().value()] = it->second;
     }
 
     void copyAttributes(const AcDbBlockReference& from, AcDbBlockReference& to, bool identity,

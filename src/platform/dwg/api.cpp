@@ -44,13 +44,17 @@ Acad::ErrorStatus AcDbDatabase::readDwgFile(const ACHAR* fileName, int, bool, co
         return Acad::eFileNotFound;
     }
     discardContents();
+    Acad::ErrorStatus status;
     if (!dwg::LooksLikeDwg(std::span(reinterpret_cast<const std::uint8_t*>(head), got))) {
-        return dxf::ReadDxfFile(*this, path);
+        status = dxf::ReadDxfFile(*this, path);
+    } else {
+        in.seekg(0);
+        const std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(in),
+                                              std::istreambuf_iterator<char>()};
+        status = dwg::ReadDwgBytes(*this, bytes, path);
     }
-    in.seekg(0);
-    const std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(in),
-                                          std::istreambuf_iterator<char>()};
-    const Acad::ErrorStatus status = dwg::ReadDwgBytes(*this, bytes, path);
-    if (status == Acad::eOk) setFilename(dxf::Wide(path));
+    // The drawing keeps the name it was read by, as the host does: the module cuts folder and
+    // title out of it at backslashes.
+    if (status == Acad::eOk) setFilename(fileName);
     return status;
 }

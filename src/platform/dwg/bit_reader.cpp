@@ -34,7 +34,15 @@ void BitReader::setBitEnd(std::size_t bits) {
 }
 
 std::uint64_t BitReader::bits(unsigned count) {
-    if (!need(count)) return 0;
+    if (!need(count) || count == 0) return 0;
+    // Most reads take the eight bytes from the current one at once (values of up to 56 bits).
+    if (const std::size_t first = bit_ >> 3; count <= 56 && data_.size() - first >= 8) {
+        std::uint64_t word = 0;
+        for (std::size_t k = 0; k < 8; ++k) word = (word << 8) | data_[first + k];
+        const std::uint64_t value = (word << (bit_ & 7)) >> (64 - count);
+        bit_ += count;
+        return value;
+    }
     std::uint64_t value = 0;
     for (unsigned i = 0; i < count;) {
         const std::size_t byte = bit_ >> 3;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <unordered_map>
 #include <vector>
 
@@ -33,12 +34,16 @@ std::string CodePageName(int windowsCodePage) { return "ANSI_" + std::to_string(
 
 namespace {
 
+// One object of the map. Entities of the decoded kinds are decoded again when written, so that
+// a large drawing is never held decoded whole; the other objects (tables, blocks, dictionaries,
+// kinds kept whole) are few and stay decoded.
 struct Item {
     std::uint64_t handle = 0;
+    std::int64_t offset = 0;  // where the object starts in the object data
     std::int32_t type = 0;
-    std::string typeName;
-    DecodedObject decoded;
-    SymbolRecord symbol;  // the table records the decoders above keep whole
+    bool entity = false;
+    std::uint64_t owner = 0;  // of an entity: the block record, or the entity it belongs to
+    std::unique_ptr<DecodedObject> decoded;  // null for entities decoded when written
 };
 
 bool IsControl(std::int32_t type) { return type >= 48 && type <= 70 && type % 2 == 0; }
@@ -49,12 +54,16 @@ struct Drawing {
     HeaderVariables header;
     std::vector<ClassRecord> classes;
     std::vector<Item> items;
+    std::unordered_map<std::uint64_t, SymbolRecord> symbols;  // the records kept whole above
     std::unordered_map<std::uint64_t, std::size_t> byHandle;
     std::unordered_map<std::uint64_t, std::vector<std::size_t>> owned;  // entities by owner
     NameIndex names;
     DxfText out;
 
     bool decode(MapError& error);
+    bool decodeOne(const ObjectLocation& loc, MapError& error);
+    DecodedObject decodedOf(const Item& item) const;
+    std::string typeName(const Item& item) const { return TypeName(item.type, classes); }
     void index();
     std::uint64_t ownerOf(const EntityCommon& c) const {
         if (c.mode == 1) return header.handles.paperSpace;
@@ -72,6 +81,7 @@ struct Drawing {
     void writeEntities(std::uint64_t owner);
     void writeEntity(const Item& item, std::uint64_t owner);
     void writeObjects();
+    void takeKept(std::vector<KeptData>& kept);
 };
 
 bool Drawing::decode(MapError& error) {
@@ -84,27 +94,56 @@ bool Drawing::decode(MapError& error) {
     if (!ParseObjectMap(sections.objectMap, map, error)) return false;
     items.reserve(map.size());
     for (const auto& loc : map) {
-        ObjectStreams o;
-        if (!OpenObject(sections.objects, loc.offset, v, sections.codePage, o, error)) return false;
-        Item item;
-        item.handle = loc.handle;
-        item.type = o.type;
-        item.typeName = TypeName(o.type, classes);
-        const ObjectStreams opened = o;
-        if (!DecodeObject(o, classes, item.decoded)) {
-            error = {static_cast<std::size_t>(loc.offset),
-                     "object " + std::to_string(loc.handle) + " (" + item.typeName +
-                         ") does not hold what its type needs"};
-            return false;
-        }
-        if (IsTableRecord(item.type) && std::holds_alternative<KeptObject>(item.decoded)) {
-            ObjectStreams again = opened;
-            ReadSymbolRecord(again, item.symbol);
-        }
-        byHandle[loc.handle] = items.size();
-        items.push_back(std::move(item));
+        if (!decodeOne(loc, error)) return false;
     }
     return true;
+}
+
+bool Drawing::decodeOne(const ObjectLocation& loc, MapError& error) {
+    ObjectStreams o;
+    if (!OpenObject(sections.objects, loc.offset, sections.version, sections.codePage, o, error)) {
+        return false;
+    }
+    Item item;
+    item.handle = loc.handle;
+    item.offset = loc.offset;
+    item.type = o.type;
+    const ObjectStreams opened = o;
+    auto decoded = std::make_unique<DecodedObject>();
+    if (!DecodeObject(o, classes, *decoded)) {
+        error = {static_cast<std::size_t>(loc.offset),
+                 "object " + std::to_string(loc.handle) + " (" + typeName(item) +
+                     ") does not hold what its type needs"};
+        return false;
+    }
+    const bool whole = std::holds_alternative<KeptObject>(*decoded);
+    if (IsTableRecord(item.type) && whole) {
+        ObjectStreams again = opened;
+        ReadSymbolRecord(again, symbols[item.handle]);
+    }
+    if (const EntityCommon* common = EntityCommonOf(*decoded)) {
+        item.entity = true;
+        item.owner = ownerOf(*common);
+    }
+    // BLOCK and ENDBLK are written with their block record, kept kinds with their bytes.
+    if (!item.entity || whole || item.type == kBlock || item.type == kEndblk) {
+        item.decoded = std::move(decoded);
+    }
+    byHandle[loc.handle] = items.size();
+    items.push_back(std::move(item));
+    return true;
+}
+
+DecodedObject Drawing::decodedOf(const Item& item) const {
+    if (item.decoded) return *item.decoded;
+    ObjectStreams o;
+    MapError error;
+    DecodedObject decoded;
+    // The object decoded once already: opening and decoding it again cannot fail.
+    if (OpenObject(sections.objects, item.offset, sections.version, sections.codePage, o, error)) {
+        DecodeObject(o, classes, decoded);
+    }
+    return decoded;
 }
 
 void Drawing::index() {
@@ -113,9 +152,10 @@ void Drawing::index() {
     std::map<std::string, int> anonymous;  // the DXF numbers anonymous blocks: *D1, *D2 ...
     for (std::size_t i = 0; i < items.size(); ++i) {
         const Item& item = items[i];
-        if (const auto* layer = std::get_if<LayerRecord>(&item.decoded)) {
+        const DecodedObject* decoded = item.decoded.get();
+        if (const auto* layer = decoded ? std::get_if<LayerRecord>(decoded) : nullptr) {
             names.layers[item.handle] = layer->entry.name;
-        } else if (const auto* block = std::get_if<BlockHeaderRecord>(&item.decoded)) {
+        } else if (const auto* block = decoded ? std::get_if<BlockHeaderRecord>(decoded) : nullptr) {
             std::string name = block->entry.name;
             if (block->anonymous && name.size() <= 2) name += std::to_string(++anonymous[name]);
             // Layouts beyond the first have paper space blocks of their own, which the DXF
@@ -125,16 +165,13 @@ void Drawing::index() {
             }
             names.blocks[item.handle] = name;
         } else if (item.type == kLinetype) {
-            names.linetypes[item.handle] = item.symbol.entry.name;
+            names.linetypes[item.handle] = symbols[item.handle].entry.name;
         } else if (item.type == kStyle) {
-            names.styles[item.handle] = item.symbol.entry.name;
+            names.styles[item.handle] = symbols[item.handle].entry.name;
         } else if (item.type == kDimensionStyle) {
-            names.dimensionStyles[item.handle] = item.symbol.entry.name;
+            names.dimensionStyles[item.handle] = symbols[item.handle].entry.name;
         }
-        const EntityCommon* common = EntityCommonOf(item.decoded);
-        if (common != nullptr && item.type != kBlock && item.type != kEndblk) {
-            owned[ownerOf(*common)].push_back(i);
-        }
+        if (item.entity && item.type != kBlock && item.type != kEndblk) owned[item.owner].push_back(i);
     }
 }
 
@@ -217,12 +254,12 @@ void Drawing::writeTable(const char* name, std::int32_t recordType, std::uint64_
     out.tag(100, "AcDbSymbolTable");
     for (const Item& item : items) {
         if (item.type != recordType) continue;
-        if (const auto* layer = std::get_if<LayerRecord>(&item.decoded)) {
+        if (const auto* layer = std::get_if<LayerRecord>(item.decoded.get())) {
             WriteLayer(out, *layer, names);
-        } else if (const auto* block = std::get_if<BlockHeaderRecord>(&item.decoded)) {
+        } else if (const auto* block = std::get_if<BlockHeaderRecord>(item.decoded.get())) {
             WriteBlockRecord(out, *block, names.name(names.blocks, item.handle));
         } else {
-            WriteSymbolRecord(out, name, item.symbol);
+            WriteSymbolRecord(out, name, symbols[item.handle]);
         }
     }
     out.tag(0, "ENDTAB");
@@ -245,7 +282,7 @@ void Drawing::writeTables() {
 }
 
 void Drawing::writeEntity(const Item& item, std::uint64_t owner) {
-    WriteEntity(out, item.decoded, item.typeName, owner, names);
+    WriteEntity(out, decodedOf(item), typeName(item), owner, names);
     // Attributes and vertices follow their owner, and the SEQEND closes them.
     const auto it = owned.find(item.handle);
     if (it == owned.end()) return;
@@ -265,17 +302,19 @@ void Drawing::writeBlocks() {
     out.tag(0, "SECTION");
     out.tag(2, "BLOCKS");
     for (const Item& item : items) {
-        const auto* block = std::get_if<BlockHeaderRecord>(&item.decoded);
+        const auto* block = std::get_if<BlockHeaderRecord>(item.decoded.get());
         if (block == nullptr) continue;
         const std::string name = names.name(names.blocks, item.handle);
         const Item* begin = find(block->blockEntity);
         const Item* end = find(block->endBlock);
-        const auto* beginRecord = begin ? std::get_if<BlockBeginRecord>(&begin->decoded) : nullptr;
+        const auto* beginRecord =
+            begin ? std::get_if<BlockBeginRecord>(begin->decoded.get()) : nullptr;
         WriteBlockBegin(out, *block, name, beginRecord, item.handle, names);
         if (item.handle != header.handles.modelSpace && item.handle != header.handles.paperSpace) {
             writeEntities(item.handle);
         }
-        const EntityCommon* endCommon = end ? EntityCommonOf(end->decoded) : nullptr;
+        const EntityCommon* endCommon =
+            end && end->decoded ? EntityCommonOf(*end->decoded) : nullptr;
         WriteBlockEnd(out, endCommon, item.handle, names);
     }
     out.tag(0, "ENDSEC");
@@ -285,21 +324,32 @@ void Drawing::writeObjects() {
     out.tag(0, "SECTION");
     out.tag(2, "OBJECTS");
     const Item* named = find(header.handles.namedObjects);
-    if (named != nullptr) WriteObject(out, named->decoded, named->typeName, named->handle);
+    if (named != nullptr && named->decoded) {
+        WriteObject(out, *named->decoded, typeName(*named), named->handle);
+    }
     for (const Item& item : items) {
-        if (&item == named || IsControl(item.type) || IsTableRecord(item.type) ||
-            EntityCommonOf(item.decoded) != nullptr || IsEntityType(item.type, classes)) {
+        if (&item == named || IsControl(item.type) || IsTableRecord(item.type) || item.entity ||
+            IsEntityType(item.type, classes)) {
             continue;
         }
-        WriteObject(out, item.decoded, item.typeName, item.handle);
+        WriteObject(out, *item.decoded, typeName(item), item.handle);
     }
     out.tag(0, "ENDSEC");
 }
 
+void Drawing::takeKept(std::vector<KeptData>& kept) {
+    for (Item& item : items) {
+        auto* whole = std::get_if<KeptObject>(item.decoded.get());
+        if (whole == nullptr || IsControl(item.type) || IsTableRecord(item.type)) continue;
+        kept.push_back({item.handle, typeName(item), std::move(whole->bytes)});
+    }
+}
+
 }  // namespace
 
-bool DwgToDxfText(const DwgSections& sections, std::string& dxf, MapError& error) {
-    Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}};
+bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<KeptData>& kept,
+                  MapError& error) {
+    Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}, {}};
     if (!drawing.decode(error)) return false;
     drawing.index();
     drawing.writeHeader();
@@ -313,6 +363,7 @@ bool DwgToDxfText(const DwgSections& sections, std::string& dxf, MapError& error
     drawing.writeObjects();
     drawing.out.tag(0, "EOF");
     dxf = drawing.out.text();
+    drawing.takeKept(kept);
     return true;
 }
 

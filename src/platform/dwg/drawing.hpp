@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "platform/dwg/bit_reader.hpp"
 #include "platform/dwg/object_map.hpp"
@@ -25,8 +26,18 @@ int WindowsCodePage(int dwgCodePage);
 // The $DWGCODEPAGE name of a Windows code page ("ANSI_936").
 std::string CodePageName(int windowsCodePage);
 
+// An object of a kind the database does not model: its DXF record is its head only, and its
+// bytes (after its size, before its CRC) are what a DWG writer puts back.
+struct KeptData {
+    std::uint64_t handle = 0;
+    std::string typeName;
+    std::vector<std::uint8_t> bytes;
+};
+
 // False with the offset (in the section named by the reason) and the reason when a section
-// does not decode.
-bool DwgToDxfText(const DwgSections& sections, std::string& dxf, MapError& error);
+// does not decode. The objects whose records are their head only are appended to `kept`
+// (symbol table records and control objects are written whole and are not among them).
+bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<KeptData>& kept,
+                  MapError& error);
 
 }  // namespace dwg

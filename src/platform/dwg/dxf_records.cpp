@@ -117,6 +117,7 @@ void EntityProperties(DxfText& out, const EntityCommon& c, std::uint64_t owner,
     }
     if (c.color.index != 256) out.integer(62, c.color.index);
     if ((c.color.rgb >> 24) == 0xC2) out.integer(420, c.color.rgb & 0xFFFFFF);
+    if (c.color.hasTransparency) out.integer(440, c.color.transparency);
     const int lineweight = LineweightFromIndex(c.lineweight);
     if (lineweight != -1) out.integer(370, lineweight);
     if (c.linetypeScale != 1.0) out.tag(48, c.linetypeScale);
@@ -408,13 +409,14 @@ void Body(DxfText& out, const HatchRecord& r, const NameIndex&) {
     out.integer(98, static_cast<long long>(r.seeds.size()));
     for (const auto& p : r.seeds) out.point(10, p);
     if (!r.gradient) return;
+    // In the order of the format's own DXF writer.
     out.integer(450, 1);
     out.integer(451, r.gradientReserved);
-    out.integer(452, r.singleColor);
-    out.integer(453, static_cast<long long>(r.gradientColors.size()));
     out.angle(460, r.gradientAngle);
     out.tag(461, r.gradientShift);
+    out.integer(452, r.singleColor);
     out.tag(462, r.gradientTint);
+    out.integer(453, static_cast<long long>(r.gradientColors.size()));
     for (const auto& [value, rgb] : r.gradientColors) {
         out.tag(463, value);
         out.integer(63, 256);
@@ -512,10 +514,13 @@ void WritePlotSettings(DxfText& out, const PlotSettings& p) {
     out.integer(74, p.plotType);
     out.tag(7, p.styleSheet);
     out.integer(75, p.scaleType);
-    if (p.shadeMode != 0) out.integer(76, p.shadeMode);
-    if (p.shadeResolution != 0) out.integer(77, p.shadeResolution);
-    if (p.shadeDpi != 0) out.integer(78, p.shadeDpi);
     out.tag(147, p.scaleFactor);
+    // The shade plot settings follow the scale factor, as the format's own DXF writer has them.
+    if (p.shadeStored) {
+        out.integer(76, p.shadeMode);
+        out.integer(77, p.shadeResolution);
+        out.integer(78, p.shadeDpi);
+    }
     out.tag(148, p.imageOrigin.x);
     out.tag(149, p.imageOrigin.y);
     if (p.plotView != 0) out.handle(333, p.plotView);

@@ -69,6 +69,7 @@ std::vector<std::uint64_t> SourceRecord::group(std::string_view name, int code) 
 std::uint64_t SourceRecord::owner() const {
     bool inside = false;
     for (const auto& [c, v] : tags) {
+        if (c == 100) break;  // the head ends at the first subclass
         if (c == 102) inside = !v.empty() && v.front() == '{';
         if (!inside && c == 330) return ParseHandle(v);
     }

@@ -28,7 +28,8 @@ struct SourceRecord {
     Point2 point2(int code) const;
     // The handles in an application group ("{ACAD_REACTORS") by their code.
     std::vector<std::uint64_t> group(std::string_view name, int code) const;
-    // The owner: the 330 tag outside the application groups.
+    // The owner: the 330 tag of the head (before the first subclass), outside the application
+    // groups.
     std::uint64_t owner() const;
     // The tags of one subclass, from its marker to the next (a record of one subclass only,
     // for codes that several subclasses use).

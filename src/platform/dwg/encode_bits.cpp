@@ -28,10 +28,16 @@ unsigned NextCodePoint(std::string_view text, std::size_t& i) {
 
 void BitWriter::alignToByte() { bit_ = (bit_ + 7) & ~std::size_t{7}; bytes_.resize(bit_ / 8); }
 
+// A byte at a time: what fits in the current byte, then whole bytes, then the rest.
 void BitWriter::bits(std::uint64_t value, unsigned count) {
     bytes_.resize((bit_ + count + 7) / 8);
-    for (unsigned i = count; i-- > 0; ++bit_) {
-        if ((value >> i) & 1) bytes_[bit_ >> 3] |= static_cast<std::uint8_t>(0x80u >> (bit_ & 7));
+    while (count > 0) {
+        const unsigned room = 8 - static_cast<unsigned>(bit_ & 7);
+        const unsigned take = count < room ? count : room;
+        const auto chunk = static_cast<unsigned>((value >> (count - take)) & ((1u << take) - 1));
+        bytes_[bit_ >> 3] |= static_cast<std::uint8_t>(chunk << (room - take));
+        bit_ += take;
+        count -= take;
     }
 }
 

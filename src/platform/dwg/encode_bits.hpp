@@ -18,6 +18,7 @@ public:
         : version_(version), codePage_(codePage) {}
 
     Version version() const { return version_; }
+    int codePage() const { return codePage_; }
     std::size_t bitPosition() const { return bit_; }
     const std::vector<std::uint8_t>& buffer() const { return bytes_; }
     std::vector<std::uint8_t> take() { return std::move(bytes_); }

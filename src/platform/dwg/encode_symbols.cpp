@@ -3,6 +3,8 @@
 #include "platform/dwg/encode_header.hpp"
 #include "platform/dwg/encode_tables.hpp"
 #include "platform/dwg/entities.hpp"
+#include "platform/dxf/codepage.hpp"
+#include "platform/dxf/tagger.hpp"
 
 namespace dwg {
 namespace {
@@ -10,6 +12,7 @@ namespace {
 constexpr std::int32_t kAppId = 67;
 constexpr std::int32_t kMLineStyle = 73;
 constexpr std::int32_t kDimStyleControl = 68;
+constexpr double kRadiansPerDegree = 0.017453292519943295;
 
 void WriteStyle(BitWriter& d, const SymbolRecord& r) {
     d.B(r.vertical);
@@ -199,6 +202,101 @@ std::vector<std::uint8_t> EncodeMLineStyle(const MLineStyleRecord& s,
         d.CMC(line.color);
         d.BS(line.linetypeIndex);
     }
+    return FinishObject(o);
+}
+
+std::vector<std::uint8_t> EncodePlotSettings(const ObjectCommon& common, const PlotSettings& plot,
+                                             std::int32_t type, const EncodeOptions& options) {
+    ObjectWriter o = BeginObject(type, common.handle, options.version, options.codePage);
+    WriteObjectCommon(o, common);
+    WritePlotSettings(o.data, plot);
+    if (options.version >= Version::kR2004) WriteHandle(o, kSoftPointer, plot.plotView);
+    return FinishObject(o);
+}
+
+namespace {
+
+double Number(const std::string& text) {
+    double value = 0;
+    dxf::ParseDouble(text, value);
+    return value;
+}
+
+long long Integer(const std::string& text) {
+    long long value = 0;
+    dxf::ParseInteger(text, value);
+    return value;
+}
+
+void WriteLongLong(BitWriter& d, std::uint64_t value) {
+    d.RL(static_cast<std::uint32_t>(value));
+    d.RL(static_cast<std::uint32_t>(value >> 32));
+}
+
+std::string Unhex(const std::string& text) {
+    std::string out;
+    for (std::size_t i = 0; i + 1 < text.size(); i += 2) {
+        out.push_back(static_cast<char>(std::stoi(text.substr(i, 2), nullptr, 16)));
+    }
+    return out;
+}
+
+// One group from the list at i; the index past it (a point takes up to three).
+std::size_t WriteDataGroup(BitWriter& d, const std::vector<std::pair<int, std::string>>& groups,
+                           std::size_t i, int dwgCodePage) {
+    const auto& [code, value] = groups[i];
+    d.RS(static_cast<unsigned>(code));
+    switch (DataKindOf(code)) {
+        case DataKind::kPoint: {
+            double xyz[3] = {Number(value), 0, 0};
+            std::size_t next = i + 1;
+            for (int k = 1; k < 3 && next < groups.size() && groups[next].first == code + 10 * k; ++k) {
+                xyz[k] = Number(groups[next++].second);
+            }
+            for (double v : xyz) d.RD(v);
+            return next;
+        }
+        case DataKind::kReal: {
+            const double number = Number(value);
+            d.RD(code >= 50 && code <= 58 ? number * kRadiansPerDegree : number);
+            break;
+        }
+        case DataKind::kShort: d.RS(static_cast<unsigned>(Integer(value)) & 0xFFFF); break;
+        case DataKind::kLong: d.RL(static_cast<std::uint32_t>(Integer(value))); break;
+        case DataKind::kLongLong: WriteLongLong(d, static_cast<std::uint64_t>(Integer(value))); break;
+        case DataKind::kChar: d.RC(static_cast<unsigned>(Integer(value)) & 0xFF); break;
+        case DataKind::kBinary: {
+            const std::string bytes = Unhex(value);
+            d.RC(static_cast<unsigned>(bytes.size()));
+            d.bytes(bytes);
+            break;
+        }
+        case DataKind::kHandle: WriteLongLong(d, std::stoull(value.empty() ? "0" : value, nullptr, 16)); break;
+        case DataKind::kString: {
+            std::string raw;
+            dxf::EncodeText(value, d.codePage(), raw);
+            d.RS(static_cast<unsigned>(raw.size()));
+            d.RC(static_cast<unsigned>(dwgCodePage));
+            d.bytes(raw);
+            break;
+        }
+    }
+    return i + 1;
+}
+
+}  // namespace
+
+std::vector<std::uint8_t> EncodeXRecord(const XRecordRecord& x, int dwgCodePage,
+                                        const EncodeOptions& options) {
+    ObjectWriter o = BeginObject(kXRecord, x.common.handle, options.version, options.codePage);
+    WriteObjectCommon(o, x.common);
+    BitWriter groups(options.version, options.codePage);
+    for (std::size_t i = 0; i < x.groups.size();) i = WriteDataGroup(groups, x.groups, i, dwgCodePage);
+    o.data.BL(static_cast<std::int32_t>(groups.buffer().size()));
+    o.data.bytes(std::string_view(reinterpret_cast<const char*>(groups.buffer().data()),
+                                  groups.buffer().size()));
+    o.data.BS(x.cloning);
+    for (std::uint64_t reference : x.references) WriteHandle(o, kSoftPointer, reference);
     return FinishObject(o);
 }
 

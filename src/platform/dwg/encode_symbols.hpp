@@ -8,6 +8,7 @@
 #include "platform/dwg/encode_object.hpp"
 #include "platform/dwg/layout.hpp"
 #include "platform/dwg/symbols.hpp"
+#include "platform/dwg/xrecord.hpp"
 
 namespace dwg {
 
@@ -44,6 +45,13 @@ std::vector<std::uint8_t> EncodeSymbolRecord(const SymbolRecord& record, std::in
 std::vector<std::uint8_t> EncodeLayout(const LayoutRecord& layout, const EncodeOptions& options);
 std::vector<std::uint8_t> EncodeMLineStyle(const MLineStyleRecord& style,
                                            const EncodeOptions& options);
+// PLOTSETTINGS, numbered by the drawing's class.
+std::vector<std::uint8_t> EncodePlotSettings(const ObjectCommon& common, const PlotSettings& plot,
+                                             std::int32_t type, const EncodeOptions& options);
+// XRECORD: the groups (points as three groups, angles in degrees, as the DXF gives them) in
+// their own run of bytes; dwgCodePage is the file header's code page number for the texts.
+std::vector<std::uint8_t> EncodeXRecord(const XRecordRecord& xrecord, int dwgCodePage,
+                                        const EncodeOptions& options);
 std::vector<std::uint8_t> EncodePlaceHolder(const ObjectCommon& common,
                                             const EncodeOptions& options);
 

@@ -28,6 +28,7 @@ void ReadPlotSettings(ObjectStreams& o, PlotSettings& p) {
     p.scaleFactor = d.BD();
     p.imageOrigin = d.BD2();
     if (v >= Version::kR2004) {
+        p.shadeStored = true;
         p.shadeMode = d.BS();
         p.shadeResolution = d.BS();
         p.shadeDpi = d.BS();

@@ -17,6 +17,7 @@ struct PlotSettings {
     Point2 origin, windowMin, windowMax, imageOrigin;
     double realWorldUnits = 1, drawingUnits = 1, scaleFactor = 1;
     std::int16_t shadeMode = 0, shadeResolution = 0, shadeDpi = 0;
+    bool shadeStored = false;  // 2004 on: the shade plot settings are part of the record
     std::uint64_t plotView = 0;
 };
 

@@ -21,6 +21,15 @@ struct MapError {
 // The format's 16-bit CRC (the reflected 0xA001 polynomial) from a seed.
 std::uint16_t Crc16(std::uint16_t seed, std::span<const std::uint8_t> bytes);
 
+// Whether a CRC that does not match refuses the data. Fuzzing builds (clang's libFuzzer
+// convention) let mutated bytes past the CRCs of the header, classes, object map and objects, so
+// that the decoders behind them meet the mutations; every other build checks them.
+#ifdef FUZZING_BUILD_MODE_UNSAFE_FOR_PRODUCTION
+inline constexpr bool kCrcRefuses = false;
+#else
+inline constexpr bool kCrcRefuses = true;
+#endif
+
 // Reads the pages of the map in file order. False with the error's offset and reason on a page
 // that runs past the section or whose CRC does not match.
 bool ParseObjectMap(std::span<const std::uint8_t> section, std::vector<ObjectLocation>& out,

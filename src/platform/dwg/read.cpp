@@ -33,6 +33,16 @@ void KeepFileVersion(AcDbDatabase& db, Version version) {
     }
 }
 
+// The kept objects' data goes with the objects their head records made.
+void KeepWhole(AcDbDatabase& db, std::vector<KeptData>& kept) {
+    auto& whole = db.dwgKeptObjects();
+    for (KeptData& k : kept) {
+        AcDbObjectId id;
+        if (db.getAcDbObjectId(id, false, AcDbHandle(k.handle)) != Acad::eOk) continue;
+        whole[k.handle] = {std::move(k.typeName), std::move(k.bytes)};
+    }
+}
+
 }  // namespace
 
 bool LooksLikeDwg(std::span<const std::uint8_t> head) {
@@ -68,8 +78,9 @@ AcDb::AcDbDwgVersion DatabaseVersion(Version version) {
 Acad::ErrorStatus ReadDwgSections(AcDbDatabase& db, const DwgSections& sections,
                                   const std::string& name) {
     std::string text;
+    std::vector<KeptData> kept;
     MapError error;
-    if (!DwgToDxfText(sections, text, error)) return Fail(db, name, error.offset, error.reason);
+    if (!DwgToDxfText(sections, text, kept, error)) return Fail(db, name, error.offset, error.reason);
     const Acad::ErrorStatus status = dxf::ReadDxfBytes(db, text, name);
     if (status != Acad::eOk) {
         // The records are made here: a refusal is a fault of this reader, said as such.
@@ -79,6 +90,7 @@ Acad::ErrorStatus ReadDwgSections(AcDbDatabase& db, const DwgSections& sections,
         return Acad::eDwgNeedsRecovery;
     }
     KeepFileVersion(db, sections.version);
+    KeepWhole(db, kept);
     db.setLastError(L"");
     return Acad::eOk;
 }

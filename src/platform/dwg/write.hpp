@@ -13,7 +13,9 @@
 namespace dwg {
 
 struct DwgWriteReport {
-    std::map<std::string, int> leftOut;  // record types the writer cannot write, and how many
+    // What the file does not hold: objects of the database by record type, and the values of
+    // written records that the format has no place for ("DIMSTYLE variable 270"), with counts.
+    std::map<std::string, int> leftOut;
 };
 
 // The file's bytes. codePage is the host's (936 or 65001): texts are written in ANSI_936 for

@@ -11,6 +11,7 @@
 
 #include "platform/dwg/dxf_source.hpp"
 #include "platform/dwg/encode_object.hpp"
+#include "platform/dwg/hatch.hpp"
 #include "platform/dwg/header.hpp"
 
 namespace dwg {
@@ -27,6 +28,8 @@ struct WriteContext {
     std::map<std::uint64_t, std::vector<std::uint8_t>> objects;
     std::unordered_map<std::uint64_t, std::vector<std::uint64_t>> owned;  // block record: entities
     std::map<std::string, int> leftOut;  // record type: how many
+    std::map<std::string, std::int32_t, std::less<>> classNumbers;  // DXF name: object type
+    int dwgCodePage = 30;  // the file header's number of the texts' code page
 
     std::uint64_t handleOf(const SourceRecord& r, int code = 5);
     static std::uint64_t find(const std::unordered_map<std::string, std::uint64_t>& table,
@@ -35,6 +38,11 @@ struct WriteContext {
         objects[handle] = std::move(bytes);
     }
     bool written(std::uint64_t handle) const { return objects.count(handle) != 0; }
+    // The object type the drawing's classes give a DXF name; 0 when it has no class.
+    std::int32_t classNumber(std::string_view dxfName) const {
+        const auto it = classNumbers.find(dxfName);
+        return it == classNumbers.end() ? 0 : it->second;
+    }
 };
 
 // The common data of an object record: handle, owner, reactors, extension dictionary.
@@ -45,6 +53,12 @@ ObjectCommon ObjectCommonOf(const SourceRecord& r, WriteContext& c, int handleCo
 // Returns the handles of the entities written directly under the owner.
 std::vector<std::uint64_t> WriteEntities(const std::vector<SourceRecord>& records,
                                          std::uint64_t owner, WriteContext& c);
+
+// Dimensions, splines, hatches, 3D faces, rays and xlines; false for other kinds.
+bool WriteAnnotation(const SourceRecord& r, EntityCommon common, WriteContext& c);
+// A hatch from its record: paths, pattern, seeds and gradient in the record's order. What the
+// record holds and the hatch cannot (a gradient colour's index) is counted in leftOut.
+HatchRecord HatchOf(const SourceRecord& r, EntityCommon common, std::map<std::string, int>& leftOut);
 
 // An entity's common data from its record.
 EntityCommon EntityCommonOf(const SourceRecord& r, std::uint64_t owner, WriteContext& c);

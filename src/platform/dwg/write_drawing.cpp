@@ -155,36 +155,46 @@ void DictionariesOf(const std::vector<const SourceRecord*>& dictionaries, Header
     }
 }
 
-// The classes of the DXF's CLASSES section, numbered from 500 in their order, and the class of
-// dictionaries with a default entry when the drawing has one and no class for it.
+// The classes the writer numbers objects by when the drawing's CLASSES section lacks them (a
+// drawing read from DWG has none): DXF name, C++ name, proxy flags.
+struct KnownClass {
+    const char* dxfName;
+    const char* cppName;
+    std::int16_t proxyFlags;
+};
+constexpr KnownClass kKnownClasses[] = {
+    {"ACDBDICTIONARYWDFLT", "AcDbDictionaryWithDefault", 0},
+    {"DICTIONARYVAR", "AcDbDictionaryVar", 0},
+    {"SCALE", "AcDbScale", 1153},
+    {"PLOTSETTINGS", "AcDbPlotSettings", 0}};
+
+// The classes of the DXF's CLASSES section, numbered from 500 in their order, and those of the
+// writer's class kinds that the drawing uses without a class for them.
 std::vector<ClassRecord> ClassesOf(const SourceDrawing& s) {
     std::vector<ClassRecord> classes;
+    auto add = [&](std::string dxfName, std::string cppName, std::string application,
+                   std::int16_t proxyFlags, bool entity) {
+        ClassRecord c;
+        c.number = static_cast<std::int16_t>(kFirstClass + classes.size());
+        c.dxfName = std::move(dxfName);
+        c.cppName = std::move(cppName);
+        c.application = std::move(application);
+        c.proxyFlags = proxyFlags;
+        c.isEntity = entity;
+        classes.push_back(std::move(c));
+    };
     for (const SourceRecord& r : s.classes) {
-        ClassRecord c;
-        c.number = static_cast<std::int16_t>(kFirstClass + classes.size());
-        c.dxfName = std::string(r.text(1));
-        c.cppName = std::string(r.text(2));
-        c.application = std::string(r.text(3));
-        c.proxyFlags = static_cast<std::int16_t>(r.integer(90));
-        c.instanceCount = static_cast<std::int32_t>(r.integer(91));
-        c.wasZombie = r.integer(280) != 0;
-        c.isEntity = r.integer(281) != 0;
-        classes.push_back(std::move(c));
+        add(std::string(r.text(1)), std::string(r.text(2)), std::string(r.text(3)),
+            static_cast<std::int16_t>(r.integer(90)), r.integer(281) != 0);
+        classes.back().instanceCount = static_cast<std::int32_t>(r.integer(91));
+        classes.back().wasZombie = r.integer(280) != 0;
     }
-    const bool used = std::any_of(s.objects.begin(), s.objects.end(), [](const SourceRecord& r) {
-        return r.type == "ACDBDICTIONARYWDFLT";
-    });
-    const bool known = std::any_of(classes.begin(), classes.end(), [](const ClassRecord& c) {
-        return c.dxfName == "ACDBDICTIONARYWDFLT";
-    });
-    if (used && !known) {
-        ClassRecord c;
-        c.number = static_cast<std::int16_t>(kFirstClass + classes.size());
-        c.dxfName = "ACDBDICTIONARYWDFLT";
-        c.cppName = "AcDbDictionaryWithDefault";
-        c.application = "ObjectDBX Classes";
-        c.proxyFlags = 1152;
-        classes.push_back(std::move(c));
+    for (const KnownClass& known : kKnownClasses) {
+        const bool used = std::any_of(s.objects.begin(), s.objects.end(),
+                                      [&](const SourceRecord& r) { return r.type == known.dxfName; });
+        const bool listed = std::any_of(classes.begin(), classes.end(),
+                                        [&](const ClassRecord& c) { return c.dxfName == known.dxfName; });
+        if (used && !listed) add(known.dxfName, known.cppName, "ObjectDBX Classes", known.proxyFlags, false);
     }
     return classes;
 }
@@ -206,6 +216,26 @@ std::vector<std::uint8_t> ObjectsSection(const WriteContext& c, std::vector<Obje
     return out;
 }
 
+// The first handle above every handle the records use and the header's seed: objects the
+// writer makes (missing layers, SEQENDs) take theirs from it.
+std::uint64_t FirstFreeHandle(const SourceDrawing& s) {
+    std::uint64_t top = 0;
+    auto note = [&](const SourceRecord& r) { top = std::max({top, r.handle(5), r.handle(105)}); };
+    for (const SourceTable& t : s.tables) {
+        top = std::max(top, t.handle);
+        for (const SourceRecord& r : t.records) note(r);
+    }
+    for (const SourceBlock& b : s.blocks) {
+        note(b.begin);
+        note(b.end);
+        for (const SourceRecord& r : b.entities) note(r);
+    }
+    for (const SourceRecord& r : s.entities) note(r);
+    for (const SourceRecord& r : s.objects) note(r);
+    const SourceRecord* seed = s.variable("$HANDSEED");
+    return std::max(top + 1, seed != nullptr ? seed->handle(5) : 1);
+}
+
 }  // namespace
 
 Acad::ErrorStatus WriteDwgBytes(AcDbDatabase& db, int codePage, std::vector<std::uint8_t>& out,
@@ -225,15 +255,17 @@ Acad::ErrorStatus WriteDwgBytes(AcDbDatabase& db, int codePage, std::vector<std:
     WriteContext c;
     c.options.version = Version::kR2004;
     c.options.codePage = codePage == 936 ? 936 : 1252;
-    const SourceRecord* seed = source.variable("$HANDSEED");
-    c.nextHandle = seed != nullptr ? std::max<std::uint64_t>(1, seed->handle(5)) : 1;
+    c.nextHandle = FirstFreeHandle(source);
     IndexNames(source, c);
     HeaderVariables header = HeaderOf(source, c);
     const std::vector<ClassRecord> classes = ClassesOf(source);
+    for (const ClassRecord& cls : classes) c.classNumbers.emplace(cls.dxfName, cls.number);
+    c.dwgCodePage = DwgCodePageNumber(c.options.codePage);
     WriteTables(source, c, header.handles);
     std::vector<SourceRecord> model, paper;
-    for (const SourceRecord& r : source.entities) {
-        (r.owner() == c.paperSpace || r.integer(67) == 1 ? paper : model).push_back(r);
+    for (SourceRecord& r : source.entities) {
+        const bool inPaper = r.owner() == c.paperSpace || r.integer(67) == 1;
+        (inPaper ? paper : model).push_back(std::move(r));
     }
     c.owned[c.modelSpace] = WriteEntities(model, c.modelSpace, c);
     c.owned[c.paperSpace] = WriteEntities(paper, c.paperSpace, c);
@@ -258,6 +290,12 @@ Acad::ErrorStatus WriteDwgBytes(AcDbDatabase& db, int codePage, std::vector<std:
     sections.push_back({"AcDb:Header", EncodeHeaderSection(header, c.options.version, c.options.codePage)});
     out = AssembleR2004(std::move(sections), DwgCodePageNumber(c.options.codePage));
     report.leftOut = c.leftOut;
+    // Every object of the database that the file does not hold, by its record type: the kinds
+    // without an encoder, and any object the drawing's records did not carry.
+    for (const AcDbStub& stub : db.stubs()) {
+        if (!stub.object || stub.object->isErased() || c.written(stub.handle.value())) continue;
+        ++report.leftOut[dxf::TypeName(*stub.object)];
+    }
     return Acad::eOk;
 }
 

@@ -1,5 +1,6 @@
 #include "platform/dwg/write_context.hpp"
 
+#include <algorithm>
 #include <cctype>
 #include <cmath>
 
@@ -39,9 +40,16 @@ ObjectCommon ObjectCommonOf(const SourceRecord& r, WriteContext& c, int handleCo
     return o;
 }
 
-EntityCommon EntityCommonOf(const SourceRecord& r, std::uint64_t owner, WriteContext& c) {
+// The entity's properties are those of its AcDbEntity subclass, as the DXF reader takes them; a
+// record without that subclass has them among all its tags.
+EntityCommon EntityCommonOf(const SourceRecord& record, std::uint64_t owner, WriteContext& c) {
     EntityCommon e;
-    static_cast<ObjectCommon&>(e) = ObjectCommonOf(r, c);
+    static_cast<ObjectCommon&>(e) = ObjectCommonOf(record, c);
+    const bool marked = std::any_of(record.tags.begin(), record.tags.end(), [](const auto& tag) {
+        return tag.first == 100 && tag.second == "AcDbEntity";
+    });
+    const SourceRecord properties = marked ? record.subclass("AcDbEntity") : record;
+    const SourceRecord& r = properties;
     e.owner = owner;
     e.mode = owner == c.modelSpace ? 2 : owner == c.paperSpace ? 1 : 0;
     e.layer = WriteContext::find(c.layers, r.has(8) ? r.text(8) : "0");
@@ -57,6 +65,10 @@ EntityCommon EntityCommonOf(const SourceRecord& r, std::uint64_t owner, WriteCon
     }
     e.color.index = static_cast<std::int16_t>(r.integer(62, 256));
     if (r.has(420)) e.color.rgb = 0xC2000000u | (static_cast<std::uint32_t>(r.integer(420)) & 0xFFFFFF);
+    if (r.has(440)) {
+        e.color.hasTransparency = true;
+        e.color.transparency = static_cast<std::uint32_t>(r.integer(440));
+    }
     e.lineweight = LineweightIndex(static_cast<int>(r.integer(370, -1)));
     e.linetypeScale = r.real(48, 1.0);
     e.invisible = static_cast<std::int16_t>(r.integer(60, 0));
@@ -258,40 +270,40 @@ struct EntityWriter {
 
     // Writes the record at i (and what it owns); the index of the next record.
     std::size_t write(std::size_t i, std::uint64_t owner, std::vector<std::uint64_t>& top);
-    bool writeSimple(const SourceRecord& r, EntityCommon common);
+    bool writeSimple(const SourceRecord& r, const EntityCommon& common);
     std::size_t writeInsert(std::size_t i, EntityCommon common);
     std::size_t writePolyline(std::size_t i, EntityCommon common, std::int32_t kind);
     std::uint64_t writeSeqend(std::size_t& i, std::uint64_t owner);
 };
 
-bool EntityWriter::writeSimple(const SourceRecord& r, EntityCommon common) {
+bool EntityWriter::writeSimple(const SourceRecord& r, const EntityCommon& common) {
     const std::uint64_t handle = common.handle;
     const EncodeOptions& o = c.options;
     const std::string_view t = r.type;
     if (t == "LINE") {
-        c.add(handle, EncodeLine({std::move(common), r.point(10), r.point(11), r.real(39), Normal(r)}, o));
+        c.add(handle, EncodeLine({common, r.point(10), r.point(11), r.real(39), Normal(r)}, o));
     } else if (t == "CIRCLE" || t == "ARC") {
-        CircleRecord circle{std::move(common), r.point(10), r.real(40), r.real(39), Normal(r)};
+        CircleRecord circle{common, r.point(10), r.real(40), r.real(39), Normal(r)};
         if (t == "CIRCLE") {
             c.add(handle, EncodeCircle(circle, o));
         } else {
             c.add(handle, EncodeArc({std::move(circle), r.real(50) * kRadians, r.real(51) * kRadians}, o));
         }
     } else if (t == "POINT") {
-        c.add(handle, EncodePoint({std::move(common), r.point(10), r.real(39), Normal(r), r.real(50) * kRadians}, o));
+        c.add(handle, EncodePoint({common, r.point(10), r.real(39), Normal(r), r.real(50) * kRadians}, o));
     } else if (t == "TEXT") {
-        c.add(handle, EncodeText(TextOf(r, std::move(common), c, 73), o));
+        c.add(handle, EncodeText(TextOf(r, common, c, 73), o));
     } else if (t == "ATTDEF") {
-        c.add(handle, EncodeAttribute(AttributeOf(r, std::move(common), c, true), true, o));
+        c.add(handle, EncodeAttribute(AttributeOf(r, common, c, true), true, o));
     } else if (t == "MTEXT") {
-        c.add(handle, EncodeMText(MTextOf(r, std::move(common), c), o));
+        c.add(handle, EncodeMText(MTextOf(r, common, c), o));
     } else if (t == "ELLIPSE") {
-        c.add(handle, EncodeEllipse({std::move(common), r.point(10), r.point(11), Normal(r),
+        c.add(handle, EncodeEllipse({common, r.point(10), r.point(11), Normal(r),
                                      r.real(40, 1.0), r.real(41), r.real(42)}, o));
     } else if (t == "LWPOLYLINE") {
-        c.add(handle, EncodeLwPolyline(LwPolylineOf(r, std::move(common)), o));
+        c.add(handle, EncodeLwPolyline(LwPolylineOf(r, common), o));
     } else if (t == "SOLID" || t == "TRACE") {
-        c.add(handle, EncodeSolid(SolidOf(r, std::move(common)), t == "SOLID" ? kSolid : kTrace, o));
+        c.add(handle, EncodeSolid(SolidOf(r, common), t == "SOLID" ? kSolid : kTrace, o));
     } else {
         return false;
     }
@@ -364,9 +376,9 @@ std::size_t EntityWriter::write(std::size_t i, std::uint64_t owner,
         next = writeInsert(i, std::move(common));
     } else if (r.type == "POLYLINE" && PolylineKind(r.integer(70)) != 0) {
         next = writePolyline(i, std::move(common), PolylineKind(r.integer(70)));
-    } else if (!writeSimple(r, std::move(common))) {
-        ++c.leftOut[std::string(r.type)];
-        // What an unwritten record owns goes with it.
+    } else if (!writeSimple(r, common) && !WriteAnnotation(r, std::move(common), c)) {
+        // Not written (the report counts it among the database's objects left out); what it
+        // owns goes with it.
         if (r.type == "POLYLINE") {
             next = OwnedEnd(records, next);
             if (next < records.size() && records[next].type == "SEQEND") ++next;

@@ -3,6 +3,10 @@
 // multiline styles.
 #include "platform/dwg/write_tables.hpp"
 
+#include <algorithm>
+#include <iterator>
+
+#include "platform/dwg/encode_annotations.hpp"
 #include "platform/dwg/encode_blocks.hpp"
 #include "platform/dwg/encode_symbols.hpp"
 #include "platform/dwg/encode_tables.hpp"
@@ -77,12 +81,35 @@ void DimensionVariablesOf(const SourceRecord& r, WriteContext& c, DimensionVaria
     m.clrd = CmcColor(r.integer(176, 0), r, -1);
     m.clre = CmcColor(r.integer(177, 0), r, -1);
     m.clrt = CmcColor(r.integer(178, 0), r, -1);
-    m.txsty = r.handle(340);
-    if (m.txsty == 0 && r.has(340) == false) m.txsty = WriteContext::find(c.styles, "STANDARD");
+    m.txsty = r.has(340) ? r.handle(340) : WriteContext::find(c.styles, "STANDARD");
     m.ldrblk = r.handle(341);
     m.blkHandle = r.handle(342);
     m.blk1Handle = r.handle(343);
     m.blk2Handle = r.handle(344);
+}
+
+// The dimension style's variables that an AC1018 record has no place for (those of R12 to R14
+// and of 2007 on) are named in the report: the save leaves them out.
+void NoteUnstoredDimensionVariables(const SourceRecord& r, WriteContext& c) {
+    static constexpr int kStored[] = {2,   3,   4,   40,  41,  42,  43,  44,  45,  46,  47,
+                                      48,  70,  71,  72,  73,  74,  75,  76,  77,  78,  79,
+                                      140, 141, 142, 143, 144, 145, 146, 147, 148, 170, 171,
+                                      172, 173, 174, 175, 176, 177, 178, 179, 271, 272, 273,
+                                      274, 275, 276, 277, 278, 279, 280, 281, 282, 283, 284,
+                                      285, 286, 288, 289, 340, 341, 342, 343, 344, 371, 372};
+    bool head = true;
+    for (const auto& [code, value] : r.tags) {
+        if (code == 100) head = false;
+        if (head || code == 100 || code == 105 || code == 102 || code == 330 || code == 360) continue;
+        // A handle variable given empty or by a name refers to nothing the file can hold.
+        const bool emptyReference = code >= 340 && code <= 344 &&
+                                    (value.empty() || value.find_first_not_of("0123456789ABCDEFabcdef") !=
+                                                          std::string_view::npos);
+        if (emptyReference ||
+            std::find(std::begin(kStored), std::end(kStored), code) == std::end(kStored)) {
+            ++c.leftOut["DIMSTYLE variable " + std::to_string(code)];
+        }
+    }
 }
 
 SymbolRecord SymbolOf(const SourceRecord& r, std::string_view table, WriteContext& c) {
@@ -109,6 +136,7 @@ SymbolRecord SymbolOf(const SourceRecord& r, std::string_view table, WriteContex
     } else if (table == "DIMSTYLE") {
         s.dim = NewDrawingDimensionVariables();
         DimensionVariablesOf(r, c, s.dim);
+        NoteUnstoredDimensionVariables(r, c);
     } else if (table == "VPORT") {
         s.lowerLeft = r.point2(10);
         s.upperRight = r.has(11) ? r.point2(11) : Point2{1, 1};
@@ -204,6 +232,40 @@ void IndexNames(const SourceDrawing& source, WriteContext& c) {
     c.paperSpace = WriteContext::find(c.blocks, "*PAPER_SPACE");
 }
 
+namespace {
+
+void NoteLayer(std::string_view name, WriteContext& c, std::vector<std::string>& missing) {
+    const std::string key = NameKey(name.empty() ? "0" : name);
+    if (c.layers.count(key) != 0) return;
+    c.layers[key] = c.nextHandle++;
+    missing.emplace_back(name);
+}
+
+// Layers that entities name and the table lacks (a DXF may leave them out) are made, as the
+// format's readers make them: a DWG entity refers to its layer by handle.
+std::vector<LayerRecord> MissingLayers(const SourceDrawing& source, std::uint64_t control,
+                                       WriteContext& c) {
+    std::vector<std::string> missing;
+    for (const SourceRecord& r : source.entities) NoteLayer(r.text(8), c, missing);
+    for (const SourceBlock& block : source.blocks) {
+        for (const SourceRecord& r : block.entities) NoteLayer(r.text(8), c, missing);
+    }
+    std::vector<LayerRecord> out;
+    for (const std::string& name : missing) {
+        LayerRecord layer;
+        layer.entry.common.handle = c.layers[NameKey(name)];
+        layer.entry.common.owner = control;
+        layer.entry.name = name;
+        layer.color.index = 7;
+        layer.color.rgb = 0xC3000007u;
+        layer.linetype = WriteContext::find(c.linetypes, "CONTINUOUS");
+        out.push_back(std::move(layer));
+    }
+    return out;
+}
+
+}  // namespace
+
 void WriteTables(const SourceDrawing& source, WriteContext& c, HeaderHandles& handles) {
     for (const SourceTable& table : source.tables) {
         const TableKind* kind = nullptr;
@@ -224,8 +286,7 @@ void WriteTables(const SourceDrawing& source, WriteContext& c, HeaderHandles& ha
             } else if (table.name == "BLOCK_RECORD") {
                 handle = r.handle(5);  // written with its block
             } else if (table.name == "VIEW" || table.name == "UCS") {
-                ++c.leftOut[std::string(table.name)];
-                continue;
+                continue;  // not written: the report counts them among the objects left out
             } else {
                 SymbolRecord symbol = SymbolOf(r, table.name, c);
                 handle = symbol.entry.common.handle;
@@ -238,6 +299,12 @@ void WriteTables(const SourceDrawing& source, WriteContext& c, HeaderHandles& ha
                 control.apart.push_back(handle);
             } else {
                 control.entries.push_back(handle);
+            }
+        }
+        if (table.name == "LAYER") {
+            for (const LayerRecord& layer : MissingLayers(source, control.common.handle, c)) {
+                c.add(layer.entry.common.handle, EncodeLayer(layer, c.options));
+                control.entries.push_back(layer.entry.common.handle);
             }
         }
         c.add(control.common.handle, EncodeControl(control, c.options));
@@ -275,10 +342,7 @@ void WriteBlocks(const SourceDrawing& source, WriteContext& c) {
     for (const SourceBlock& block : source.blocks) {
         const std::uint64_t recordHandle = block.begin.owner();
         const SourceRecord* record = BlockRecordOf(source, recordHandle);
-        if (record == nullptr) {
-            ++c.leftOut["BLOCK"];
-            continue;
-        }
+        if (record == nullptr) continue;  // a block without its record is not written
         BlockHeaderRecord b;
         b.entry = EntryOf(*record, c);
         b.entry.name = std::string(block.begin.text(2));
@@ -306,22 +370,19 @@ void WriteBlocks(const SourceDrawing& source, WriteContext& c) {
         b.endBlock = end.handle;
         c.add(end.handle, EncodeCommonOnly(end, kEndblk, c.options));
 
-        const bool space = recordHandle == c.modelSpace || recordHandle == c.paperSpace;
-        b.entities = space ? std::vector<std::uint64_t>{} : WriteEntities(block.entities, recordHandle, c);
-        if (space) {
-            for (std::uint64_t h : c.owned[recordHandle]) b.entities.push_back(h);
-        }
+        // The model and paper space entities of the ENTITIES section come first; a block's own
+        // entities (those of every space included) follow.
+        b.entities = c.owned[recordHandle];
+        for (std::uint64_t h : WriteEntities(block.entities, recordHandle, c)) b.entities.push_back(h);
         c.add(b.entry.common.handle, EncodeBlockHeader(b, c.options));
     }
 }
 
 namespace {
 
-LayoutRecord LayoutOf(const SourceRecord& r, WriteContext& c) {
-    LayoutRecord l;
-    l.common = ObjectCommonOf(r, c);
+PlotSettings PlotSettingsOf(const SourceRecord& r) {
     const SourceRecord p = r.subclass("AcDbPlotSettings");
-    PlotSettings& s = l.plot;
+    PlotSettings s;
     s.pageSetupName = std::string(p.text(1));
     s.printerName = std::string(p.text(2));
     s.paperSize = std::string(p.text(4));
@@ -340,12 +401,20 @@ LayoutRecord LayoutOf(const SourceRecord& r, WriteContext& c) {
     s.plotType = static_cast<std::int16_t>(p.integer(74));
     s.styleSheet = std::string(p.text(7));
     s.scaleType = static_cast<std::int16_t>(p.integer(75));
+    s.shadeStored = true;
     s.shadeMode = static_cast<std::int16_t>(p.integer(76));
-    s.shadeResolution = static_cast<std::int16_t>(p.integer(77));
-    s.shadeDpi = static_cast<std::int16_t>(p.integer(78));
+    s.shadeResolution = static_cast<std::int16_t>(p.integer(77, 2));
+    s.shadeDpi = static_cast<std::int16_t>(p.integer(78, 300));
     s.scaleFactor = p.real(147, 1.0);
     s.imageOrigin = {p.real(148), p.real(149)};
     s.plotView = p.handle(333);
+    return s;
+}
+
+LayoutRecord LayoutOf(const SourceRecord& r, WriteContext& c) {
+    LayoutRecord l;
+    l.common = ObjectCommonOf(r, c);
+    l.plot = PlotSettingsOf(r);
     const SourceRecord a = r.subclass("AcDbLayout");
     l.name = std::string(a.text(1));
     l.flags = static_cast<std::int16_t>(a.integer(70));
@@ -393,6 +462,57 @@ MLineStyleRecord MLineStyleOf(const SourceRecord& r, WriteContext& c) {
     return s;
 }
 
+XRecordRecord XRecordOf(const SourceRecord& r, WriteContext& c) {
+    XRecordRecord x;
+    x.common = ObjectCommonOf(r, c);
+    const SourceRecord body = r.subclass("AcDbXrecord");
+    std::size_t first = 0;
+    if (!body.tags.empty() && body.tags.front().first == 280) {
+        long long cloning = 1;
+        dxf::ParseInteger(body.tags.front().second, cloning);
+        x.cloning = static_cast<std::int16_t>(cloning);
+        first = 1;
+    }
+    for (std::size_t i = first; i < body.tags.size(); ++i) {
+        x.groups.emplace_back(body.tags[i].first, std::string(body.tags[i].second));
+    }
+    return x;
+}
+
+GroupRecord GroupOf(const SourceRecord& r, WriteContext& c) {
+    GroupRecord g;
+    g.common = ObjectCommonOf(r, c);
+    g.description = std::string(r.text(300));
+    g.unnamed = static_cast<std::int16_t>(r.integer(70));
+    g.selectable = static_cast<std::int16_t>(r.integer(71, 1));
+    for (const auto& [code, value] : r.tags) {
+        if (code == 340) g.entities.push_back(ParseHandle(value));
+    }
+    return g;
+}
+
+// The kinds numbered by the drawing's classes.
+bool WriteClassObject(const SourceRecord& r, WriteContext& c) {
+    const std::int32_t type = c.classNumber(r.type);
+    if (type == 0) return false;
+    if (r.type == "DICTIONARYVAR") {
+        DictionaryVariableRecord v{ObjectCommonOf(r, c), static_cast<std::uint8_t>(r.integer(280)),
+                                   std::string(r.text(1))};
+        c.add(v.common.handle, EncodeDictionaryVariable(v, type, c.options));
+    } else if (r.type == "SCALE") {
+        ScaleRecord s{ObjectCommonOf(r, c), static_cast<std::int16_t>(r.integer(70)),
+                      std::string(r.text(300)), r.real(140, 1.0), r.real(141, 1.0),
+                      r.integer(290) != 0};
+        c.add(s.common.handle, EncodeScale(s, type, c.options));
+    } else if (r.type == "PLOTSETTINGS") {
+        const ObjectCommon common = ObjectCommonOf(r, c);
+        c.add(common.handle, EncodePlotSettings(common, PlotSettingsOf(r), type, c.options));
+    } else {
+        return false;
+    }
+    return true;
+}
+
 }  // namespace
 
 void WriteObjects(const SourceDrawing& source, WriteContext& c,
@@ -409,8 +529,14 @@ void WriteObjects(const SourceDrawing& source, WriteContext& c,
         } else if (r.type == "ACDBPLACEHOLDER") {
             const ObjectCommon common = ObjectCommonOf(r, c);
             c.add(common.handle, EncodePlaceHolder(common, c.options));
+        } else if (r.type == "XRECORD") {
+            const XRecordRecord x = XRecordOf(r, c);
+            c.add(x.common.handle, EncodeXRecord(x, c.dwgCodePage, c.options));
+        } else if (r.type == "GROUP") {
+            const GroupRecord g = GroupOf(r, c);
+            c.add(g.common.handle, EncodeGroup(g, c.options));
         } else {
-            ++c.leftOut[std::string(r.type)];
+            WriteClassObject(r, c);  // or not written: the report counts it
         }
     }
 }

@@ -9,12 +9,13 @@
 namespace dwg {
 namespace {
 
-enum class Kind { kString, kPoint, kReal, kShort, kLong, kLongLong, kChar, kBinary, kHandle };
+using Kind = DataKind;
 
 bool Within(int code, int low, int high) { return code >= low && code <= high; }
 
-// The value type of a group code, as the DXF reference gives it.
-Kind KindOf(int code) {
+}  // namespace
+
+DataKind DataKindOf(int code) {
     if (Within(code, 10, 17) || Within(code, 110, 112) || code == 210 || Within(code, 1010, 1013)) {
         return Kind::kPoint;
     }
@@ -38,6 +39,8 @@ Kind KindOf(int code) {
     }
     return Kind::kString;
 }
+
+namespace {
 
 std::string Real(double value) {
     char buffer[32];
@@ -79,7 +82,7 @@ std::string String(BitReader& d) {
 
 bool ReadDataGroup(BitReader& d, std::vector<std::pair<int, std::string>>& out) {
     const int code = d.RS();
-    switch (KindOf(code)) {
+    switch (DataKindOf(code)) {
         case Kind::kPoint: {
             const double x = d.RD(), y = d.RD(), z = d.RD();
             out.emplace_back(code, Real(x));

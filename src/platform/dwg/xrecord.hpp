@@ -19,6 +19,10 @@ struct XRecordRecord {
 
 bool ReadXRecord(ObjectStreams& o, XRecordRecord& out);
 
+// The value type of a group code of application data, as the DXF reference gives it.
+enum class DataKind { kString, kPoint, kReal, kShort, kLong, kLongLong, kChar, kBinary, kHandle };
+DataKind DataKindOf(int code);
+
 // Reads one group of the data: its code, then its value as its code's type wants. False when
 // the data ends inside it.
 bool ReadDataGroup(BitReader& d, std::vector<std::pair<int, std::string>>& out);

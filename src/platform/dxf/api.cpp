@@ -39,6 +39,7 @@ Acad::ErrorStatus AcDbDatabase::saveAs(const ACHAR* fileName) {
     }
     std::string path = target.string();
     Acad::ErrorStatus es = dxf::WriteDxfFile(*this, path, options);
+    if (es == Acad::eOk) setFilename(fileName);  // the host's name of the file, as given
     if (es == Acad::eOk && savedObserver) savedObserver(*this, path);
     return es;
 }

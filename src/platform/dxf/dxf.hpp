@@ -1,6 +1,7 @@
 #pragma once
 // The drawing-file codec: reads DXF (R12 to 2018, ASCII and binary) into a database and writes
 // a database as ASCII DXF, keeping what the database does not model.
+#include <map>
 #include <string>
 #include <string_view>
 
@@ -39,6 +40,11 @@ struct WriteOptions {
     // as ASCII with \U+XXXX escapes).
     int codePage = 936;
 };
+
+// What a DXF written from the database leaves out, as type name and count: the objects read
+// from DWG that the database keeps whole (AcDbDatabase::dwgKeptObjects) and that no DXF record
+// can be given for. Empty for a drawing read from DXF or made in memory.
+std::map<std::string, int> LeftOutOfDxf(const AcDbDatabase& db);
 
 // Writes the database to text. Objects made in memory take handles from $HANDSEED.
 Acad::ErrorStatus WriteDxfText(AcDbDatabase& db, const WriteOptions& options, std::string& out);

@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <map>
 #include <thread>
 
 #include "platform/db/block_reference.hpp"
@@ -22,6 +23,7 @@
 #include "platform/dxf/dxf.hpp"
 #include "platform/dxf/model.hpp"
 #include "platform/dxf/tagger.hpp"
+#include "platform/win/faults.hpp"
 #include "platform/win/temporaries.hpp"
 
 namespace dxf {
@@ -948,10 +950,16 @@ void Writer::entity(const AcDbEntity& e) {
     }
 }
 
+// An object read from DWG that the database keeps whole has no complete DXF record.
+bool KeptFromDwg(const AcDbDatabase& db, const AcDbObject& o) {
+    const auto& kept = db.dwgKeptObjects();
+    return !kept.empty() && kept.count(o.getHandle().value()) != 0;
+}
+
 void Writer::entityBatch(const AcDbObjectIdArray& ids, size_t begin, size_t end) {
     for (size_t i = begin; i < end; ++i) {
         auto* e = AcDbEntity::cast(ObjectOf(ids[static_cast<int>(i)]));
-        if (e && !e->isErased()) entity(*e);
+        if (e && !e->isErased() && !KeptFromDwg(m_db, *e)) entity(*e);
     }
 }
 
@@ -1033,7 +1041,7 @@ void Writer::objects() {
     for (const auto& stub : m_db.stubs()) {
         AcDbObject* o = stub.object.get();
         if (!o || o == root || o->isErased() || AcDbEntity::cast(o) || AcDbSymbolTable::cast(o) ||
-            AcDbSymbolTableRecord::cast(o))
+            AcDbSymbolTableRecord::cast(o) || KeptFromDwg(m_db, *o))
             continue;
         others.push_back(&stub);
     }
@@ -1078,6 +1086,17 @@ bool Writer::write() {
 
 }  // namespace
 
+std::map<std::string, int> LeftOutOfDxf(const AcDbDatabase& db) {
+    std::map<std::string, int> left;
+    const auto& kept = db.dwgKeptObjects();
+    if (kept.empty()) return left;
+    for (const auto& stub : db.stubs()) {
+        if (!stub.object || stub.object->isErased()) continue;
+        if (const auto it = kept.find(stub.handle.value()); it != kept.end()) ++left[it->second.typeName];
+    }
+    return left;
+}
+
 Acad::ErrorStatus WriteDxfText(AcDbDatabase& db, const WriteOptions& options, std::string& out) {
     out.clear();
     Writer writer(db, options, out, nullptr);
@@ -1097,6 +1116,7 @@ Acad::ErrorStatus WriteDxfFile(AcDbDatabase& db, const std::string& path, const 
     errno = 0;
     std::FILE* file = std::fopen(temp.c_str(), "wb");
     if (!file) return fail("cannot create " + temp);
+    KillPoint("save");
     // The text goes out in pieces: a large drawing is never held whole in memory.
     std::string buffer;
     bool written = Writer(db, options, buffer, file).write();
@@ -1105,6 +1125,7 @@ Acad::ErrorStatus WriteDxfFile(AcDbDatabase& db, const std::string& path, const 
         return fail("cannot write " + temp);
     }
     if (std::fclose(file) != 0) return fail("cannot write " + temp);
+    KillPoint("save written");
     if (std::rename(temp.c_str(), path.c_str()) != 0) return fail("cannot rename " + temp + " into place");
     db.setFilename(Wide(path));
     db.setLastError(L"");

@@ -1,10 +1,12 @@
-// Multi-line texts with their format codes applied: each paragraph a line of runs, each run
+// Multi-line texts with their format codes applied: each paragraph a line of runs (broken into
+// lines at the text's width when it has one), each run
 // in its own height, width, slant, colour and weight, with its under-, over- and strike-through
 // lines; stacks drawn as tolerances (one part over the other), fractions (with a bar) or
 // diagonal fractions (with a slash). Lines are placed by the attachment point (rows top,
 // middle, bottom; columns left, centre, right). Units are the text's height, y up.
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "platform/db/mtext.hpp"
 #include "platform/dxf/model.hpp"
@@ -180,6 +182,48 @@ void DrawLine(Canvas& canvas, const LaidLine& line, double u, double v, const Rg
     }
 }
 
+// Where a line may break: after a space, and before and after an ideograph (CJK text breaks
+// between any two of them).
+bool IsIdeograph(wchar_t c) { return c >= 0x2E80; }
+
+std::vector<std::wstring> BreakPieces(const std::wstring& text) {
+    std::vector<std::wstring> pieces(1);
+    for (wchar_t c : text) {
+        if (IsIdeograph(c) && !pieces.back().empty()) pieces.emplace_back();
+        pieces.back() += c;
+        if (c == L' ' || IsIdeograph(c)) pieces.emplace_back();
+    }
+    if (pieces.back().empty()) pieces.pop_back();
+    return pieces;
+}
+
+// A paragraph broken into lines no wider than limit (in text heights) where it can break, each
+// piece a run of its own; a piece wider than the limit stands on a line of its own.
+std::vector<Paragraph> Wrap(Canvas& canvas, const Paragraph& paragraph, double limit) {
+    std::vector<Paragraph> lines(1);
+    double width = 0.0;
+    auto place = [&](const TextRun& run, double runWidth) {
+        if (width + runWidth > limit && width > 0.0) {
+            lines.emplace_back();
+            width = 0.0;
+        }
+        lines.back().push_back(run);
+        width += runWidth;
+    };
+    for (const TextRun& run : paragraph) {
+        if (run.stack != StackKind::kNone) {
+            place(run, RunWidth(canvas, run));
+            continue;
+        }
+        for (const std::wstring& piece : BreakPieces(run.text)) {
+            TextRun part = run;
+            part.text = piece;
+            place(part, Piece(canvas, run.look, piece, run.look.height, 0, 0, false));
+        }
+    }
+    return lines;
+}
+
 // The text's plane: along its direction, up across it, one unit its height.
 TextFrame FrameOf(const AcDbMText& mtext) {
     double height = mtext.textHeight() > 0 ? mtext.textHeight() : 2.5;
@@ -201,7 +245,14 @@ struct TextLayout {
 
 void LayOutText(Canvas& canvas, const AcDbMText& mtext, TextLayout& layout) {
     double height = mtext.textHeight() > 0 ? mtext.textHeight() : 2.5;
-    layout.paragraphs = ParseMText(mtext.contents(), height);
+    double limit = mtext.width() / height;
+    for (const Paragraph& paragraph : ParseMText(mtext.contents(), height)) {
+        if (limit <= 0.0) {
+            layout.paragraphs.push_back(paragraph);
+            continue;
+        }
+        for (Paragraph& line : Wrap(canvas, paragraph, limit)) layout.paragraphs.push_back(std::move(line));
+    }
     for (const Paragraph& paragraph : layout.paragraphs) layout.lines.push_back(LayOut(canvas, paragraph));
     // Baselines below the top: the first at its line's height, each next one a pitch of its own
     // height lower.

@@ -20,6 +20,7 @@ BOOL DeleteFileW(LPCWSTR path) {
     std::error_code error;
     if (!fs::is_regular_file(file, error)) return FALSE;
     std::string reason;
+    KillPoint("delete");
     return RecycleFile(file, reason) ? TRUE : FALSE;
 }
 
@@ -36,10 +37,12 @@ bool CopyThroughTemporary(const fs::path& source, const fs::path& target) {
         errno = ENOSPC;
         return false;
     }
+    KillPoint("copy");
     if (!fs::copy_file(source, temp, fs::copy_options::overwrite_existing, error) || !RecycleCopy(target, reason)) {
         fs::remove(temp, error);
         return false;
     }
+    KillPoint("copy written");
     fs::rename(temp, target, error);
     if (!error) return true;
     fs::remove(temp, error);

@@ -47,6 +47,7 @@ struct HostState {
     bool interactive = false;              // message boxes wait for Enter only when true
     int recycleDays = 14;                  // how long the recycle folder keeps what it holds
     std::string recycleEntry;              // this run's folder in the recycle folder, once made
+    std::multimap<std::uintmax_t, std::filesystem::path> recycleKept;  // what this run put there, by size
 };
 
 HostState& Host();

@@ -82,6 +82,8 @@ bool OpenPrefix(const fs::path& folder, std::string& error) {
     HostState& state = Host();
     state.prefix = fs::absolute(folder, code);
     state.environment.clear();
+    state.recycleEntry.clear();
+    state.recycleKept.clear();
     std::wstring settings, registry;
     if (!ReadPrefixFile(folder / kHostSettingsFileName, settings, error) ||
         !ReadPrefixFile(folder / kRegistryFileName, registry, error))

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstring>
 #include <ctime>
+#include <fstream>
 #include <system_error>
 
 #include "platform/win/host_state.hpp"
@@ -49,6 +50,48 @@ fs::path RecyclePlace(const fs::path& relative, std::error_code& error) {
 
 std::string Reason(const std::error_code& error) { return error.message(); }
 
+bool SameBytes(const fs::path& a, const fs::path& b) {
+    std::ifstream left(a, std::ios::binary), right(b, std::ios::binary);
+    char x[65536], y[65536];
+    while (left && right) {
+        left.read(x, sizeof x);
+        right.read(y, sizeof y);
+        if (left.gcount() != right.gcount() || std::memcmp(x, y, static_cast<size_t>(left.gcount())) != 0) return false;
+    }
+    return !left && !right;
+}
+
+void Remember(const fs::path& kept) {
+    std::error_code code;
+    std::uintmax_t size = fs::file_size(kept, code);
+    if (!code) Host().recycleKept.emplace(size, kept);
+}
+
+// A file that this run already keeps with the bytes of `file`. The batch deletes its scratch
+// copy of each converted drawing before the next one; that copy equals the converted drawing
+// kept when it was saved over, and must not take the space again for every drawing.
+fs::path KeptWithSameBytes(const fs::path& file) {
+    std::error_code code;
+    std::uintmax_t size = fs::file_size(file, code);
+    if (code) return {};
+    auto [first, last] = Host().recycleKept.equal_range(size);
+    for (auto kept = first; kept != last; ++kept)
+        if (SameBytes(kept->second, file)) return kept->second;
+    return {};
+}
+
+// Keeps `file` at `place`: a second name of an equal file already kept, else what `keep` makes.
+template <typename Keep>
+void KeepAt(const fs::path& file, const fs::path& place, std::error_code& code, Keep keep) {
+    fs::path same = KeptWithSameBytes(file);
+    if (!same.empty()) fs::create_hard_link(same, place, code);
+    if (same.empty() || code) {
+        code.clear();
+        keep();
+    }
+    if (!code) Remember(place);
+}
+
 }  // namespace
 
 bool RecycleFile(const fs::path& file, std::string& error) {
@@ -60,7 +103,8 @@ bool RecycleFile(const fs::path& file, std::string& error) {
         return false;
     }
     fs::path place = RecyclePlace(relative, code);
-    if (!code) fs::rename(file, place, code);
+    if (!code) KeepAt(file, place, code, [&] { fs::rename(file, place, code); });
+    if (!code && fs::exists(file, code)) fs::remove(file, code);  // kept as a second name
     if (code) {
         // Another file system: a copy that is complete before the original goes.
         std::error_code copyError;
@@ -69,6 +113,7 @@ bool RecycleFile(const fs::path& file, std::string& error) {
             error = file.string() + ": cannot move it to the recycle folder: " + Reason(code);
             return false;
         }
+        Remember(place);
     }
     return true;
 }
@@ -79,11 +124,14 @@ bool RecycleCopy(const fs::path& file, std::string& error) {
     fs::path relative = InsidePrefix(file);
     if (relative.empty()) return true;
     fs::path place = RecyclePlace(relative, code);
-    if (!code) fs::create_hard_link(file, place, code);
-    if (code) {
-        code.clear();
-        fs::copy_file(file, place, code);
-    }
+    if (!code)
+        KeepAt(file, place, code, [&] {
+            fs::create_hard_link(file, place, code);
+            if (code) {
+                code.clear();
+                fs::copy_file(file, place, code);
+            }
+        });
     if (code) {
         error = file.string() + ": cannot keep a copy in the recycle folder: " + Reason(code);
         return false;
@@ -115,6 +163,17 @@ std::vector<RecycledFile> ListRecycle(const fs::path& prefix) {
     }
     std::sort(files.begin(), files.end(), [](const RecycledFile& a, const RecycledFile& b) { return a.item < b.item; });
     return files;
+}
+
+std::vector<RecycledFile> LatestVersions(const std::vector<RecycledFile>& files) {
+    std::vector<RecycledFile> latest;
+    for (const RecycledFile& file : files) {
+        auto same = std::find_if(latest.begin(), latest.end(),
+                                 [&](const RecycledFile& kept) { return kept.original == file.original; });
+        if (same == latest.end()) latest.push_back(file);
+        else *same = file;  // the list runs from the oldest entry to the newest
+    }
+    return latest;
 }
 
 bool RestoreRecycled(const fs::path& prefix, const std::string& item, std::string& error) {

@@ -25,6 +25,8 @@ struct RecycledFile {
     std::uintmax_t size = 0;
 };
 std::vector<RecycledFile> ListRecycle(const std::filesystem::path& prefix);
+// The last version of each original path among `files` (in the order ListRecycle gives).
+std::vector<RecycledFile> LatestVersions(const std::vector<RecycledFile>& files);
 // Copies a recycled file back to where it came from; an existing file there is itself recycled
 // first. False, with `error`, when the item does not exist or the copy fails.
 bool RestoreRecycled(const std::filesystem::path& prefix, const std::string& item, std::string& error);

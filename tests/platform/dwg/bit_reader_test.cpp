@@ -27,6 +27,17 @@ TEST(DwgBitReader, bits_are_read_most_significant_first_across_bytes) {
     EXPECT_EQ(r.bitPosition(), 11u);
 }
 
+// Wide reads past one 8-byte load, from an odd bit, with more bytes following.
+TEST(DwgBitReader, sixty_bits_from_bit_five_span_nine_bytes) {
+    const std::vector<std::uint8_t> data{0x07, 0xFF, 0x00, 0xFF, 0x00, 0xFF, 0x00, 0xFF, 0x80, 0xAA, 0x55};
+    BitReader r(data, Version::kR2000);
+    EXPECT_EQ(r.bits(5), 0u);
+    EXPECT_EQ(r.bits(60), 0xFFE01FE01FE01FFu);
+    EXPECT_EQ(r.bitPosition(), 65u);
+    EXPECT_EQ(r.bits(7), 0u);
+    EXPECT_FALSE(r.failed());
+}
+
 TEST(DwgBitReader, raw_values_are_little_endian_at_any_bit_offset) {
     BitWriter w;
     w.B(true);

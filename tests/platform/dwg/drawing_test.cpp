@@ -18,8 +18,9 @@ namespace {
 TEST(DwgDrawing, example_2000_gives_dxf_text_the_dxf_reader_takes) {
     const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_2000.dwg"));
     std::string text;
+    std::vector<dwg::KeptData> kept;
     dwg::MapError error;
-    ASSERT_TRUE(dwg::DwgToDxfText(dwg_test::FileSections(file), text, error))
+    ASSERT_TRUE(dwg::DwgToDxfText(dwg_test::FileSections(file), text, kept, error))
         << error.reason << " at " << error.offset;
     std::ofstream("/work/tmp/dwgo/example_2000.from_dwg.dxf") << text;
     AcDbDatabase db(false, true);
@@ -39,8 +40,9 @@ TEST(DwgDrawing, every_uncompressed_corpus_drawing_reads_into_a_database) {
         SCOPED_TRACE(name);
         const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath(name));
         std::string text;
+        std::vector<dwg::KeptData> kept;
         dwg::MapError error;
-        ASSERT_TRUE(dwg::DwgToDxfText(dwg_test::FileSections(file), text, error))
+        ASSERT_TRUE(dwg::DwgToDxfText(dwg_test::FileSections(file), text, kept, error))
             << error.reason << " at " << error.offset;
         AcDbDatabase db(false, true);
         ASSERT_EQ(dxf::ReadDxfBytes(db, text, name), Acad::eOk) << Utf8FromWide(db.lastError());

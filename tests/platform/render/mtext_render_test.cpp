@@ -11,9 +11,12 @@ namespace {
 
 using namespace rendertest;
 
-// A black multi-line text of height 20 at (10,90), attached at its top left, in the frame.
-Rendered RenderMText(const std::string& name, const std::string& contents, const std::string& color = "7") {
-    std::string entity = "0\nMTEXT\n8\n0\n62\n" + color + "\n10\n10\n20\n90\n40\n20\n71\n1\n1\n" + contents + "\n";
+// A multi-line text of height 20 at (10,90), attached at its top left, in the frame; extra
+// tags go before its contents.
+Rendered RenderMText(const std::string& name, const std::string& contents, const std::string& color = "7",
+                     const std::string& extra = "") {
+    std::string entity =
+        "0\nMTEXT\n8\n0\n62\n" + color + "\n10\n10\n20\n90\n40\n20\n71\n1\n" + extra + "1\n" + contents + "\n";
     return Render(name, Dxf("", kFrame + entity), Light());
 }
 
@@ -115,6 +118,81 @@ TEST(RenderMText, view_of_the_drawing_holds_a_text_as_its_format_codes_draw_it) 
     EXPECT_LE(window->y1, 6.0 * 1.3);
     EXPECT_NEAR(window->x0, 0.0, 1e-9);
     EXPECT_GT(window->x1, 18.0);
+}
+
+struct WrapCase {
+    const char* name;
+    const char* contents;
+    const char* width;  // the text's width; 0 does not wrap
+    size_t lines;
+};
+
+TEST(RenderMText, text_wider_than_its_width_breaks_at_spaces_and_between_ideographs) {
+    const WrapCase cases[] = {
+        {"words", "IIII IIII", "41\n80\n", 2},
+        {"unwrapped", "IIII IIII", "41\n0\n", 1},
+        {"wide_enough", "IIII IIII", "41\n85\n", 1},
+        {"ideographs", "\\U+4E2D\\U+4E2D\\U+4E2D\\U+4E2D", "41\n60\n", 2},
+        {"long_word", "IIIIIIIII", "41\n20\n", 1},
+    };
+    for (const WrapCase& c : cases) {
+        Rendered r = RenderMText(std::string("mtext_wrap_") + c.name, c.contents, "7", c.width);
+        ASSERT_EQ(r.status, 0) << r.error;
+        EXPECT_EQ(InkBands(Picture(r.png)).size(), c.lines) << c.name;
+    }
+}
+
+TEST(RenderMText, piece_wider_than_the_width_stands_on_the_first_line) {
+    Rendered r = RenderMText("mtext_wrap_first", "IIIIIIIII", "7", "41\n20\n");
+    ASSERT_EQ(r.status, 0) << r.error;
+    auto bands = InkBands(Picture(r.png));
+    ASSERT_EQ(bands.size(), 1u);
+    // The capitals' tops at the attachment point, y 90.
+    EXPECT_NEAR(bands[0].first, Row(90), 3);
+}
+
+// Ink in the drawing's rectangle [x0, x1] x [y0, y1].
+bool InkIn(const Picture& picture, double x0, double x1, double y0, double y1) {
+    for (int y = Row(y1); y <= Row(y0); ++y)
+        for (int x = Column(x0); x <= Column(x1); ++x)
+            if (!IsBackgroundLight(picture.at(x, y))) return true;
+    return false;
+}
+
+TEST(RenderMText, diagonal_stack_puts_the_upper_part_left_and_raised_and_the_lower_right_and_lowered) {
+    // The line's middle is at y 80; parts are 14 high, an I about 6 wide; the lower part starts
+    // a part's height after the upper one.
+    Rendered r = RenderMText("mtext_diagonal", "\\SI#I;");
+    ASSERT_EQ(r.status, 0) << r.error;
+    Picture picture(r.png);
+    EXPECT_TRUE(InkIn(picture, 10, 16, 82, 92));
+    EXPECT_FALSE(InkIn(picture, 10, 16, 64, 76));
+    EXPECT_TRUE(InkIn(picture, 29, 37, 66, 76));
+    EXPECT_FALSE(InkIn(picture, 29, 37, 82, 92));
+}
+
+struct RuleCase {
+    const char* name;
+    const char* contents;
+    size_t bands;
+    int thinBand;  // which band is the rule: 0 the top, 1 the bottom, -1 none apart
+};
+
+TEST(RenderMText, under_and_over_lines_stand_apart_below_and_above_and_strike_through_crosses) {
+    const RuleCase cases[] = {
+        {"underline", "{\\LI}", 2, 1},
+        {"overline", "{\\OI}", 2, 0},
+        {"strike", "{\\KI}", 1, -1},
+    };
+    for (const RuleCase& c : cases) {
+        Rendered r = RenderMText(std::string("mtext_rule_") + c.name, c.contents);
+        ASSERT_EQ(r.status, 0) << r.error;
+        auto bands = InkBands(Picture(r.png));
+        ASSERT_EQ(bands.size(), c.bands) << c.name;
+        if (c.thinBand >= 0) {
+            EXPECT_LE(Span(bands[c.thinBand]), 4) << c.name;
+        }
+    }
 }
 
 }  // namespace

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <fstream>
+
 #include "platform/win/files.hpp"
 #include "platform/win/paths.hpp"
 #include "platform/win/recycle.hpp"
@@ -74,6 +77,75 @@ TEST_F(Recycle, host_ini_that_is_a_folder_fails_to_open_the_prefix) {
     std::string error;
     EXPECT_FALSE(OpenPrefix(prefix_, error));
     EXPECT_NE(error.find("host.ini: is a folder"), std::string::npos) << error;
+}
+
+TEST_F(Recycle, deleted_file_with_the_bytes_of_a_kept_one_shares_its_storage) {
+    WriteBytes("drives/d/x/a.dxf", "converted");
+    ASSERT_TRUE(DeleteFileW(L"D:\\x\\a.dxf"));
+    WriteBytes("drives/d/temp/temp.dwg", "converted");
+    ASSERT_TRUE(DeleteFileW(L"D:\\temp\\temp.dwg"));
+    WriteBytes("drives/d/temp/other.dwg", "converted, then changed");
+    ASSERT_TRUE(DeleteFileW(L"D:\\temp\\other.dwg"));
+    EXPECT_FALSE(fs::exists(prefix_ / "drives/d/temp/temp.dwg"));
+    std::vector<RecycledFile> files = ListRecycle(prefix_);
+    ASSERT_EQ(files.size(), 3u);
+    fs::path root = prefix_ / kRecycleFolderName;
+    EXPECT_EQ(files[0].original, "drives/d/temp/other.dwg");
+    EXPECT_EQ(fs::hard_link_count(root / files[0].item), 1u);
+    EXPECT_EQ(files[1].original, "drives/d/temp/temp.dwg");
+    EXPECT_TRUE(fs::equivalent(root / files[1].item, root / files[2].item));
+    EXPECT_EQ(ReadBytes(root / files[1].item), "converted");
+}
+
+TEST_F(Recycle, overwritten_file_with_the_bytes_of_a_kept_one_shares_its_storage) {
+    WriteBytes("drives/d/a.dxf", "same");
+    ASSERT_TRUE(DeleteFileW(L"D:\\a.dxf"));
+    WriteBytes("drives/d/b.dxf", "same");
+    WriteBytes("drives/d/c.dxf", "new");
+    ASSERT_TRUE(CopyFileW(L"D:\\c.dxf", L"D:\\b.dxf", FALSE));
+    std::vector<RecycledFile> files = ListRecycle(prefix_);
+    ASSERT_EQ(files.size(), 2u);
+    fs::path root = prefix_ / kRecycleFolderName;
+    EXPECT_TRUE(fs::equivalent(root / files[0].item, root / files[1].item));
+    EXPECT_EQ(ReadBytes(prefix_ / "drives/d/b.dxf"), "new");
+}
+
+// Entry folders of earlier runs, dated `days` days back.
+void MakeEntry(const fs::path& prefix, const std::string& name, int days) {
+    fs::path entry = prefix / kRecycleFolderName / name;
+    fs::create_directories(entry / "drives/d");
+    std::ofstream(entry / "drives/d/a.dxf") << name;
+    fs::last_write_time(entry, fs::file_time_type::clock::now() - std::chrono::hours(24) * days);
+}
+
+struct Expiry {
+    const char* setting;  // the [Host] line of host.ini, empty for none
+    int days;             // the age of the entry
+    bool kept;
+};
+
+class RecycleExpiry : public Recycle, public ::testing::WithParamInterface<Expiry> {};
+
+TEST_P(RecycleExpiry, entries_older_than_recycle_days_go_when_a_prefix_opens) {
+    const Expiry& expiry = GetParam();
+    std::string settings = std::string("[Host]\r\nCodePage=936\r\n") + expiry.setting + "\r\n";
+    WriteBytes(kHostSettingsFileName, settings);
+    MakeEntry(prefix_, "20200101-000000-1", expiry.days);
+    std::string error;
+    ASSERT_TRUE(OpenPrefix(prefix_, error)) << error;
+    EXPECT_EQ(ListRecycle(prefix_).size(), expiry.kept ? 1u : 0u);
+}
+
+INSTANTIATE_TEST_SUITE_P(Days, RecycleExpiry,
+                         ::testing::Values(Expiry{"", 13, true}, Expiry{"", 15, false},  // 14 by default
+                                           Expiry{"RecycleDays=3", 2, true}, Expiry{"RecycleDays=3", 4, false},
+                                           Expiry{"RecycleDays=0", 1, false}, Expiry{"RecycleDays=30", 29, true}));
+
+TEST_F(Recycle, recycle_days_that_is_not_a_number_fails_to_open_the_prefix) {
+    WriteBytes(kHostSettingsFileName, "[Host]\r\nRecycleDays=two weeks\r\n");
+    std::string error;
+    EXPECT_FALSE(OpenPrefix(prefix_, error));
+    EXPECT_NE(error.find("RecycleDays must be a number of days"), std::string::npos) << error;
 }
 
 }  // namespace

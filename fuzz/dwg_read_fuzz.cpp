@@ -1,0 +1,20 @@
+// Feeds whole files to the DWG reader: the container, the sections, the objects and the
+// database they fill. A drawing that reads is written as DXF and that DXF read again, as a
+// converted hand-off would be. Fuzzing builds let mutated bytes past the CRCs (kCrcRefuses).
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+
+#include "platform/dwg/read.hpp"
+#include "platform/dxf/dxf.hpp"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    AcDbDatabase db(false, true);
+    if (dwg::ReadDwgBytes(db, std::span(data, size), "fuzz.dwg") != Acad::eOk) return 0;
+    std::string text;
+    dxf::WriteDxfText(db, {}, text);
+    AcDbDatabase again(false, true);
+    dxf::ReadDxfBytes(again, text, "fuzz-again.dxf");
+    return 0;
+}
