@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <iostream>
+#include <set>
 
+#include "platform/dwg/container.hpp"
 #include "platform/dwg/corpus_files.hpp"
 #include "platform/dwg/read.hpp"
 #include "platform/dwg/twin_compare.hpp"
@@ -12,19 +14,43 @@
 
 namespace {
 
+// The handles of the DWG's object map: what the file holds.
+std::set<std::uint64_t> MapHandles(const std::vector<std::uint8_t>& file) {
+    std::set<std::uint64_t> handles;
+    dwg::DwgContainer container;
+    dwg::MapError error;
+    std::vector<dwg::ObjectLocation> map;
+    if (dwg::ReadDwgContainer(file, container, error) &&
+        dwg::ParseObjectMap(dwg::SectionsOf(container, file).objectMap, map, error)) {
+        for (const auto& loc : map) handles.insert(loc.handle);
+    }
+    return handles;
+}
+
 class DwgTwin : public ::testing::TestWithParam<const char*> {};
 
 TEST_P(DwgTwin, database_equals_the_dxf_twin_object_by_object) {
     const std::string stem = GetParam();
     const std::string path = dwg_test::CorpusPath(stem + ".dwg");
     AcDbDatabase fromDwg(false, true), fromDxf(false, true);
-    ASSERT_EQ(dwg::ReadDwgBytes(fromDwg, dwg_test::ReadFileBytes(path), path), Acad::eOk)
+    const auto file = dwg_test::ReadFileBytes(path);
+    ASSERT_EQ(dwg::ReadDwgBytes(fromDwg, file, path), Acad::eOk)
         << Utf8FromWide(fromDwg.lastError());
     ASSERT_EQ(dxf::ReadDxfFile(fromDxf, "/work/shared/corpus/dxf/" + stem + ".dxf"), Acad::eOk);
     dwg_test::TwinComparison twins;
     twins.compare(fromDwg, fromDxf, fromDwg.handseed().value());
     for (const auto& d : twins.differences) ADD_FAILURE() << d;
-    for (auto h : twins.missing) ADD_FAILURE() << std::hex << h << " is missing";
+    // The 2018 DXF export adds round-trip copies of the table and the table style's cell styles
+    // under handles the DWG leaves free: only objects of the DWG's own map can be missing.
+    const auto held = MapHandles(file);
+    ASSERT_GT(held.size(), 400u);
+    for (auto h : twins.missing) {
+        if (held.count(h)) {
+            ADD_FAILURE() << std::hex << h << " is missing";
+        } else {
+            std::cout << std::hex << h << std::dec << " is the DXF export's own\n";
+        }
+    }
     EXPECT_GT(twins.compared, 400);
     std::cout << stem << ": " << twins.compared << " objects compared\n";
 }
