@@ -53,9 +53,9 @@ TEST(DwgEncodeSections, aux_header_fields_stand_at_their_places) {
     EXPECT_EQ(Bytes(aux.begin(), aux.begin() + 3), (Bytes{0xFF, 0x77, 0x01}));
     EXPECT_EQ(Little(aux, 3, 2), 25u);
     EXPECT_EQ(Little(aux, 23, 2), 25u);
-    EXPECT_EQ(Little(aux, 28, 2), 25u);
-    EXPECT_EQ(Little(aux, 81, 4), 0x1234u);
-    EXPECT_EQ(aux.size(), 125u);
+    EXPECT_EQ(Little(aux, 27, 2), 25u);
+    EXPECT_EQ(Little(aux, 79, 4), 0x1234u);
+    EXPECT_EQ(aux.size(), 123u);
 }
 
 }  // namespace
