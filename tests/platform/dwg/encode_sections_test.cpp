@@ -58,4 +58,19 @@ TEST(DwgEncodeSections, aux_header_fields_stand_at_their_places) {
     EXPECT_EQ(aux.size(), 123u);
 }
 
+// The preview: its start sentinel, the size of what follows (the image count, one byte), no
+// image, its end sentinel; the revision history: three zero longs.
+TEST(DwgEncodeSections, preview_holds_no_image_between_its_sentinels_and_history_three_zeros) {
+    const Bytes preview = dwg::EncodePreview();
+    ASSERT_EQ(preview.size(), 16u + 4u + 1u + 16u);
+    EXPECT_EQ(Little(preview, 16, 4), 1u);
+    EXPECT_EQ(preview[20], 0);
+    EXPECT_NE(Bytes(preview.begin(), preview.begin() + 16), Bytes(preview.end() - 16, preview.end()));
+    EXPECT_EQ(dwg::EncodeRevisionHistory(), Bytes(12, 0));
+    // A drawing saved once: the save counts of the auxiliary header say so.
+    const Bytes aux = dwg::EncodeAuxHeader(0, 0, 1);
+    EXPECT_EQ(Little(aux, 7, 4), 1u);
+    EXPECT_EQ(Little(aux, 15, 2), 1u);
+}
+
 }  // namespace
