@@ -32,6 +32,14 @@ TEST_F(Ffg, picked_text_outside_every_sheet_changes_nothing) {
     EXPECT_EQ(CountText(texts), nullptr);
 }
 
+TEST_F(Ffg, enter_at_the_pick_prompt_ends_the_command) {
+    ConsoleRun run = Run("FFG\n\n");
+    ASSERT_EQ(run.status, 0) << run.output;
+    auto texts = SavedTexts();
+    ASSERT_EQ(texts.size(), 4u);
+    for (const SeenText& t : texts) EXPECT_EQ(t.color, 256) << dxf::Utf8(t.value);
+}
+
 TEST_F(Ffg, colon_text_searches_the_part_before_it_and_the_count_leaves_the_picked_text_out) {
     ConsoleRun run = Run("USERI1\n1\nFFG\n51,51\n\n");
     ASSERT_EQ(run.status, 0) << run.output;
