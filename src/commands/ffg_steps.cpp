@@ -35,15 +35,13 @@ bool ExtentsOf(AcDbObjectId id, AcGePoint3d& low, AcGePoint3d& high) {
     return es == Acad::eOk;
 }
 
-// The text of a text entity by kind; false for other entities.
-bool TextOf(const AcDbEntity* entity, int& kind, std::wstring& text) {
+// The contents of a multi-line text or the string of a text; false for other entities.
+bool TextOf(const AcDbEntity* entity, std::wstring& text) {
     if (auto* mtext = AcDbMText::cast(entity)) {
-        kind = 0;
         text = mtext->contents();
         return true;
     }
     if (auto* single = AcDbText::cast(entity)) {
-        kind = 1;
         text = single->textString();
         return true;
     }
@@ -73,7 +71,7 @@ bool ReadPickedText(const ads_name text, PickedText& picked) {
     AcDbExtents box;
     entity->getGeomExtents(box);
     std::wstring value;
-    bool isText = TextOf(entity, picked.kind, value);
+    bool isText = TextOf(entity, value);
     entity->close();
     if (!isText) return false;
     picked.search = TrimBlanks(value);
@@ -149,9 +147,8 @@ AcDbObjectId AddCountText(const PickedText& picked, int n) {
 void ReplaceInText(AcDbObjectId id, const std::wstring& search, const std::wstring& replacement) {
     AcDbEntity* entity = nullptr;
     if (acdbOpenAcDbEntity(entity, id, AcDb::kForWrite) != Acad::eOk) return;
-    int kind = 0;
     std::wstring text;
-    if (TextOf(entity, kind, text) && !search.empty()) {
+    if (TextOf(entity, text) && !search.empty()) {
         for (size_t at = text.find(search); at != std::wstring::npos; at = text.find(search, at + replacement.size())) {
             text.replace(at, search.size(), replacement);
         }

@@ -9,7 +9,6 @@
 
 struct PickedText {
     AcDbObjectId id;
-    int kind = 0;          // 0 multi-line text, 1 single-line text
     std::wstring search;   // the text trimmed, or its part before ":"
     long colon = -1;       // where ":" stands in the trimmed text (-1: nowhere)
     AcGePoint3d low, high; // the text's box in the user's coordinates

@@ -40,3 +40,25 @@ TEST_F(WorkshopRun, whole_batch_passes_the_check_of_the_merged_drawing) {
 }
 
 }  // namespace
+
+namespace {
+
+using namespace workshop;
+
+TEST_F(WorkshopRun, dot_dot_in_the_hand_off_stays_inside_the_prefix) {
+    // Four steps up from D:\ would reach the folder above this test's own without the stop at
+    // the drive root.
+    std::ofstream(prefix_ / kHandOff / "ugm.log", std::ios::binary)
+        << "D:\\..\\..\\..\\..\\escaped-by-dot-dot\\\r\nC:\\Users\\cad\\AppData\\Local\\Convert\\MP2305-.dxf\r\n";
+    Outcome run = RunToEnd(prefix_);
+    EXPECT_EQ(run.status, 0) << run.output;
+    fs::path inside = prefix_ / "drives/d/escaped-by-dot-dot/MP2305.dxf";
+    for (const Export& sheet : kExports) {
+        std::string merged = ReadBytes(inside);
+        for (const std::string& number : sheet.numbers) EXPECT_NE(merged.find(number), std::string::npos) << number;
+    }
+    for (fs::path up = prefix_; up != up.root_path(); up = up.parent_path())
+        EXPECT_FALSE(fs::exists(up.parent_path() / "escaped-by-dot-dot")) << up.parent_path();
+}
+
+}  // namespace

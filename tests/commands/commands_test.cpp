@@ -3,9 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "commands/single_steps.hpp"
 #include "commands/zoom.hpp"
+#include "host/tavrik_app.hpp"
 #include "platform/db/block_table_record.hpp"
 #include "platform/db/database.hpp"
 #include "platform/db/symbol_tables.hpp"
@@ -118,6 +121,62 @@ TEST_F(CommandsTest, zoom_window_in_the_paper_space_viewport_is_a_paper_view_wit
         EXPECT_EQ(CurrentView().paperSpace, c.paper) << c.tilemode << "," << c.cvport;
         EXPECT_DOUBLE_EQ(CurrentView().frontClip, c.paper ? 0.0 : 5.0);
     }
+}
+
+TEST_F(CommandsTest, zoom_window_takes_lens_twist_and_the_bits_of_viewmode) {
+    SetReal(L"LENSLENGTH", 35.0);
+    SetReal(L"VIEWTWIST", 0.25);
+    struct Case {
+        short mode;
+        bool perspective, front, back, atEye;
+    };
+    for (Case c : {Case{0, false, false, false, true}, Case{1, true, false, false, true},
+                   Case{2, false, true, false, true}, Case{4, false, false, true, true},
+                   Case{16, false, false, false, false}, Case{23, true, true, true, false}}) {
+        Set(L"VIEWMODE", c.mode);
+        ZoomToWindow(AcGePoint3d(0, 0, 0), AcGePoint3d(1, 1, 0));
+        const CurrentViewRecord& view = CurrentView();
+        EXPECT_EQ(view.perspective, c.perspective) << c.mode;
+        EXPECT_EQ(view.frontClipOn, c.front) << c.mode;
+        EXPECT_EQ(view.backClipOn, c.back) << c.mode;
+        EXPECT_EQ(view.frontClipAtEye, c.atEye) << c.mode;
+        EXPECT_DOUBLE_EQ(view.lensLength, 35.0);
+        EXPECT_DOUBLE_EQ(view.twist, 0.25);
+    }
+}
+
+TEST_F(CommandsTest, command_rows_carry_their_group_names_and_flags) {
+    struct Row {
+        const wchar_t *global, *local;
+        int flags;
+    };
+    const Row expected[] = {{L"_MyCommand1", L"InsertSheet", 0x200001}, {L"_Txtwscl", L"Txtwscl", 0x1},
+                            {L"_Expmt", L"Expmt", 0x1},   {L"_Zdmt", L"ZDMT", 0x1},
+                            {L"_ZZFJ", L"ZZFJ", 0x1},     {L"_ClearLayer", L"ClearLayer", 0x1},
+                            {L"_ZtoZero", L"ZZ1", 0x1},   {L"_FFG", L"FFG", 0x7},
+                            {L"_Substr", L"Substr", 0x1}};
+    int rows = 0;
+    for (ArxCommandEntry* row : ArxCommandTable()) {
+        if (!row) continue;
+        ++rows;
+        const Row* match = nullptr;
+        for (const Row& r : expected)
+            if (std::wstring(r.global) == row->globalName) match = &r;
+        ASSERT_NE(match, nullptr) << "unexpected row";
+        EXPECT_STREQ(row->groupName, L"Tavrik");
+        EXPECT_STREQ(row->localName, match->local);
+        EXPECT_EQ(row->flags, match->flags) << match->local;
+        EXPECT_EQ(row->uiContext, nullptr);
+        EXPECT_EQ(row->stringId, -1);
+    }
+    EXPECT_EQ(rows, 9);
+    std::vector<std::wstring> lisp;
+    for (AdsSymbolEntry* row : AdsSymbolTable()) {
+        if (!row) continue;
+        lisp.push_back(row->name);
+        EXPECT_FALSE(row->registerFunction);
+    }
+    EXPECT_EQ(lisp, (std::vector<std::wstring>{L"wzoom", L"zoomall"}));  // codes 0 and 1
 }
 
 TEST_F(CommandsTest, zoom_window_takes_the_target_turned_to_the_world) {

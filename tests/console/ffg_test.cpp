@@ -48,6 +48,19 @@ TEST_F(Ffg, colon_text_searches_the_part_before_it_and_the_count_leaves_the_pick
     const SeenText* picked = Find(texts, L"H7:20", 50);
     EXPECT_NEAR(count->box.maxPoint().x, picked->box.minPoint().x - 2.5, 1e-9);
     EXPECT_DOUBLE_EQ(count->position.y, 50.0);
+    EXPECT_DOUBLE_EQ(count->position.z, 0.0);
+}
+
+TEST_F(Ffg, colon_right_after_the_first_character_still_cuts_the_search) {
+    AddText(L"K:1", 50, 20);
+    AddText(L"K", 80, 20);
+    ConsoleRun run = Run("USERI1\n1\nFFG\n51,21\n\n");
+    ASSERT_EQ(run.status, 0) << run.output;
+    auto texts = SavedTexts();
+    EXPECT_EQ(Find(texts, L"K", 80)->color, 6);
+    const SeenText* count = CountText(texts);
+    ASSERT_NE(count, nullptr);
+    EXPECT_EQ(count->value, L"共 1 个");
 }
 
 TEST_F(Ffg, plain_text_counts_itself) {

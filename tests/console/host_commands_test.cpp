@@ -1,4 +1,6 @@
 // The console host's own commands and the single steps of the module on a drawing.
+#include <utility>
+
 #include "console_fixture.hpp"
 #include "platform/db/circle.hpp"
 
@@ -111,6 +113,85 @@ TEST_F(Console, zdmt_outside_a_batch_has_no_drawing_and_changes_nothing) {
     ConsoleRun run = Run("ZDMT\nZZFJ\n");
     ASSERT_EQ(run.status, 0) << run.output;
     EXPECT_EQ(Count(SavedTexts(), L"*123*"), 1);
+}
+
+// The fonts of a text style of the saved drawing; empty names when the style is missing.
+std::pair<std::wstring, std::wstring> SavedFonts(const std::string& path, const wchar_t* style) {
+    AcDbDatabase saved(false, true);
+    EXPECT_EQ(saved.readDwgFile(dxf::Wide(path).c_str()), Acad::eOk);
+    AcDbTextStyleTable* styles = nullptr;
+    EXPECT_EQ(saved.getSymbolTable(styles, AcDb::kForRead), Acad::eOk);
+    AcDbTextStyleTableRecord* record = nullptr;
+    std::pair<std::wstring, std::wstring> fonts;
+    if (styles->getAt(style, record, AcDb::kForRead) == Acad::eOk) {
+        fonts = {record->fileName(), record->bigFontFileName()};
+        record->close();
+    }
+    styles->close();
+    return fonts;
+}
+
+TEST_F(Console, zzfj_gives_standard_and_chinesef_fs_the_house_fonts) {
+    AcDbTextStyleTable* styles = nullptr;
+    ASSERT_EQ(db_->getSymbolTable(styles, AcDb::kForWrite), Acad::eOk);
+    auto* chinese = new AcDbTextStyleTableRecord();
+    chinese->setName(L"chinesef_fs");
+    chinese->setFileName(L"simsun.ttf");
+    ASSERT_EQ(styles->add(chinese), Acad::eOk);
+    chinese->close();
+    auto* other = new AcDbTextStyleTableRecord();
+    other->setName(L"other");
+    other->setFileName(L"romans.shx");
+    ASSERT_EQ(styles->add(other), Acad::eOk);
+    other->close();
+    styles->close();
+    ConsoleRun run = Run("ZZFJ\n");
+    ASSERT_EQ(run.status, 0) << run.output;
+    using Fonts = std::pair<std::wstring, std::wstring>;
+    EXPECT_EQ(SavedFonts(Out(), L"Standard"), (Fonts{L"gbenor.shx", L"gbcbig.shx"}));
+    EXPECT_EQ(SavedFonts(Out(), L"chinesef_fs"), (Fonts{L"gbenor.shx", L"gbcbig.shx"}));
+    EXPECT_EQ(SavedFonts(Out(), L"other").first, L"romans.shx");
+}
+
+TEST_F(Console, zzfj_without_chinesef_fs_still_sets_standard) {
+    ConsoleRun run = Run("ZZFJ\n");
+    ASSERT_EQ(run.status, 0) << run.output;
+    EXPECT_EQ(SavedFonts(Out(), L"Standard").first, L"gbenor.shx");
+    EXPECT_EQ(SavedFonts(Out(), L"chinesef_fs").first, L"");
+}
+
+TEST_F(Console, move_typed_by_hand_selects_by_pick_and_takes_two_points) {
+    AddText(L"A", 0, 0);
+    AddText(L"B", 50, 0);
+    AddText(L"C", 100, 0);
+    ConsoleRun run = Run("MOVE\n1,1\n51,1\n\n0,0\n@5,10\n");
+    ASSERT_EQ(run.status, 0) << run.output;
+    auto texts = SavedTexts();
+    EXPECT_NE(Find(texts, L"A", 5), nullptr);
+    EXPECT_NE(Find(texts, L"B", 55), nullptr);
+    EXPECT_NE(Find(texts, L"C", 100), nullptr);
+}
+
+TEST_F(Console, copy_typed_by_hand_selects_by_window_and_enter_takes_the_base_as_displacement) {
+    AddText(L"A", 0, 0);
+    AddText(L"B", 50, 0);
+    AddText(L"C", 100, 0);
+    ConsoleRun run = Run("COPY\nW\n-1,-1\n60,10\n\n0,20\n\n");
+    ASSERT_EQ(run.status, 0) << run.output;
+    auto texts = SavedTexts();
+    EXPECT_EQ(texts.size(), 5u);
+    int raised = 0;
+    for (const SeenText& t : texts) raised += std::abs(t.position.y - 20.0) < 1e-9;
+    EXPECT_EQ(raised, 2);
+}
+
+TEST_F(Console, selection_prompt_answers_bad_input_and_a_miss_and_cancel_moves_nothing) {
+    AddText(L"A", 0, 0);
+    ConsoleRun run = Run("MOVE\nzz\n500,500\n1,1\n\n0,0\n^C\n");
+    ASSERT_EQ(run.status, 0) << run.output;
+    EXPECT_NE(run.output.find("*Invalid selection*"), std::string::npos) << run.output;
+    EXPECT_NE(run.output.find("0 found"), std::string::npos) << run.output;
+    EXPECT_NE(Find(SavedTexts(), L"A", 0), nullptr);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 each drawing's name scaled onto its sheet, the title block filled from the KEY:VALUE texts (in
 upper case) and from boxsetting.txt, the used texts gone, and the dimensions of every view as
 the view's holes and size decide."""
+import re
 
 # Sheets of the workshop: the world position of the marker, the sheet width (the frame box),
 # and the frame drawing's width that its name selects (A3 for -1, A4 for the others).
@@ -86,7 +87,10 @@ def check_dimensions(doc, check):
         axis = 0 if o["x"] else 1
         expected = abs(o["at"][axis] - o["origin"][axis])
         check(abs(o["measured"] - expected) < 1e-9, "ordinate %s measures %s" % (o, o["measured"]))
-        # The ordinate's block is there and holds its graphics.
+    # The export's own dimensions (a radius) keep the picture the exporter gave them.
+    for dim in dims:
+        if dim.dxf.dimtype & 7 in (0, 6):
+            check_picture(doc, dim, check)
     # Sheet 1, main view: every ordinate from the datum marker; red holes in the red class.
     main = [o for o in ordinates if 100.0 <= o["at"][0] <= 400.0 and 150.0 <= o["at"][1] <= 350.0]
     check(len(main) > 10, "sheet 1 main view has %d ordinates" % len(main))
@@ -103,6 +107,37 @@ def check_dimensions(doc, check):
     corners = sorted((o["x"], round(o["measured"], 6)) for o in core)
     check(corners == [(False, 0.0), (False, 70.0), (True, 0.0), (True, 100.0)],
           "sheet 2 main view ordinates: %s" % corners)
+
+
+def shown_number(text):
+    """The number at the start of a dimension's MTEXT, after its alignment code."""
+    match = re.match(r"(?:\\A\d;)?(-?\d*\.?\d+)", text)
+    return float(match.group(1)) if match else None
+
+
+def check_picture(doc, dim, check):
+    """The block the dimension names is there; its text shows the measurement rounded to the
+    dimension's DIMDEC and, with DIMTOL on and unequal deviations, stacks +DIMTP over -DIMTM."""
+    block = doc.blocks.get(dim.dxf.get("geometry", ""))
+    check(block is not None, "dimension at %s names no block" % (tuple(dim.dxf.defpoint2)[:2],))
+    if block is None:
+        return
+    texts = [m.text for m in block.query("MTEXT")]
+    check(len(texts) == 1 and len(block.query("LINE")) >= 1,
+          "block %s: texts %s, %d lines" % (block.name, texts, len(block.query("LINE"))))
+    if len(texts) != 1:
+        return
+    style = dim.override().dimstyle_attribs
+    decimals = style.get("dimdec", doc.dimstyles.get(dim.dxf.dimstyle).dxf.dimdec)
+    shown = shown_number(texts[0])
+    check(shown is not None and abs(shown - round(dim.dxf.actual_measurement, decimals)) < 1e-9,
+          "block %s shows %r for %s with DIMDEC %s" % (block.name, texts[0], dim.dxf.actual_measurement, decimals))
+    upper, lower = style.get("dimtp", 0.0), style.get("dimtm", 0.0)
+    if style.get("dimtol") == 1 and abs(upper - lower) > 1e-12:
+        stack = re.search(r"\\S([^^;]*)\^([^;]*);", texts[0])
+        check(stack is not None and abs(float(stack.group(1)) - upper) < 1e-9
+              and abs(float(stack.group(2)) + lower) < 1e-9,
+              "block %s does not stack +%s over -%s: %r" % (block.name, upper, lower, texts[0]))
 
 
 def dimension_texts(doc):

@@ -87,6 +87,20 @@ TEST_F(Pipeline, HolecaNotZeroKeepsTheConstructionEntities) {
     EXPECT_EQ(OnLayerAfter(L"RECT"), 1);
 }
 
+// The key is an integer: a value whose integer part is 0 erases like 0, any other keeps.
+TEST_F(Pipeline, HolecaIsReadAsAnIntegerAndOnlyZeroErases) {
+    struct Case {
+        const wchar_t* value;
+        int framesLeft;
+    };
+    for (Case c : {Case{L"0.9", 0}, Case{L"ABC", 0}, Case{L"-1", 4}, Case{L"1", 4}}) {
+        SetSundry(std::wstring(L"HOLECA,") + c.value + L"\r\n");
+        SaveExport(path_);
+        ProcessDrawing(path_);
+        EXPECT_EQ(OnLayerAfter(L"BIGFRAM"), c.framesLeft) << c.value;
+    }
+}
+
 TEST_F(Pipeline, SaveqOffLogsTheSaveButLeavesTheConvertedExport) {
     SetSundry(L"SAVEQ,0\r\n");
     SaveExport(path_);

@@ -1,35 +1,16 @@
 // The host's entry point for reading drawing files: the kind of file is told by its content,
 // so that a ".dwg" name may hold DXF and the other way round.
-#include <sys/stat.h>
-#include <unistd.h>
 
-#include <cerrno>
-#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <vector>
 
 #include "platform/dwg/read.hpp"
 #include "platform/dxf/dxf.hpp"
+#include "platform/dxf/mapped_file.hpp"
 #include "platform/dxf/model.hpp"
 #include "platform/win/codepage.hpp"
 #include "platform/win/paths.hpp"
-
-namespace {
-
-// Why a drawing that could not be read is not there to read: missing, a folder, empty, or
-// what the operating system says.
-std::wstring WhyUnreadable(const std::string& path) {
-    struct stat info {};
-    if (::stat(path.c_str(), &info) != 0)
-        return errno == ENOENT ? L"the file does not exist" : dxf::Wide(std::strerror(errno));
-    if (S_ISDIR(info.st_mode)) return L"it is a folder, not a file";
-    if (::access(path.c_str(), R_OK) != 0) return L"permission denied";
-    if (info.st_size == 0) return L"the file is empty";
-    return L"the file cannot be read";
-}
-
-}  // namespace
 
 Acad::ErrorStatus AcDbDatabase::readDwgFile(const ACHAR* fileName, int, bool, const wchar_t*) {
     if (fileName == nullptr) return Acad::eNoFileName;
@@ -40,7 +21,7 @@ Acad::ErrorStatus AcDbDatabase::readDwgFile(const ACHAR* fileName, int, bool, co
     in.read(head, sizeof head);
     const auto got = static_cast<std::size_t>(in.gcount());
     if (!in && got == 0) {
-        setLastError(std::wstring(fileName) + L":0: DXF001 cannot open the file: " + WhyUnreadable(path));
+        setLastError(std::wstring(fileName) + L":0: DXF001 cannot open the file: " + dxf::Wide(dxf::WhyUnreadable(path)));
         return Acad::eFileNotFound;
     }
     discardContents();

@@ -7,6 +7,8 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
+#include <cstring>
 #include <mutex>
 
 namespace dxf {
@@ -120,6 +122,17 @@ bool MappedFile::changed() const {
     struct stat info {};
     if (m_fd < 0 || ::fstat(m_fd, &info) != 0) return true;
     return info.st_size != m_openedSize || MtimeNs(info) != m_openedMtimeNs;
+}
+
+std::string WhyUnreadable(const std::string& path) {
+    struct stat info {};
+    if (::stat(path.c_str(), &info) != 0)
+        return errno == ENOENT ? "the file does not exist" : std::strerror(errno);
+    if (S_ISDIR(info.st_mode)) return "it is a folder, not a file";
+    if (::access(path.c_str(), R_OK) != 0) return "permission denied";
+    if (!S_ISREG(info.st_mode)) return "it is not a regular file";
+    if (info.st_size == 0) return "the file is empty";
+    return "the file cannot be read";
 }
 
 }  // namespace dxf

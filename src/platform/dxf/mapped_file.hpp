@@ -36,4 +36,8 @@ private:
     long long m_openedMtimeNs = 0;
 };
 
+// Why the file at `path` cannot be read as a drawing: missing, a folder, without read
+// permission, empty, not a regular file, or what the operating system says.
+std::string WhyUnreadable(const std::string& path);
+
 }  // namespace dxf

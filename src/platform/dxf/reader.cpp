@@ -1512,7 +1512,7 @@ Acad::ErrorStatus ReadDxfBytes(AcDbDatabase& db, std::string_view bytes, const s
 Acad::ErrorStatus ReadDxfFile(AcDbDatabase& db, const std::string& path) {
     MappedFile file;
     if (!file.open(path)) {
-        db.setLastError(Wide(path + ":0: DXF001 cannot open the file"));
+        db.setLastError(Wide(path + ":0: DXF001 cannot open the file: " + WhyUnreadable(path)));
         return Acad::eFileNotFound;
     }
     Acad::ErrorStatus es = ReadBytes(db, file.bytes(), path, &file);

@@ -13,7 +13,13 @@ Acad::ErrorStatus acedSetCurrentView(AcDbViewTableRecord* view, AcDbViewport*) {
                             view->viewDirection(),
                             view->isPaperspaceView(),
                             view->frontClipDistance(),
-                            view->backClipDistance()};
+                            view->backClipDistance(),
+                            view->lensLength(),
+                            view->viewTwist(),
+                            view->perspectiveEnabled(),
+                            view->frontClipEnabled(),
+                            view->backClipEnabled(),
+                            view->frontClipAtEye()};
     return Acad::eOk;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 // The view of the host's drawing window. Without a screen the host only keeps what was asked for:
-// the centre, size, target, direction and clipping of the current view, which tests and
+// the centre, size, target, direction, camera and clipping of the current view, which tests and
 // `tavrik` can read (VIEWCTR, VIEWSIZE).
 #include "platform/db/status.hpp"
 #include "platform/ge/point2d.hpp"
@@ -19,6 +19,8 @@ struct CurrentViewRecord {
     AcGeVector3d direction;
     bool paperSpace = false;
     double frontClip = 0.0, backClip = 0.0;
+    double lensLength = 50.0, twist = 0.0;
+    bool perspective = false, frontClipOn = false, backClipOn = false, frontClipAtEye = true;
 };
 
 // Makes the view current in the drawing window; eNullObjectPointer without a view.

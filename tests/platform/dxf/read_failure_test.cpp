@@ -27,6 +27,7 @@ TEST(ReadFailure, cannot_open_names_the_cause) {
     EXPECT_NE(ReadError(folder / "missing.dxf").find("DXF001 cannot open the file: the file does not exist"), std::string::npos);
     EXPECT_NE(ReadError(folder).find("DXF001 cannot open the file: it is a folder"), std::string::npos);
     EXPECT_NE(ReadError(folder / "empty.dxf").find("DXF001 cannot open the file: the file is empty"), std::string::npos);
+    EXPECT_NE(ReadError("/dev/zero").find("DXF001 cannot open the file: it is not a regular file"), std::string::npos);
     fs::remove_all(folder);
 }
 
