@@ -28,9 +28,11 @@ unsigned NextCodePoint(std::string_view text, std::size_t& i) {
 
 void BitWriter::alignToByte() { bit_ = (bit_ + 7) & ~std::size_t{7}; bytes_.resize(bit_ / 8); }
 
-// A byte at a time: what fits in the current byte, then whole bytes, then the rest.
+// A byte at a time: what fits in the current byte, then whole bytes, then the rest. The bytes
+// are added one by one: a vector's resize is a call for each value, and values are many.
 void BitWriter::bits(std::uint64_t value, unsigned count) {
-    bytes_.resize((bit_ + count + 7) / 8);
+    const std::size_t needed = (bit_ + count + 7) / 8;
+    while (bytes_.size() < needed) bytes_.push_back(0);
     while (count > 0) {
         const unsigned room = 8 - static_cast<unsigned>(bit_ & 7);
         const unsigned take = count < room ? count : room;
@@ -56,20 +58,15 @@ void BitWriter::B3(unsigned value) {
     if (ones < 3) B(false);
 }
 
-void BitWriter::RS(unsigned value) {
-    RC(value);
-    RC(value >> 8);
-}
+// The raw values are little-endian: their bytes reversed, written as one value.
+void BitWriter::RS(unsigned value) { bits(__builtin_bswap16(static_cast<std::uint16_t>(value)), 16); }
 
-void BitWriter::RL(std::uint32_t value) {
-    RS(value & 0xFFFF);
-    RS(value >> 16);
-}
+void BitWriter::RL(std::uint32_t value) { bits(__builtin_bswap32(value), 32); }
 
 void BitWriter::RD(double value) {
     std::uint64_t raw;
     std::memcpy(&raw, &value, sizeof raw);
-    for (int i = 0; i < 8; ++i) RC(static_cast<unsigned>(raw >> (8 * i)));
+    bits(__builtin_bswap64(raw), 64);
 }
 
 void BitWriter::BS(int value) {

@@ -110,11 +110,13 @@ std::vector<std::uint8_t> FinishObject(ObjectWriter& o) {
         const unsigned count = static_cast<unsigned>(std::min<std::size_t>(8, handleBits - bit));
         d.bits(handles[bit / 8] >> (8 - count), count);
     }
-    const std::vector<std::uint8_t> body = d.take();
-    BitWriter framed(d.version());
-    framed.MS(static_cast<std::uint32_t>(body.size()));
-    framed.bytes(std::string_view(reinterpret_cast<const char*>(body.data()), body.size()));
-    std::vector<std::uint8_t> out = framed.take();
+    const std::vector<std::uint8_t>& body = d.buffer();
+    BitWriter size(d.version());
+    size.MS(static_cast<std::uint32_t>(body.size()));
+    std::vector<std::uint8_t> out;
+    out.reserve(size.buffer().size() + body.size() + 2);
+    out.insert(out.end(), size.buffer().begin(), size.buffer().end());
+    out.insert(out.end(), body.begin(), body.end());
     const std::uint16_t crc = Crc16(0xC0C1, out);
     out.push_back(static_cast<std::uint8_t>(crc & 0xFF));
     out.push_back(static_cast<std::uint8_t>(crc >> 8));

@@ -142,7 +142,11 @@ std::vector<std::uint8_t> EncodeClassesSection(const std::vector<ClassRecord>& c
     }
     for (const ClassRecord& c : classes) WriteClass(d, c);
     d.alignToByte();
-    return FrameSection(kClassesStart, kClassesEnd, d.take());
+    std::vector<std::uint8_t> out = FrameSection(kClassesStart, kClassesEnd, d.take());
+    // From 2004 on eight zero bytes follow the end sentinel, as AutoCAD writes them; LibreCAD's
+    // reader takes a section that ends with its sentinel for one read too far.
+    if (version >= Version::kR2004) out.insert(out.end(), 8, 0);
+    return out;
 }
 
 std::vector<std::uint8_t> EncodeObjectMap(const std::vector<ObjectLocation>& locations) {

@@ -169,7 +169,8 @@ constexpr KnownClass kKnownClasses[] = {
     {"PLOTSETTINGS", "AcDbPlotSettings", 0}};
 
 // The classes of the DXF's CLASSES section, numbered from 500 in their order, and those of the
-// writer's class kinds that the drawing uses without a class for them.
+// writer's class kinds that the section lacks. Every drawing gets them, used or not, as AutoCAD
+// writes them: LibreCAD's reader fails on a classes section without any class.
 std::vector<ClassRecord> ClassesOf(const SourceDrawing& s) {
     std::vector<ClassRecord> classes;
     auto add = [&](std::string dxfName, std::string cppName, std::string application,
@@ -190,11 +191,9 @@ std::vector<ClassRecord> ClassesOf(const SourceDrawing& s) {
         classes.back().wasZombie = r.integer(280) != 0;
     }
     for (const KnownClass& known : kKnownClasses) {
-        const bool used = std::any_of(s.objects.begin(), s.objects.end(),
-                                      [&](const SourceRecord& r) { return r.type == known.dxfName; });
         const bool listed = std::any_of(classes.begin(), classes.end(),
                                         [&](const ClassRecord& c) { return c.dxfName == known.dxfName; });
-        if (used && !listed) add(known.dxfName, known.cppName, "ObjectDBX Classes", known.proxyFlags, false);
+        if (!listed) add(known.dxfName, known.cppName, "ObjectDBX Classes", known.proxyFlags, false);
     }
     return classes;
 }
@@ -236,6 +235,10 @@ std::uint64_t FirstFreeHandle(const SourceDrawing& s) {
     return std::max(top + 1, seed != nullptr ? seed->handle(5) : 1);
 }
 
+bool IsSubEntity(const SourceRecord& r) {
+    return r.type == "ATTRIB" || r.type == "VERTEX" || r.type == "SEQEND";
+}
+
 }  // namespace
 
 Acad::ErrorStatus WriteDwgBytes(AcDbDatabase& db, int codePage, std::vector<std::uint8_t>& out,
@@ -263,8 +266,11 @@ Acad::ErrorStatus WriteDwgBytes(AcDbDatabase& db, int codePage, std::vector<std:
     c.dwgCodePage = DwgCodePageNumber(c.options.codePage);
     WriteTables(source, c, header.handles);
     std::vector<SourceRecord> model, paper;
+    bool inPaper = false;
     for (SourceRecord& r : source.entities) {
-        const bool inPaper = r.owner() == c.paperSpace || r.integer(67) == 1;
+        // Attributes, vertices and their SEQEND belong to the entity before them, whose space
+        // they share whether or not they say so.
+        if (!IsSubEntity(r)) inPaper = r.owner() == c.paperSpace || r.integer(67) == 1;
         (inPaper ? paper : model).push_back(std::move(r));
     }
     c.owned[c.modelSpace] = WriteEntities(model, c.modelSpace, c);

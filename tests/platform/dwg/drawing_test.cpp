@@ -28,33 +28,6 @@ TEST(DwgDrawing, example_2000_gives_dxf_text_the_dxf_reader_takes) {
         << Utf8FromWide(db.lastError());
 }
 
-}  // namespace
-
-#include "platform/dwg/twin_compare.hpp"
-
-namespace {
-
-TEST(DwgDrawing, example_2000_equals_its_dxf_twin_object_by_object) {
-    const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_2000.dwg"));
-    std::string text;
-    dwg::MapError error;
-    AcDbDatabase fromDwg(false, true), fromDxf(false, true);
-    ASSERT_EQ(dwg::ReadDwgSections(fromDwg, dwg_test::FileSections(file),
-                                   "example_2000.dwg"),
-              Acad::eOk);
-    EXPECT_EQ(fromDwg.originalFileVersion(), AcDb::kDHL_1015);
-    ASSERT_EQ(dxf::ReadDxfFile(fromDxf, "/work/shared/corpus/dxf/example_2000.dxf"), Acad::eOk);
-    dwg_test::TwinComparison twins;
-    twins.compare(fromDwg, fromDxf, fromDwg.handseed().value());
-    for (const auto& d : twins.differences) ADD_FAILURE() << d;
-    for (auto h : twins.missing) ADD_FAILURE() << std::hex << h << " is missing";
-    EXPECT_GT(twins.compared, 400);
-    std::cout << twins.compared << " objects compared\n";
-}
-
-}  // namespace
-
-namespace {
 
 TEST(DwgDrawing, every_uncompressed_corpus_drawing_reads_into_a_database) {
     const std::pair<const char*, dwg::Version> files[] = {

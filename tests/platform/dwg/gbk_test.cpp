@@ -1,9 +1,11 @@
 // A drawing whose file header names the GBK code page (ANSI_936) reads with its Chinese layer
-// names, texts and attribute tags intact. The file is made from a corpus drawing: three of its
-// strings are replaced by GBK bytes of the same length, the objects' CRCs made anew, and the
-// code page number of the file header set to 39 (ANSI_936).
+// names, texts, attribute tags and values intact. The file is made from a corpus drawing: four
+// of its strings are replaced by GBK bytes of the same length, the objects' CRCs made anew, and
+// the code page number of the file header set to 39 (ANSI_936), its CRC made anew.
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -53,6 +55,20 @@ bool ReplaceInObject(Bytes& file, std::int64_t offset, const std::string& from, 
     return true;
 }
 
+// Sets the code page number of an R13-2000 file header and stores the header's CRC anew: the
+// stored CRC is the computed one XORed with a mask, which the new CRC keeps.
+void SetCodePage(Bytes& file, std::uint8_t codePage) {
+    const std::uint32_t locators = file[0x15] | file[0x16] << 8 | file[0x17] << 16 | file[0x18] << 24;
+    const std::size_t crcAt = 0x19 + 9 * locators;
+    const auto crc = [&] { return dwg::Crc16(0, std::span(file).first(crcAt)); };
+    const std::uint16_t mask = (file[crcAt] | file[crcAt + 1] << 8) ^ crc();
+    file[0x13] = codePage;
+    file[0x14] = 0;
+    const std::uint16_t stored = crc() ^ mask;
+    file[crcAt] = static_cast<std::uint8_t>(stored);
+    file[crcAt + 1] = static_cast<std::uint8_t>(stored >> 8);
+}
+
 std::int64_t OffsetOf(const Bytes& file, std::uint64_t handle) {
     std::vector<dwg::ObjectLocation> map;
     dwg::MapError error;
@@ -74,19 +90,24 @@ T* Open(AcDbDatabase& db, std::uint64_t handle) {
     return object;
 }
 
-TEST(DwgGbk, chinese_layer_names_texts_and_tags_read_intact) {
+TEST(DwgGbk, chinese_layer_names_texts_and_attributes_read_intact) {
     Bytes file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_2000.dwg"));
     ASSERT_TRUE(ReplaceInObject(file, OffsetOf(file, 0x8A), "Tavolo 3", "\xCD\xBC\xB2\xE3\xC8\xFD\xBA\xC5"));
     ASSERT_TRUE(ReplaceInObject(file, OffsetOf(file, 0x17B), "teksto simpla",
                                 "\xD6\xD0\xCE\xC4\xCE\xC4\xD7\xD6\xB2\xE2\xCA\xD4\x21"));
     ASSERT_TRUE(ReplaceInObject(file, OffsetOf(file, 0x192), "ETIKEDO", "\xB1\xEA\xC7\xA9TAG"));
-    dwg::DwgSections sections = dwg_test::FileSections(file);
-    file[0x13] = 39;  // ANSI_936, set after the container has checked the file header's CRC
-    file[0x14] = 0;
-    sections.codePage = dwg::WindowsCodePage(file[0x13]);
-    EXPECT_EQ(sections.codePage, 936);
+    ASSERT_TRUE(ReplaceInObject(file, OffsetOf(file, 0x192), "valoro de la teksto en bloko",
+                                "\xBF\xE9\xD6\xD0\xCA\xF4\xD0\xD4\xB5\xC4\xCE\xC4\xD7\xD6\xD6\xB5"
+                                " of a block!"));
+    SetCodePage(file, 39);  // ANSI_936
+    const std::string path =
+        (std::filesystem::temp_directory_path() / "gbk_example_2000.dwg").string();
+    std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(file.data()),
+                                                static_cast<std::streamsize>(file.size()));
     AcDbDatabase db(false, true);
-    ASSERT_EQ(dwg::ReadDwgSections(db, sections, "gbk.dwg"), Acad::eOk) << Utf8FromWide(db.lastError());
+    const Acad::ErrorStatus read = db.readDwgFile(WideFromUtf8(path).c_str());
+    std::filesystem::remove(path);
+    ASSERT_EQ(read, Acad::eOk) << Utf8FromWide(db.lastError());
 
     auto* layer = Open<AcDbLayerTableRecord>(db, 0x8A);
     ASSERT_NE(layer, nullptr);
@@ -100,6 +121,8 @@ TEST(DwgGbk, chinese_layer_names_texts_and_tags_read_intact) {
     auto* attribute = Open<AcDbAttribute>(db, 0x192);
     ASSERT_NE(attribute, nullptr);
     EXPECT_EQ(Utf8FromWide(attribute->tag()), "标签TAG");
+    EXPECT_EQ(Utf8FromWide(attribute->textString()), "块中属性的文字值 of a block!");
+    EXPECT_EQ(Utf8FromWide(attribute->layer()), "图层三号");
     attribute->close();
     std::string codePage;
     for (const auto& [name, tags] : db.headerVars()) {

@@ -1,7 +1,9 @@
 // Reads DWG files with the two independent readers used as test oracles, acad-ts and
-// libredwg-web, and prints per file and reader "FILE READER TYPE HANDLE" for each model-space
-// entity (or "FILE READER ERROR reason"), then each text as "FILE READER STRING value". Used by
-// the DWG writer's oracle test only.
+// libredwg-web, and prints per file and reader "FILE READER READ" once the file is read (so that
+// an empty model space is told from a read that gave nothing), "FILE READER TYPE HANDLE" for each
+// model-space entity (or "FILE READER ERROR reason"), each text as "FILE READER STRING value",
+// each attribute of a model-space insert as "FILE READER ATTRIB tag=value" and each layer as
+// "FILE READER LAYER name". Used by the DWG writer's oracle tests only.
 // argv[2]: the folder npm installed the packages into; argv[3...]: the files.
 import fs from 'fs';
 import path from 'path';
@@ -32,9 +34,12 @@ for (const file of process.argv.slice(3)) {
   try {
     const doc = acad.DwgReader.readFromStream(
       buffer.buffer.slice(buffer.byteOffset, buffer.byteOffset + buffer.byteLength), () => {});
+    print(`${name} acad-ts READ`);
+    for (const layer of doc.layers) print(`${name} acad-ts LAYER ${layer.name}`);
     for (const e of doc.modelSpace.entities) {
       print(`${name} acad-ts ${e.objectName} ${hex(e.handle)}`);
       if ((e.objectName === 'TEXT' || e.objectName === 'MTEXT') && typeof e.value === 'string') print(`${name} acad-ts STRING ${e.value}`);
+      if (e.objectName === 'INSERT') for (const a of e.attributes) print(`${name} acad-ts ATTRIB ${a.tag}=${a.value}`);
     }
   } catch (error) {
     print(`${name} acad-ts ERROR ${error.message}`);
@@ -47,11 +52,14 @@ for (const file of process.argv.slice(3)) {
     continue;
   }
   const db = lib.convert(dwg);
+  print(`${name} libredwg READ`);
+  for (const layer of db.tables.LAYER.entries) print(`${name} libredwg LAYER ${layer.name}`);
   const model = db.tables.BLOCK_RECORD.entries.find((b) => b.name.toUpperCase() === '*MODEL_SPACE');
   for (const e of db.entities) {
     if (!model || e.ownerBlockRecordSoftId !== model.handle) continue;
     print(`${name} libredwg ${e.type} ${hex('0x' + e.handle)}`);
     if (e.type === 'TEXT' || e.type === 'MTEXT') print(`${name} libredwg STRING ${e.text}`);
+    if (e.type === 'INSERT') for (const a of e.attribs) print(`${name} libredwg ATTRIB ${a.tag}=${a.text.text}`);
   }
   lib.dwg_free(dwg);
 }

@@ -7,6 +7,7 @@
 #include "platform/dwg/decode.hpp"
 #include "platform/dwg/dxf_records.hpp"
 #include "platform/dwg/entities.hpp"
+#include "platform/dwg/layout.hpp"
 #include "platform/dwg/object_builder.hpp"
 #include "platform/dwg/tables.hpp"
 
@@ -144,6 +145,32 @@ TEST(DwgDxfText, xrecord_groups_past_the_last_dxf_code_are_left_out) {
     EXPECT_NE(out.text().find("\n1\nkept\n"), std::string::npos);
     EXPECT_NE(out.text().find("\n1071\n12\n"), std::string::npos);
     EXPECT_EQ(out.text().find("dropped"), std::string::npos);
+}
+
+}  // namespace
+
+namespace {
+
+// The DXF gives a layout's scale factor (147) after the scale type and, from 2004, the shade
+// plot values after it, zeros included.
+TEST(DwgDxfText, layout_shade_plot_values_follow_the_scale_factor_from_2004) {
+    for (const bool shadeStored : {false, true}) {
+        dwg::LayoutRecord layout;
+        layout.plot.shadeStored = shadeStored;
+        layout.plot.shadeResolution = 2;
+        layout.plot.scaleFactor = 0.5;
+        dwg::DxfText out;
+        dwg::WriteObject(out, layout, "LAYOUT", 0x22);
+        const std::string& t = out.text();
+        const auto scale = t.find("\n147\n0.5\n");
+        ASSERT_NE(scale, std::string::npos);
+        EXPECT_LT(t.find("\n75\n"), scale);
+        if (shadeStored) {
+            EXPECT_NE(t.find("\n147\n0.5\n76\n0\n77\n2\n78\n0\n148\n"), std::string::npos) << t;
+        } else {
+            EXPECT_EQ(t.find("\n77\n"), std::string::npos);
+        }
+    }
 }
 
 }  // namespace

@@ -24,8 +24,10 @@
 #include "platform/db/polyline.hpp"
 #include "platform/db/symbol_tables.hpp"
 #include "platform/db/text.hpp"
+#include "platform/dwg/classes.hpp"
 #include "platform/dwg/container.hpp"
 #include "platform/dwg/read.hpp"
+#include "platform/dwg/sample_drawing.hpp"
 #include "platform/dwg/twin_compare.hpp"
 #include "platform/dwg/write.hpp"
 #include "platform/dxf/codepage.hpp"
@@ -34,80 +36,6 @@
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
-
-AcDbObjectId Append(AcDbDatabase& db, AcDbObjectId block, AcDbEntity* entity) {
-    AcDbBlockTableRecord* record = nullptr;
-    EXPECT_EQ(acdbOpenObject(record, block, AcDb::kForWrite), Acad::eOk);
-    AcDbObjectId id;
-    record->appendAcDbEntity(id, entity);
-    entity->close();
-    record->close();
-    (void)db;
-    return id;
-}
-
-AcDbObjectId AddLayer(AcDbDatabase& db, const std::wstring& name, int color) {
-    AcDbLayerTable* layers = nullptr;
-    db.getSymbolTable(layers, AcDb::kForWrite);
-    auto* layer = new AcDbLayerTableRecord;
-    layer->setName(name);
-    AcCmColor c;
-    c.setColorIndex(static_cast<std::uint16_t>(color));
-    layer->setColor(c);
-    AcDbObjectId id;
-    layers->add(id, layer);
-    layer->close();
-    layers->close();
-    return id;
-}
-
-AcDbObjectId AddBlock(AcDbDatabase& db, const std::wstring& name) {
-    AcDbBlockTable* blocks = nullptr;
-    db.getSymbolTable(blocks, AcDb::kForWrite);
-    auto* block = new AcDbBlockTableRecord;
-    block->setName(name);
-    AcDbObjectId id;
-    blocks->add(id, block);
-    block->close();
-    blocks->close();
-    return id;
-}
-
-// A drawing made in memory with one entity of each kind the plate sheets use, a Chinese layer
-// name and texts, and a block with an attribute.
-void BuildDrawing(AcDbDatabase& db) {
-    AddLayer(db, L"轮廓线", 1);
-    const AcDbObjectId model = db.modelSpaceId();
-    auto* line = new AcDbLine(AcGePoint3d(0, 0, 0), AcGePoint3d(100, 50, 0));
-    line->setLayer(L"轮廓线");
-    Append(db, model, line);
-    Append(db, model, new AcDbCircle(AcGePoint3d(10, 20, 0), AcGeVector3d(0, 0, 1), 5.5));
-    Append(db, model, new AcDbArc(AcGePoint3d(-3, 4, 0), 2.25, 0.5, 2.0));
-    Append(db, model, new AcDbPoint(AcGePoint3d(7, 8, 9)));
-    Append(db, model, new AcDbText(AcGePoint3d(1, 2, 0), L"模板 A-1", AcDbObjectId::kNull, 3.5, 0.25));
-    auto* mtext = new AcDbMText;
-    mtext->setLocation(AcGePoint3d(5, 6, 0));
-    mtext->setContents(L"第一行\\P第二行");
-    mtext->setTextHeight(2.5);
-    Append(db, model, mtext);
-    auto* polyline = new AcDbPolyline(3);
-    polyline->addVertexAt(0, AcGePoint2d(0, 0));
-    polyline->addVertexAt(1, AcGePoint2d(10, 0), 0.5);
-    polyline->addVertexAt(2, AcGePoint2d(10, 10));
-    polyline->setClosed(true);
-    Append(db, model, polyline);
-    Append(db, model, new AcDbEllipse(AcGePoint3d(0, 0, 0), AcGeVector3d(0, 0, 1),
-                                      AcGeVector3d(4, 0, 0), 0.5));
-    const AcDbObjectId block = AddBlock(db, L"标题栏");
-    Append(db, block, new AcDbLine(AcGePoint3d(0, 0, 0), AcGePoint3d(1, 1, 0)));
-    Append(db, block, new AcDbAttributeDefinition(AcGePoint3d(0, 0, 0), L"", L"图号", L"图号?"));
-    auto* reference = new AcDbBlockReference(AcGePoint3d(50, 60, 0), block);
-    const AcDbObjectId referenceId = Append(db, model, reference);
-    AcDbBlockReference* opened = nullptr;
-    ASSERT_EQ(acdbOpenObject(opened, referenceId, AcDb::kForWrite), Acad::eOk);
-    opened->appendAttribute(new AcDbAttribute(AcGePoint3d(50, 60, 0), L"MP-001", L"图号"));
-    opened->close();
-}
 
 Bytes Written(AcDbDatabase& db, dwg::DwgWriteReport& report) {
     Bytes bytes;
@@ -201,7 +129,7 @@ std::vector<std::string> Unexplained(const dwg_test::TwinComparison& comparison,
 
 TEST(DwgWrite, drawing_made_in_memory_reads_back_with_the_same_objects) {
     AcDbDatabase db;
-    BuildDrawing(db);
+    dwg_test::BuildDrawing(db);
     dwg::DwgWriteReport report;
     const Bytes bytes = Written(db, report);
     EXPECT_TRUE(report.leftOut.empty());
@@ -226,6 +154,27 @@ TEST(DwgWrite, file_is_ac1018_with_the_host_code_page) {
     ASSERT_TRUE(dwg::ReadDwgContainer(bytes, container, error)) << error.reason;
     EXPECT_EQ(container.version, dwg::Version::kR2004);
     EXPECT_EQ(container.dwgCodePage, 39);  // ANSI_936
+}
+
+// A drawing without classes of its own still gets the writer's classes, and the section ends
+// with eight zero bytes after its sentinel, as AutoCAD writes it (LibreCAD reads past a section
+// that ends with the sentinel, and fails on one without classes).
+TEST(DwgWrite, classes_section_of_an_empty_drawing_holds_the_writers_classes) {
+    AcDbDatabase db;
+    dwg::DwgWriteReport report;
+    const Bytes bytes = Written(db, report);
+    dwg::DwgContainer container;
+    dwg::MapError error;
+    ASSERT_TRUE(dwg::ReadDwgContainer(bytes, container, error)) << error.reason;
+    const auto section = dwg::FindSection(container, "AcDb:Classes");
+    ASSERT_GT(section.size(), 8u);
+    EXPECT_TRUE(std::all_of(section.end() - 8, section.end(), [](std::uint8_t b) { return b == 0; }));
+    std::vector<dwg::ClassRecord> classes;
+    ASSERT_TRUE(dwg::ParseClasses(section, dwg::Version::kR2004, 0, 936, classes, error)) << error.reason;
+    std::vector<std::string> names;
+    for (const auto& c : classes) names.push_back(c.dxfName);
+    EXPECT_EQ(names, (std::vector<std::string>{"ACDBDICTIONARYWDFLT", "DICTIONARYVAR", "SCALE", "PLOTSETTINGS"}));
+    EXPECT_EQ(classes.front().number, 500);
 }
 
 std::string ObjectsSection(const Bytes& file) {
@@ -270,7 +219,7 @@ std::wstring LayerOfFirstLine(AcDbDatabase& db) {
 // read back as the same text.
 TEST(DwgWrite, gbk_names_and_texts_survive_in_code_page_936_and_as_escapes_otherwise) {
     AcDbDatabase db;
-    BuildDrawing(db);
+    dwg_test::BuildDrawing(db);
     std::string gbk;
     dxf::EncodeText("轮廓线", 936, gbk);
     ASSERT_EQ(gbk.size(), 6u);
