@@ -268,6 +268,7 @@ TEST(RepeatingLineIndex, grid_walk_removes_the_same_lines_in_the_same_order_as_t
         std::uniform_int_distribution<int> count(1, 300);
         std::vector<tCurve> lines(static_cast<size_t>(count(random)));
         for (tCurve& line : lines) {
+            line.typeCode = 2001;
             // Coordinates on a half grid, so that lines repeat, nest and touch often.
             line.startPoint = AcGePoint3d(coordinate(random) * 0.5, coordinate(random) * 0.5, 0);
             line.endPoint = random() % 4 == 0 ? AcGePoint3d(line.startPoint.x + 1, line.startPoint.y, 0)
