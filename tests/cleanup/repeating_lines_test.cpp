@@ -339,4 +339,14 @@ TEST(ClassifySplineRecord, off_radius_closed_record_and_level_first_chord_give_m
     EXPECT_EQ(ClassifySpline(bent, 0.01, 0.01), -1);
 }
 
+TEST_F(RepeatingLines, removed_line_and_spline_are_erased_and_closed) {
+    AddLine(0, 0, 10, 0);
+    AcDbObjectId copy = AddLine(0, 0, 10, 0);
+    RunOn(0.01);
+    EXPECT_TRUE(IsErased(copy));
+    AcDbObjectId spline = Spline({0, 0, 3, 0, 6, 0, 10, 0});
+    RunDownSpline(1, 0.01);
+    EXPECT_TRUE(IsErased(spline));
+}
+
 }  // namespace
