@@ -82,6 +82,13 @@ BoxGrid CentreGrid(const std::vector<tCir>& all) {
     return BuildBoxGrid(boxes);
 }
 
+BoxGrid PointGrid(const AcArray<tPt>& points) {
+    std::vector<FlatBox> boxes;
+    boxes.reserve(static_cast<size_t>(points.length()));
+    for (const tPt& p : points) boxes.push_back(CentreBox(p.point));
+    return BuildBoxGrid(boxes);
+}
+
 // The records 0 .. i whose centre lies not farther than 0.001 from that of record i, in record
 // order: what is left of a copy of those records after the far ones are removed. The grid only
 // narrows which records are measured.
@@ -99,6 +106,15 @@ std::vector<tCir> CirclesAtCentre(const std::vector<tCir>& all, size_t i, const 
         if (!(all[k].center.distanceTo(centre) > 0.001)) group.push_back(all[k]);
     }
     return group;
+}
+
+// The indices of the points, in array order, whose distance from `centre` may not exceed 0.001:
+// those the grid files near it, or every point for the plain walk.
+std::vector<size_t> PointsNear(const AcArray<tPt>& points, const AcGePoint3d& centre, const BoxGrid* grid) {
+    if (grid) return BoxGridCandidates(*grid, CentreBox(centre), 0.001);
+    std::vector<size_t> all(static_cast<size_t>(points.length()));
+    for (size_t k = 0; k < all.size(); ++k) all[k] = k;
+    return all;
 }
 
 }  // namespace
@@ -126,17 +142,21 @@ int HoleSubstitution::SubstituteHoles(AcDbDatabase* db, const std::wstring& path
     if (int status = ScanCircles(all); status != 0) return status;
     // Walking from the end, each circle is taken with the circles before it that share its
     // centre; the records after it have had their turn.
-    BoxGrid grid;
-    if (HoleCentreWalk == ClusterWalk::Indexed) grid = CentreGrid(all);
+    // The grids only narrow which circles and points are measured.
+    bool indexed = HoleCentreWalk == ClusterWalk::Indexed;
+    BoxGrid grid, pointGrid;
+    if (indexed) {
+        grid = CentreGrid(all);
+        pointGrid = PointGrid(points);
+    }
     std::unordered_set<AcDbObjectId> done;
     for (size_t i = all.size(); i-- > 0;) {
-        std::vector<tCir> group =
-            CirclesAtCentre(all, i, HoleCentreWalk == ClusterWalk::Indexed ? &grid : nullptr);
+        std::vector<tCir> group = CirclesAtCentre(all, i, indexed ? &grid : nullptr);
         SortByDiameter(group);
         RemoveFromEnd(group, [&](const tCir& c) { return done.contains(c.id); });
         if (group.empty()) continue;
         for (const tCir& c : group) done.insert(c.id);
-        SubstituteGroup(group);
+        SubstituteGroup(group, indexed ? &pointGrid : nullptr);
     }
     return 0;
 }
@@ -168,15 +188,18 @@ int HoleSubstitution::ScanCircles(std::vector<tCir>& all) {
 
 // Finds the symbol of one hole (its circles sorted, smallest first) and puts it in place of the
 // smallest circle. A later matching row overwrites the name of an earlier one.
-void HoleSubstitution::SubstituteGroup(std::vector<tCir>& group) {
+void HoleSubstitution::SubstituteGroup(std::vector<tCir>& group, const BoxGrid* pointGrid) {
     const tCir& first = group.front();
     int count = group.size() >= 2 ? 2 : 1;
     const tCir& last = group.back();
     std::wstring name;
     bool matched = false;
+    // The points that may stand at the centre, in array order.
+    std::vector<size_t> near = PointsNear(points, first.center, pointGrid);
     for (const tHole& hole : holes) {
         if (std::abs(first.diameter - hole.diameter) > 1e-05) continue;
-        for (const tPt& point : points) {
+        for (size_t k : near) {
+            const tPt& point = points[static_cast<int>(k)];
             if (point.point.distanceTo(first.center) <= 0.001 && EqualNoCase(point.layer, hole.layer)) {
                 matched = true;
                 name = SymbolName(hole, count, first, last);

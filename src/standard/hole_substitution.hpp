@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "curves/box_grid.hpp"
 #include "curves/touch_clusters.hpp"
 #include "platform/db/database.hpp"
 #include "platform/ge/array.hpp"
@@ -89,6 +90,7 @@ private:
     void ReadHoleLine(const std::wstring& line);
     void AddHoleRow(const std::vector<std::wstring>& fields);
     int ScanCircles(std::vector<tCir>& all);
-    void SubstituteGroup(std::vector<tCir>& group);
+    // `pointGrid`: the points filed by position, or null to measure every point.
+    void SubstituteGroup(std::vector<tCir>& group, const BoxGrid* pointGrid);
     int InsertSymbol(const std::wstring& layer, const std::wstring& name, const AcGePoint3d& center);
 };

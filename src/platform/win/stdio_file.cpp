@@ -27,9 +27,11 @@ const char* StreamMode(UINT flags) {
     return "rb";
 }
 
+}  // namespace
+
 // Read through a descriptor of its own, as a file opened for writing only cannot be read.
-bool StartsWithBom(const std::filesystem::path& file) {
-    int fd = ::open(file.c_str(), O_RDONLY);
+bool FileStartsWithBom(const std::filesystem::path& file) {
+    int fd = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0) return false;
     char head[3] = {};
     bool bom = ::pread(fd, head, 3, 0) == 3 && std::string_view(head, 3) == kUtf8Bom;
@@ -37,7 +39,15 @@ bool StartsWithBom(const std::filesystem::path& file) {
     return bom;
 }
 
-}  // namespace
+std::string EncodeFileText(std::wstring_view text, bool textMode, bool utf8) {
+    std::wstring translated;
+    translated.reserve(text.size());
+    for (wchar_t c : text) {
+        if (textMode && c == L'\n') translated += L'\r';
+        translated += c;
+    }
+    return utf8 ? Utf8FromWide(translated) : AnsiFromWide(translated);
+}
 
 CStdioFile::~CStdioFile() { Close(); }
 
@@ -52,7 +62,7 @@ BOOL CStdioFile::Open(LPCTSTR fileName, UINT flags, CFileException*) {
         ::close(fd);
         return FALSE;
     }
-    utf8_ = StartsWithBom(file);
+    utf8_ = FileStartsWithBom(file);
     stream_ = ::fdopen(fd, StreamMode(flags));
     if (!stream_) {
         ::close(fd);
@@ -77,13 +87,7 @@ BOOL CStdioFile::ReadString(std::wstring& line) {
 
 void CStdioFile::WriteString(LPCTSTR text) {
     if (!stream_ || !text) return;
-    std::wstring_view source(text);
-    std::wstring translated;
-    for (wchar_t c : source) {
-        if (text_ && c == L'\n') translated += L'\r';
-        translated += c;
-    }
-    std::string bytes = utf8_ ? Utf8FromWide(translated) : AnsiFromWide(translated);
+    std::string bytes = EncodeFileText(text, text_, utf8_);
     std::fwrite(bytes.data(), 1, bytes.size(), stream_);
 }
 
