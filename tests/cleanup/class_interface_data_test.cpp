@@ -104,6 +104,18 @@ TEST_F(ModelSpaceIds, snapshot_in_drawing_order_without_erased) {
     EXPECT_EQ(GetModelSpaceIds(DrawingPtr()), (AcDbObjectIdArray{a, c}));
 }
 
+// The walk closes what it opened: the block table and the model space open for write after it.
+TEST_F(ModelSpaceIds, snapshot_leaves_the_block_table_and_model_space_closed) {
+    AddToDrawing(new AcDbLine(AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0)));
+    EXPECT_EQ(GetModelSpaceIds(DrawingPtr()).length(), 1);
+    AcDbBlockTable* blocks = nullptr;
+    ASSERT_EQ(Drawing().getSymbolTable(blocks, AcDb::kForWrite), Acad::eOk);
+    AcDbBlockTableRecord* model = nullptr;
+    EXPECT_EQ(blocks->getAt(ACDB_MODEL_SPACE, model, AcDb::kForWrite), Acad::eOk);
+    if (model) model->close();
+    blocks->close();
+}
+
 TEST_F(ModelSpaceIds, model_space_open_for_read_elsewhere_gives_empty_list) {
     AddToDrawing(new AcDbLine(AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0)));
     AcDbBlockTableRecord* model = OpenModelSpace(Drawing(), AcDb::kForRead);

@@ -26,17 +26,23 @@ protected:
     AcDbObjectId AddToDrawing(AcDbEntity* entity, const std::wstring& layer = L"0") {
         return Add(Drawing(), entity, layer);
     }
-    // Opens an entity for read, hands it to `look`, closes it; false when it does not open.
+    // Opens an entity for read, hands it to `look`, closes it. An entity that does not open (erased,
+    // or left open by the operation under test) fails the test.
     template <typename Look>
     bool Inspect(AcDbObjectId id, Look look) {
         AcDbEntity* entity = nullptr;
-        if (acdbOpenAcDbEntity(entity, id, AcDb::kForRead) != Acad::eOk) return false;
+        Acad::ErrorStatus status = acdbOpenAcDbEntity(entity, id, AcDb::kForRead);
+        EXPECT_EQ(status, Acad::eOk) << "the entity does not open for read";
+        if (status != Acad::eOk) return false;
         look(entity);
         entity->close();
         return true;
     }
     bool IsGone(AcDbObjectId id) {
-        return !Inspect(id, [](AcDbEntity*) {});
+        AcDbEntity* entity = nullptr;
+        if (acdbOpenAcDbEntity(entity, id, AcDb::kForRead) != Acad::eOk) return true;
+        entity->close();
+        return false;
     }
     // Erased in the database, as opposed to not opening for another reason (such as being left
     // open).

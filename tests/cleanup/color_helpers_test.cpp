@@ -38,6 +38,14 @@ TEST(RgbText, narrow_number_keeps_only_its_first_digits) {
     EXPECT_EQ(PackNarrowRgb(longNumber + " 0 0", 127), 12);
 }
 
+// The narrow reader keeps 35 characters of a number, as its 36-byte buffer holds: 33 zeros and
+// "255" read as 25, a dark red, not as the full red of index 1.
+TEST(RgbText, text_to_index_reads_35_characters_of_a_number) {
+    std::string number = std::string(33, '0') + "255";
+    EXPECT_EQ(RgbTextToColorIndex(number + " 0 0"), NearestColorIndex(PackNarrowRgb("25 0 0", 35)));
+    EXPECT_NE(RgbTextToColorIndex(number + " 0 0"), 1);
+}
+
 TEST(NearestColor, exact_palette_colour_maps_to_its_index) {
     EXPECT_EQ(NearestColorIndex(ParseRgbText(L"0 0 255")), 5);
     EXPECT_EQ(NearestColorIndex(ParseRgbText(L"130 130 130")), 253);
@@ -90,10 +98,16 @@ TEST_F(EffectiveColor, by_layer_takes_the_layer_colour) {
     AcDbObjectId id = AddToDrawing(new AcDbLine(AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0)), L"PART");
     SetLayerColor(L"PART", 6);
     EXPECT_EQ(EffectiveColorIndex(id), 6);
-    // The entity is closed again.
+    // The entity and its layer are closed again.
     AcDbEntity* entity = nullptr;
     ASSERT_EQ(acdbOpenAcDbEntity(entity, id, AcDb::kForWrite), Acad::eOk);
     entity->close();
+    AcDbLayerTable* layers = nullptr;
+    ASSERT_EQ(Drawing().getSymbolTable(layers, AcDb::kForRead), Acad::eOk);
+    AcDbLayerTableRecord* layer = nullptr;
+    EXPECT_EQ(layers->getAt(L"PART", layer, AcDb::kForWrite), Acad::eOk);
+    if (layer) layer->close();
+    layers->close();
 }
 
 TEST_F(EffectiveColor, layer_missing_or_entity_not_opening_gives_minus_1) {

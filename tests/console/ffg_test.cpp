@@ -32,6 +32,14 @@ TEST_F(Ffg, picked_text_outside_every_sheet_changes_nothing) {
     EXPECT_EQ(CountText(texts), nullptr);
 }
 
+TEST_F(Ffg, enter_at_the_pick_prompt_ends_the_command) {
+    ConsoleRun run = Run("FFG\n\n");
+    ASSERT_EQ(run.status, 0) << run.output;
+    auto texts = SavedTexts();
+    ASSERT_EQ(texts.size(), 4u);
+    for (const SeenText& t : texts) EXPECT_EQ(t.color, 256) << dxf::Utf8(t.value);
+}
+
 TEST_F(Ffg, colon_text_searches_the_part_before_it_and_the_count_leaves_the_picked_text_out) {
     ConsoleRun run = Run("USERI1\n1\nFFG\n51,51\n\n");
     ASSERT_EQ(run.status, 0) << run.output;
@@ -61,6 +69,35 @@ TEST_F(Ffg, colon_right_after_the_first_character_still_cuts_the_search) {
     const SeenText* count = CountText(texts);
     ASSERT_NE(count, nullptr);
     EXPECT_EQ(count->value, L"共 1 个");
+}
+
+TEST_F(Ffg, found_texts_stay_selected_so_that_move_takes_them_without_asking) {
+    ConsoleRun run = Run("FFG\n81,51\n\nMOVE\n0,0\n0,10\n");
+    ASSERT_EQ(run.status, 0) << run.output;
+    auto texts = SavedTexts();
+    for (double x : {80.0, 120.0}) {
+        const SeenText* text = Find(texts, L"H7", x);
+        ASSERT_NE(text, nullptr) << x;
+        EXPECT_DOUBLE_EQ(text->position.y, 60.0) << x;
+    }
+    EXPECT_DOUBLE_EQ(Find(texts, L"H7", 300)->position.y, 50.0);
+}
+
+TEST_F(Ffg, text_whose_corner_stands_on_the_sheets_edge_is_on_the_sheet) {
+    struct Case {
+        double x, y;
+        int color;  // of the picked text after FFG
+    };
+    for (Case c : {Case{200.0, 50.0, 6}, Case{50.0, 100.0, 6}, Case{200.5, 50.0, 256}, Case{50.0, 100.5, 256}}) {
+        db_ = std::make_unique<AcDbDatabase>(true, true);
+        AddSheet(0, 0, 200, 100);
+        AddText(L"Q", c.x, c.y);
+        ConsoleRun run = Run("FFG\n" + std::to_string(c.x + 0.5) + "," + std::to_string(c.y + 1) + "\n\n");
+        ASSERT_EQ(run.status, 0) << run.output;
+        const SeenText* text = Find(SavedTexts(), L"Q", c.x);
+        ASSERT_NE(text, nullptr) << c.x << "," << c.y;
+        EXPECT_EQ(text->color, c.color) << c.x << "," << c.y;
+    }
 }
 
 TEST_F(Ffg, plain_text_counts_itself) {

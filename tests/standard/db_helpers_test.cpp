@@ -119,6 +119,13 @@ TEST_F(DbHelpers, AddLayerMakesAStandardLayerWithLinetypeContinuous) {
     EXPECT_EQ(layer->linetypeObjectId(), Continuous());
     layer->close();
     EXPECT_EQ(CgLog().rfind(L"添加新图层\n0\n层名为HOLES\n设置新线型\n", 0), 0u);
+    // The layer and linetype tables are closed again.
+    AcDbLayerTable* layers = nullptr;
+    EXPECT_EQ(Drawing().getSymbolTable(layers, AcDb::kForWrite), Acad::eOk);
+    if (layers) layers->close();
+    AcDbLinetypeTable* linetypes = nullptr;
+    EXPECT_EQ(Drawing().getSymbolTable(linetypes, AcDb::kForWrite), Acad::eOk);
+    if (linetypes) linetypes->close();
 }
 
 TEST_F(DbHelpers, AddLayerOnAnExistingLayerChangesNothingOnIt) {
@@ -194,6 +201,12 @@ TEST_F(DbHelpers, ZoomExtentsAddsAnUnnamedViewOfTheExtentsToTheViewTable) {
     EXPECT_DOUBLE_EQ(views.back().width, 100.0);
     EXPECT_DOUBLE_EQ(views.back().height, 50.0);
     EXPECT_EQ(views.back().name, L"");
+    // The model space is closed again: a new entity goes in.
+    AcDbObjectId id;
+    auto* line = new AcDbLine(AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0));
+    EXPECT_EQ(AppendToModelSpace(&other, line, id), 1);
+    if (id.isNull()) delete line;
+    else line->close();
     acdbHostApplicationServices()->setWorkingDatabase(hostDrawing_.get());
 }
 

@@ -219,6 +219,25 @@ TEST_F(SheetFrameInsert, of_two_texts_with_one_tag_the_first_wins_and_only_it_is
     EXPECT_FALSE(IsErased(second));
 }
 
+// What the insertion opened it closed: the block table opens for write, the erased text opens.
+TEST_F(SheetFrameInsert, insertion_leaves_the_block_table_and_the_erased_text_closed) {
+    SaveFrame(L"A3.DWG");
+    Module().frameName = L"A3.DWG";
+    AcDbObjectId used = AddText(L"NAME:PLATE", AcGePoint3d(200, 100, 0));
+    CollectAttributeTexts(&Drawing());
+    AcDbObjectIdArray ids;
+    EXPECT_EQ(InsertSheetFrame(kFrameFolder, AcGePoint3d(100, 50, 0), ids), 0);
+    AcDbBlockTable* blocks = nullptr;
+    EXPECT_EQ(Drawing().getSymbolTable(blocks, AcDb::kForWrite), Acad::eOk);
+    if (blocks) blocks->close();
+    AcDbEntity* text = nullptr;
+    EXPECT_EQ(acdbOpenAcDbEntity(text, used, AcDb::kForRead, true), Acad::eOk);
+    if (text) {
+        EXPECT_TRUE(text->isErased());
+        text->close();
+    }
+}
+
 TEST_F(SheetFrameInsert, box_setting_row_beats_a_text_with_the_same_tag_and_the_text_stays) {
     SaveFrame(L"A3.DWG");
     Module().frameName = L"A3.DWG";

@@ -67,6 +67,27 @@ TEST_F(SheetFrame, NoMarkerCircleAnswers16) {
     EXPECT_TRUE(markers.isEmpty());
 }
 
+// The walk ends at an entity that does not open: the marker found before it does not count.
+TEST_F(SheetFrame, EntityThatDoesNotOpenAfterAMarkerAnswers16) {
+    AcDbObjectId marker = AddCircle(L"RECT");
+    AcDbObjectId busy = AddLine(AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0), L"PART");
+    AcDbEntity* open = nullptr;
+    ASSERT_EQ(acdbOpenAcDbEntity(open, busy, AcDb::kForWrite), Acad::eOk);
+    AcDbObjectIdArray markers;
+    EXPECT_EQ(FindMarkers(markers), 16);
+    EXPECT_EQ(markers, AcDbObjectIdArray{marker});
+    open->close();
+}
+
+TEST_F(SheetFrame, WalksOfADrawingWithoutTablesAnswer16) {
+    AcDbDatabase bare(false, false);
+    AcDbExtents box;
+    EXPECT_EQ(MeasureSheetFrame(AcGePoint3d(0, 0, 0), box, &bare), 16);
+    EXPECT_EQ(CollectAttributeTexts(&bare), 16);
+    AcDbObjectIdArray ids;
+    EXPECT_EQ(CollectSheetEntities(ids, &bare), 16);
+}
+
 TEST_F(SheetFrame, ConstructionEntitiesOnTheExportersLayersAreCollected) {
     AcDbObjectIdArray expected;
     for (const wchar_t* layer : {L"BIGFRAM", L"ustand", L"URECT", L"Front", L"LEFT", L"top", L"STAND", L"RECT"})

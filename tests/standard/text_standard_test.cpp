@@ -171,6 +171,12 @@ TEST_F(TextStandard, missing_style_gives_16) {
     EXPECT_EQ(SetStyleFonts(L"chinesef_fs", Db()), 16);
 }
 
+TEST_F(TextStandard, drawing_without_a_style_table_gives_16) {
+    AcDbDatabase bare(false, false);
+    EXPECT_EQ(SetStyleFonts(L"chinesef_fs", &bare), 16);
+    EXPECT_EQ(ApplyTextStyle(L"bar", L"`**`*", &bare), 16);
+}
+
 TEST_F(TextStandard, missing_bar_style_leaves_barcodes_without_message) {
     AcDbObjectId barcode = AddText(L"*P-1*");
     testing::internal::CaptureStdout();

@@ -243,7 +243,7 @@ TEST(DwgBitWriter, modular_char_sizes) {
 }
 
 TEST(DwgBitWriter, object_type_by_version) {
-    const std::int32_t types[] = {1, 0x4D, 0x1F0, 0x1F3, 0x2EF, 0x2F0, 500, 1000};
+    const std::int32_t types[] = {1, 0x4D, 255, 256, 0x1F0, 0x1F3, 0x2EF, 0x2F0, 500, 1000};
     for (Version version : {Version::kR2004, Version::kR2010}) {
         BitWriter w(version);
         for (auto t : types) w.OT(t);

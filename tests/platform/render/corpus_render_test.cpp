@@ -1,20 +1,25 @@
-// Every DXF drawing of the shared corpus renders without an error.
+// Every drawing of the shared corpus, DXF and DWG, renders without an error.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
+#include "platform/dxf/model.hpp"
 #include "platform/render/picture.hpp"
 
 namespace {
 
 using namespace rendertest;
 
-const fs::path kCorpus = "/work/shared/corpus/dxf";
+const fs::path kCorpus = "/work/shared/corpus";
 
+// The corpus's drawings as "dxf/NAME" and "dwg/NAME".
 std::vector<std::string> CorpusFiles() {
     std::vector<std::string> names;
-    if (!fs::exists(kCorpus)) return names;
-    for (const auto& entry : fs::directory_iterator(kCorpus)) names.push_back(entry.path().filename());
+    for (const char* folder : {"dxf", "dwg"}) {
+        if (!fs::exists(kCorpus / folder)) continue;
+        for (const auto& entry : fs::directory_iterator(kCorpus / folder))
+            names.push_back(std::string(folder) + "/" + entry.path().filename().string());
+    }
     std::sort(names.begin(), names.end());
     return names;
 }
@@ -25,9 +30,11 @@ TEST_P(CorpusRender, renders_to_png_without_error) {
     tavrik::render::Options options;
     options.width = 400;
     options.height = 300;
-    fs::path out = TempDir() / (GetParam() + ".png");
+    fs::path out = TempDir() / (fs::path(GetParam()).filename().string() + ".png");
+    AcDbDatabase db(false, true);
+    ASSERT_EQ(db.readDwgFile(dxf::Wide((kCorpus / GetParam()).string()).c_str()), Acad::eOk) << GetParam();
     std::string error;
-    ASSERT_EQ(RenderFile(kCorpus / GetParam(), out, options, error), 0) << error;
+    ASSERT_EQ(render::RenderDrawing(db, out.string(), options, error), 0) << error;
     Picture picture(out);
     ASSERT_TRUE(picture.ok());
     EXPECT_EQ(picture.width(), 400);

@@ -34,6 +34,16 @@ TEST(RenderPolylines, wide_segment_tapers_from_its_start_width_and_a_segment_wit
     EXPECT_TRUE(InkNear(picture, 90, 65));
 }
 
+TEST(RenderPolylines, arc_segment_without_width_in_a_wide_polyline_is_its_arc_not_a_closed_loop) {
+    Picture picture = Drawn("wide_arc", "0\nLWPOLYLINE\n8\n0\n90\n3\n70\n0\n10\n10\n20\n50\n40\n4\n41\n4\n"
+                                        "10\n50\n20\n50\n42\n1\n10\n90\n20\n50\n");
+    // The half circle about (70, 50) of radius 20 goes through (70, 30); its chord stays empty.
+    EXPECT_TRUE(InkNear(picture, 70, 30));
+    EXPECT_FALSE(InkNear(picture, 70, 70));
+    EXPECT_FALSE(InkNear(picture, 70, 50));
+    EXPECT_FALSE(InkNear(picture, 60, 50));
+}
+
 TEST(RenderPoints, point_is_a_dot_of_a_few_pixels) {
     Picture picture = Drawn("point", "0\nPOINT\n8\n0\n10\n50\n20\n50\n");
     int ink = 0;

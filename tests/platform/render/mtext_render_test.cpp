@@ -58,6 +58,26 @@ TEST(RenderMText, paragraph_code_starts_a_line_five_thirds_of_a_height_lower) {
     EXPECT_NEAR(bands[1].second - bands[0].second, 20 * 5.0 / 3.0 * 1.92, 2);
 }
 
+TEST(RenderMText, line_spacing_factor_scales_the_pitch_and_zero_counts_as_one) {
+    const std::pair<const char*, double> cases[] = {{"0", 1.0}, {"1.5", 1.5}};
+    for (const auto& [factor, pitch] : cases) {
+        Rendered r = RenderMText(std::string("mtext_spacing_") + factor, "I\\PI", "7", std::string("44\n") + factor + "\n");
+        ASSERT_EQ(r.status, 0) << r.error;
+        auto bands = InkBands(Picture(r.png));
+        ASSERT_EQ(bands.size(), 2u) << factor;
+        EXPECT_NEAR(bands[1].second - bands[0].second, pitch * 20 * 5.0 / 3.0 * 1.92, 2) << factor;
+    }
+}
+
+TEST(RenderMText, entity_after_a_multiline_text_stands_in_its_own_place) {
+    std::string text = "0\nMTEXT\n8\n0\n10\n60\n20\n60\n40\n10\n50\n30\n71\n1\n1\nI\n";
+    std::string line = "0\nLINE\n8\n0\n10\n10\n20\n10\n11\n90\n21\n10\n";
+    Rendered r = Render("mtext_then_line", Dxf("", kFrame + text + line), Light());
+    ASSERT_EQ(r.status, 0) << r.error;
+    Picture picture(r.png);
+    for (double x : {20.0, 50.0, 80.0}) EXPECT_FALSE(IsBackgroundLight(Ink(picture, Column(x), 10))) << x;
+}
+
 struct StackCase {
     const char* name;
     const char* contents;

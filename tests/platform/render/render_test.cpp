@@ -2,7 +2,9 @@
 // true colour; hidden layers; linetypes; lineweights; the window; the formats; the arguments.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
+#include <utility>
 
 #include "platform/render/picture.hpp"
 
@@ -124,6 +126,43 @@ TEST(RenderLineweights, heavier_lineweight_draws_a_wider_stroke) {
     // 2 mm at 96 dpi is 7.6 pixels; the default 0.25 mm one pixel (two where it straddles).
     EXPECT_LE(InkRows(Picture(thin.png), 60), 2);
     EXPECT_GE(InkRows(Picture(thick.png), 60), 7);
+}
+
+TEST(RenderLineweights, by_block_lineweight_in_a_block_takes_the_references_weight) {
+    std::string blocks = "0\nBLOCK\n8\n0\n2\nB\n70\n0\n10\n0\n20\n0\n" + Line("0", 0, "370\n-2\n") + "0\nENDBLK\n8\n0\n";
+    std::string vertical = "0\nLINE\n8\n0\n10\n50\n20\n0\n11\n50\n21\n100\n";
+    Rendered thin = Render("byblock_thin", Dxf(kLayers, vertical + "0\nINSERT\n8\n0\n2\nB\n10\n0\n20\n50\n", blocks),
+                           Light());
+    Rendered thick = Render("byblock_thick",
+                            Dxf(kLayers, vertical + "0\nINSERT\n8\n0\n370\n200\n2\nB\n10\n0\n20\n50\n", blocks), Light());
+    ASSERT_EQ(thin.status, 0) << thin.error;
+    ASSERT_EQ(thick.status, 0) << thick.error;
+    EXPECT_LE(InkRows(Picture(thin.png), 60), 2);
+    EXPECT_GE(InkRows(Picture(thick.png), 60), 7);
+}
+
+// The columns of the leftmost and rightmost ink of the picture's rows above `below`.
+std::pair<int, int> InkColumns(const Picture& picture, int below) {
+    int left = picture.width(), right = -1;
+    for (int y = 0; y < below; ++y)
+        for (int x = 0; x < picture.width(); ++x)
+            if (!IsBackgroundLight(picture.at(x, y))) left = std::min(left, x), right = std::max(right, x);
+    return {left, right};
+}
+
+TEST(RenderTexts, underline_and_overline_switches_are_not_written_out) {
+    // A line along y 0 fixes the view; the text of height 10 stands at y 50, far above it.
+    auto text = [](const std::string& value) {
+        return "0\nLINE\n8\n0\n10\n0\n20\n0\n11\n100\n21\n0\n0\nTEXT\n8\n0\n10\n20\n20\n50\n40\n10\n1\n" + value + "\n";
+    };
+    Rendered plain = Render("text_plain", Dxf(kLayers, text("II")), Light());
+    ASSERT_EQ(plain.status, 0) << plain.error;
+    std::pair<int, int> expected = InkColumns(Picture(plain.png), 120);
+    for (const char* value : {"%%uII", "%%oII", "I%%uI"}) {
+        Rendered r = Render("text_switch", Dxf(kLayers, text(value)), Light());
+        ASSERT_EQ(r.status, 0) << r.error;
+        EXPECT_EQ(InkColumns(Picture(r.png), 120), expected) << value;
+    }
 }
 
 TEST(RenderView, window_shows_only_its_part_of_the_drawing) {
