@@ -242,6 +242,14 @@ TEST(CircleFromThreePointsFine, first_chord_below_5e_7_takes_slope_0_and_a_wrong
             << c.name;
         EXPECT_EQ(center.distanceTo(P(5, 0.4, 0)) < 1e-4, c.rightCentre) << c.name;
     }
+    // The same figure away from the origin: the test takes the difference of the y values.
+    for (const auto& c : cases) {
+        AcGePoint3d center;
+        double radius = 0.0;
+        ASSERT_TRUE(CircleFromThreePointsFine(P(2, 3, 0), P(12, 3 + c.y2, 0), P(5, 8, 0), center, radius))
+            << c.name;
+        EXPECT_EQ(center.distanceTo(P(7, 3.4, 0)) < 1e-4, c.rightCentre) << c.name << " away from the origin";
+    }
 }
 
 TEST(CircleFromThreePointsFine, second_chord_has_its_own_slope_test) {

@@ -195,6 +195,31 @@ TEST_F(SplineToPline, tolerance_0_segments_a_complete_ellipse_into_short_straigh
     EXPECT_TRUE(shape.closed);
 }
 
+TEST_F(SplineToPline, tolerance_0_takes_no_ellipse_as_complete_even_where_its_turn_rounds_above_360) {
+    // Full ellipses whose angles in degrees differ by a rounding above 360 and by one below:
+    // both bounds are strict, so with no tolerance neither is complete.
+    auto turn = [](const AcDbEllipse& e) {
+        return std::fabs(e.startAngle() * 57.29577951308232 - e.endAngle() * 57.29577951308232);
+    };
+    AcDbEllipse* above = nullptr;
+    AcDbEllipse* below = nullptr;
+    for (int k = 1; k < 628 && (above == nullptr || below == nullptr); ++k) {
+        auto* e = new AcDbEllipse(P(0, 0, 0), AcGeVector3d(0, 0, 1), AcGeVector3d(0.3, 0, 0), 0.5, 0.01 * k,
+                                  0.01 * k + 2 * M_PI);
+        AcDbEllipse*& slot = turn(*e) > 360.0 ? above : turn(*e) < 360.0 ? below : e;
+        if (slot == nullptr) slot = e;
+        else delete e;
+    }
+    ASSERT_NE(above, nullptr);
+    ASSERT_NE(below, nullptr);
+    WriteSections(L"[SplineToPline]\nTolerance=0\n");
+    AcDbObjectId aboveId = AddToDrawing(above);
+    AcDbObjectId belowId = AddToDrawing(below);
+    Run();
+    EXPECT_TRUE(IsGone(aboveId));
+    EXPECT_TRUE(IsGone(belowId));
+}
+
 TEST_F(SplineToPline, spline_whose_ends_meet_gives_a_closed_polyline) {
     AddToDrawing(ArcSpline(P(0, 0, 0), 5.0, 0.0, 360.0));
     Run();
