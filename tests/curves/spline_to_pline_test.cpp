@@ -195,29 +195,46 @@ TEST_F(SplineToPline, tolerance_0_segments_a_complete_ellipse_into_short_straigh
     EXPECT_TRUE(shape.closed);
 }
 
-TEST_F(SplineToPline, tolerance_0_takes_no_ellipse_as_complete_even_where_its_turn_rounds_above_360) {
-    // Full ellipses whose angles in degrees differ by a rounding above 360 and by one below:
-    // both bounds are strict, so with no tolerance neither is complete.
-    auto turn = [](const AcDbEllipse& e) {
+TEST_F(SplineToPline, full_ellipse_whose_turn_rounds_off_360_is_complete_only_strictly_within_the_tolerance) {
+    // Full ellipses whose angles in degrees differ by a rounding above 360 and by one below,
+    // with tolerances that put 360 -/+ t on that difference or one representable step beyond it.
+    auto turn = [](double start) {
+        AcDbEllipse e(P(0, 0, 0), AcGeVector3d(0, 0, 1), AcGeVector3d(0.3, 0, 0), 0.5, start, start + 2 * M_PI);
         return std::fabs(e.startAngle() * 57.29577951308232 - e.endAngle() * 57.29577951308232);
     };
-    AcDbEllipse* above = nullptr;
-    AcDbEllipse* below = nullptr;
-    for (int k = 1; k < 628 && (above == nullptr || below == nullptr); ++k) {
-        auto* e = new AcDbEllipse(P(0, 0, 0), AcGeVector3d(0, 0, 1), AcGeVector3d(0.3, 0, 0), 0.5, 0.01 * k,
-                                  0.01 * k + 2 * M_PI);
-        AcDbEllipse*& slot = turn(*e) > 360.0 ? above : turn(*e) < 360.0 ? below : e;
-        if (slot == nullptr) slot = e;
-        else delete e;
+    double above = 0.0, below = 0.0;
+    for (int k = 1; k < 628 && (above == 0.0 || below == 0.0); ++k) {
+        double v = turn(0.01 * k);
+        if (v > 360.0 && above == 0.0) above = 0.01 * k;
+        if (v < 360.0 && below == 0.0) below = 0.01 * k;
     }
-    ASSERT_NE(above, nullptr);
-    ASSERT_NE(below, nullptr);
-    WriteSections(L"[SplineToPline]\nTolerance=0\n");
-    AcDbObjectId aboveId = AddToDrawing(above);
-    AcDbObjectId belowId = AddToDrawing(below);
-    Run();
-    EXPECT_TRUE(IsGone(aboveId));
-    EXPECT_TRUE(IsGone(belowId));
+    ASSERT_NE(above, 0.0);
+    ASSERT_NE(below, 0.0);
+    const double overshoot = turn(above) - 360.0, undershoot = 360.0 - turn(below);
+    struct Row {
+        const char* name;
+        double start;
+        double tolerance;
+        bool stays;
+    };
+    const Row rows[] = {
+        {"above 360, tolerance 0", above, 0.0, false},
+        {"below 360, tolerance 0", below, 0.0, false},
+        {"above 360 on the upper bound", above, overshoot, false},
+        {"above 360 one step inside the upper bound", above, 2 * overshoot, true},
+        {"below 360 on the lower bound", below, undershoot, false},
+        {"below 360 one step inside the lower bound", below, 2 * undershoot, true},
+    };
+    for (const Row& row : rows) {
+        EraseAll();
+        wchar_t text[80];
+        std::swprintf(text, 80, L"[SplineToPline]\nTolerance=%.17g\n", row.tolerance);
+        WriteSections(text);
+        AcDbObjectId id = AddToDrawing(
+            new AcDbEllipse(P(0, 0, 0), AcGeVector3d(0, 0, 1), AcGeVector3d(0.3, 0, 0), 0.5, row.start, row.start + 2 * M_PI));
+        Run();
+        EXPECT_EQ(!IsGone(id), row.stays) << row.name;
+    }
 }
 
 TEST_F(SplineToPline, spline_whose_ends_meet_gives_a_closed_polyline) {
