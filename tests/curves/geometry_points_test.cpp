@@ -263,6 +263,19 @@ TEST(CircleFromThreePointsFine, second_chord_has_its_own_slope_test) {
     EXPECT_THAT(center, IsNearPoint(P(5, 0.4, 0), 1e-4));
 }
 
+TEST(CircleFromThreePointsFine, circle_away_from_the_origin_with_no_level_chord_has_its_centre_there) {
+    const P c(20, 30, 0);
+    auto on = [&](double degrees) {
+        double a = degrees * M_PI / 180.0;
+        return P(c.x + 10 * std::cos(a), c.y + 10 * std::sin(a), 0);
+    };
+    AcGePoint3d center;
+    double radius = 0.0;
+    ASSERT_TRUE(CircleFromThreePointsFine(on(10), on(100), on(200), center, radius));
+    EXPECT_THAT(center, IsNearPoint(c, 1e-3));
+    EXPECT_NEAR(radius, 10.0, 1e-3);
+}
+
 TEST(CircleFromThreePointsFine, slope_difference_is_tested_in_single_precision_against_5e_7) {
     // k2 is 0 and k1 = -x2. 5e-7 itself rounds to a float just below 5e-7, so it is refused.
     struct Case {

@@ -119,4 +119,31 @@ TEST(BoxGrid, query_not_finite_gives_every_index_once_and_boxes_not_finite_are_e
     EXPECT_NE(std::find(near.begin(), near.end(), 3u), near.end());
 }
 
+// Unit boxes 10 apart in rows and columns of six: a grid of six by six cells, one box a cell.
+std::vector<FlatBox> BoxesInRows() {
+    std::vector<FlatBox> boxes;
+    for (int y = 0; y < 6; ++y)
+        for (int x = 0; x < 6; ++x) boxes.push_back({x * 10.0, y * 10.0, x * 10.0 + 1, y * 10.0 + 1});
+    return boxes;
+}
+
+TEST(BoxGrid, query_of_a_box_finds_it_in_its_own_cell_and_passes_over_far_cells) {
+    std::vector<FlatBox> boxes = BoxesInRows();
+    BoxGrid grid = BuildBoxGrid(boxes);
+    for (size_t i = 0; i < boxes.size(); ++i) {
+        std::vector<size_t> found = BoxGridCandidates(grid, boxes[i], 0.0);
+        EXPECT_NE(std::find(found.begin(), found.end(), i), found.end()) << "box " << i;
+        EXPECT_LE(found.size(), 9u) << "box " << i;  // its cell and the ring round it, at most
+    }
+}
+
+TEST(BoxGrid, query_over_everything_gives_every_index_once_in_order) {
+    std::vector<FlatBox> boxes = BoxesInRows();
+    BoxGrid grid = BuildBoxGrid(boxes);
+    std::vector<size_t> all(boxes.size());
+    for (size_t i = 0; i < all.size(); ++i) all[i] = i;
+    EXPECT_EQ(BoxGridCandidates(grid, {0, 0, 51, 51}, 0.0), all);
+    EXPECT_EQ(BoxGridCandidates(grid, {-1000, -1000, 1000, 1000}, 5.0), all);
+}
+
 }  // namespace
