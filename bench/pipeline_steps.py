@@ -2,12 +2,11 @@
 """Splits the processor time of a batch, recorded by `perf record -g --call-graph dwarf`, over the
 steps of ProcessDrawing: each sample goes to the function that ProcessDrawing called (for the
 clean-up runs, the sheet loop and the hole step: the function that those called), samples outside
-ProcessDrawing go to "batch outside ProcessDrawing". The host program's run report looks at each
-saved drawing (it summarises and renders it) from inside the save: those samples are its own
-line, "host run report", and are not counted as ProcessDrawing's. Seconds are the sampled
-processor time (the sum of the samples' periods); the wall span of ProcessDrawing runs from its
-first sample to its last. With a second recording of the codec's read and write of the same
-file, each step is also given as a multiple of that reference.
+ProcessDrawing go to "batch outside ProcessDrawing". The host's run report looks at each saved
+drawing from within the save (summary, preview); that time is the host's and not the pipeline's,
+so it has a row of its own and is left out of ProcessDrawing's total. With a second recording of
+the codec's read and write of the same file, each step is also given as a multiple of that
+reference.
 
 usage: /usr/bin/python3 pipeline_steps.py BATCH.perf.data [CODEC.perf.data]
 """
@@ -17,29 +16,34 @@ import sys
 
 # Steps that only group others: their callees are the steps.
 GROUPS = ("RunFirstCleanups", "RunLastCleanups", "ProcessSheet", "SubstituteDrawingHoles")
-# Functions of the host program's run report, called from the save's observer (some stacks lose
-# the observer's own frame, so its callees are named too).
-REPORT = ("OnSaved", "NoteDrawingBefore", "Preview", "SummarizeDrawing", "CompareFacts", "RenderDrawing")
-OUTSIDE = "batch outside ProcessDrawing"
-HOST_REPORT = "host run report (inside the save)"
 
 
-def samples(data):
-    """(time in seconds, period in seconds, call stack leaf first as function names) per sample."""
-    text = subprocess.run(["perf", "script", "-i", data, "-F", "comm,time,period,ip,sym"],
-                          capture_output=True, text=True, check=True).stdout
+# The host's run report, called from within a save.
+OBSERVER = "OnSaved"
+OBSERVED = "host run report looking at the save (not counted)"
+
+
+def function_name(symbol):
+    """"(anonymous namespace)::Preview (inlined)" -> "Preview"; arguments are dropped."""
+    symbol = symbol.removesuffix("(inlined)").strip().replace("(anonymous namespace)::", "")
+    return symbol.split("(")[0].strip()
+
+
+def stacks(data):
+    """The samples: their processor seconds and call stacks, leaf first, as function names."""
+    text = subprocess.run(["perf", "script", "-i", data, "-F", "comm,period,ip,sym"], capture_output=True,
+                          text=True, check=True).stdout
     for block in text.split("\n\n"):
         lines = block.strip("\n").split("\n")
         head = lines[0].split()
-        if len(head) < 3 or not head[-2].endswith(":"):
-            continue
+        seconds = int(head[-1]) * 1e-9 if head and head[-1].isdigit() else 0.0
         frames = []
         for line in lines[1:]:
             parts = line.strip().split(None, 1)
             if len(parts) == 2:
-                frames.append(parts[1].split("(")[0].strip())
+                frames.append(function_name(parts[1]))
         if frames:
-            yield float(head[-2].rstrip(":")), int(head[-1]) * 1e-9, frames
+            yield seconds, frames
 
 
 def short(name):
@@ -47,50 +51,34 @@ def short(name):
 
 
 def step_of(frames):
-    if any(short(f) in REPORT for f in frames):
-        return HOST_REPORT
     for i, name in enumerate(frames):
+        if name.endswith(OBSERVER):
+            return OBSERVED
         if name.endswith("ProcessDrawing"):
             step = short(frames[i - 1]) if i > 0 else "ProcessDrawing itself"
             if step in GROUPS and i > 1:
                 step = step + " / " + short(frames[i - 2])
             return step
-    return OUTSIDE
+    return None
 
 
 def main(batch, codec=None):
-    seconds = collections.Counter()
-    first, last = None, None
-    for time, period, frames in samples(batch):
-        step = step_of(frames)
-        seconds[step] += period
-        if any(f.endswith("ProcessDrawing") for f in frames):
-            first = time if first is None else first
-            last = time
+    times = collections.Counter()
+    for seconds, frames in stacks(batch):
+        times[step_of(frames) or "batch outside ProcessDrawing"] += seconds
+    total = sum(times.values())
     reference = 0.0
     if codec:
-        reference = sum(period for _, period, frames in samples(codec)
+        reference = sum(seconds for seconds, frames in stacks(codec)
                         if any(f.endswith(("ReadDxfFile", "WriteDxfFile")) for f in frames))
-    total = sum(seconds.values())
-    inside = total - seconds[OUTSIDE] - seconds[HOST_REPORT]
-    print(f"{'step of ProcessDrawing':52} {'seconds':>8} {'share':>7} {'x read+write':>13}")
-
-    def row(name, value, share_of):
-        ratio = f"{value / reference:13.2f}" if reference else ""
-        print(f"{name[:52]:52} {value:8.3f} {100.0 * value / share_of:6.1f}% {ratio}")
-
-    for step, value in seconds.most_common():
-        if step not in (OUTSIDE, HOST_REPORT):
-            row(step, value, inside)
-    row("ProcessDrawing in all (processor time)", inside, inside)
-    print(f"{'':52} {'seconds':>8} {'of batch':>7}")
-    for name in (HOST_REPORT, OUTSIDE):
-        row(name, seconds[name], total)
-    row("batch in all (processor time)", total, total)
-    if first is not None:
-        print(f"ProcessDrawing wall span {last - first:.2f} s (first to last sample, run report included)")
-    if reference:
-        print(f"codec read + write of the same file: {reference:.3f} s processor time")
+    inside = total - times["batch outside ProcessDrawing"] - times[OBSERVED]
+    print(f"{'step of ProcessDrawing':58} {'seconds':>8} {'share':>7} {'x read+write':>13}")
+    for step, t in times.most_common():
+        ratio = f"{t / reference:13.2f}" if reference else ""
+        print(f"{step[:58]:58} {t:8.2f} {100.0 * t / total:6.1f}% {ratio}")
+    ratio = f"{inside / reference:13.2f}" if reference else ""
+    print(f"{'ProcessDrawing in all':58} {inside:8.2f} {100.0 * inside / total:6.1f}% {ratio}")
+    print(f"processor seconds: batch {total:.2f}, ProcessDrawing {inside:.2f}, codec read+write {reference:.2f}")
 
 
 if __name__ == "__main__":

@@ -108,15 +108,6 @@ std::vector<tCir> CirclesAtCentre(const std::vector<tCir>& all, size_t i, const 
     return group;
 }
 
-// The indices of the points, in array order, whose distance from `centre` may not exceed 0.001:
-// those the grid files near it, or every point for the plain walk.
-std::vector<size_t> PointsNear(const AcArray<tPt>& points, const AcGePoint3d& centre, const BoxGrid* grid) {
-    if (grid) return BoxGridCandidates(*grid, CentreBox(centre), 0.001);
-    std::vector<size_t> all(static_cast<size_t>(points.length()));
-    for (size_t k = 0; k < all.size(); ++k) all[k] = k;
-    return all;
-}
-
 }  // namespace
 
 ClusterWalk HoleCentreWalk = ClusterWalk::Indexed;
@@ -142,21 +133,20 @@ int HoleSubstitution::SubstituteHoles(AcDbDatabase* db, const std::wstring& path
     if (int status = ScanCircles(all); status != 0) return status;
     // Walking from the end, each circle is taken with the circles before it that share its
     // centre; the records after it have had their turn.
-    // The grids only narrow which circles and points are measured.
-    bool indexed = HoleCentreWalk == ClusterWalk::Indexed;
-    BoxGrid grid, pointGrid;
-    if (indexed) {
+    BoxGrid grid;
+    if (HoleCentreWalk == ClusterWalk::Indexed) {
         grid = CentreGrid(all);
         pointGrid = PointGrid(points);
     }
     std::unordered_set<AcDbObjectId> done;
     for (size_t i = all.size(); i-- > 0;) {
-        std::vector<tCir> group = CirclesAtCentre(all, i, indexed ? &grid : nullptr);
+        std::vector<tCir> group =
+            CirclesAtCentre(all, i, HoleCentreWalk == ClusterWalk::Indexed ? &grid : nullptr);
         SortByDiameter(group);
         RemoveFromEnd(group, [&](const tCir& c) { return done.contains(c.id); });
         if (group.empty()) continue;
         for (const tCir& c : group) done.insert(c.id);
-        SubstituteGroup(group, indexed ? &pointGrid : nullptr);
+        SubstituteGroup(group);
     }
     return 0;
 }
@@ -186,16 +176,24 @@ int HoleSubstitution::ScanCircles(std::vector<tCir>& all) {
     return 0;
 }
 
+// The points that may lie within 0.001 of `centre`, in drawing order: all of them for the plain
+// walk. The grid only narrows which points are measured.
+std::vector<size_t> HoleSubstitution::PointsNear(const AcGePoint3d& centre) const {
+    if (HoleCentreWalk == ClusterWalk::Indexed) return BoxGridCandidates(pointGrid, CentreBox(centre), 0.001);
+    std::vector<size_t> all(static_cast<size_t>(points.length()));
+    for (size_t k = 0; k < all.size(); ++k) all[k] = k;
+    return all;
+}
+
 // Finds the symbol of one hole (its circles sorted, smallest first) and puts it in place of the
 // smallest circle. A later matching row overwrites the name of an earlier one.
-void HoleSubstitution::SubstituteGroup(std::vector<tCir>& group, const BoxGrid* pointGrid) {
+void HoleSubstitution::SubstituteGroup(std::vector<tCir>& group) {
     const tCir& first = group.front();
     int count = group.size() >= 2 ? 2 : 1;
     const tCir& last = group.back();
     std::wstring name;
     bool matched = false;
-    // The points that may stand at the centre, in array order.
-    std::vector<size_t> near = PointsNear(points, first.center, pointGrid);
+    std::vector<size_t> near = PointsNear(first.center);
     for (const tHole& hole : holes) {
         if (std::abs(first.diameter - hole.diameter) > 1e-05) continue;
         for (size_t k : near) {

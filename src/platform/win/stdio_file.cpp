@@ -1,5 +1,6 @@
 #include "platform/win/stdio_file.hpp"
 
+#include <cerrno>
 #include <filesystem>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -27,17 +28,53 @@ const char* StreamMode(UINT flags) {
     return "rb";
 }
 
-}  // namespace
+bool StartsWithBom(int fd) {
+    char head[3] = {};
+    return ::pread(fd, head, 3, 0) == 3 && std::string_view(head, 3) == kUtf8Bom;
+}
 
-// Read through a descriptor of its own, as a file opened for writing only cannot be read.
-bool FileStartsWithBom(const std::filesystem::path& file) {
+// A file opened for writing only is read through a descriptor of its own.
+bool StartsWithBom(const std::filesystem::path& file) {
     int fd = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0) return false;
-    char head[3] = {};
-    bool bom = ::pread(fd, head, 3, 0) == 3 && std::string_view(head, 3) == kUtf8Bom;
+    bool bom = StartsWithBom(fd);
     ::close(fd);
     return bom;
 }
+
+// The descriptor of the file, and its path when it had to be resolved. A file that exists as
+// spelt is opened there at once (ResolvePath would give that same path); one that does not is
+// resolved and opened with the creating flags.
+int OpenDescriptor(LPCTSTR fileName, int flags, std::filesystem::path& resolved) {
+    std::filesystem::path spelled = SpelledPath(fileName);
+    if (!spelled.empty()) {
+        int fd = ::open(spelled.c_str(), flags & ~O_CREAT, 0644);
+        if (fd >= 0) {
+            resolved = spelled;
+            return fd;
+        }
+    }
+    resolved = ResolvePath(fileName);
+    return ::open(resolved.c_str(), flags, 0644);
+}
+
+// A file for writing only is opened for reading as well where that is allowed, so that its
+// byte order mark is read through the same descriptor.
+int OpenReadable(LPCTSTR fileName, int flags, std::filesystem::path& resolved, bool& readable) {
+    readable = (flags & O_ACCMODE) != O_WRONLY;
+    if (!readable) {
+        int fd = OpenDescriptor(fileName, (flags & ~O_ACCMODE) | O_RDWR, resolved);
+        if (fd >= 0 || (errno != EACCES && errno != EPERM)) {
+            readable = fd >= 0;
+            return fd;
+        }
+    }
+    return OpenDescriptor(fileName, flags, resolved);
+}
+
+}  // namespace
+
+bool FileStartsWithBom(const std::filesystem::path& file) { return StartsWithBom(file); }
 
 std::string EncodeFileText(std::wstring_view text, bool textMode, bool utf8) {
     std::wstring translated;
@@ -54,15 +91,16 @@ CStdioFile::~CStdioFile() { Close(); }
 BOOL CStdioFile::Open(LPCTSTR fileName, UINT flags, CFileException*) {
     Close();
     if (!fileName) return FALSE;
-    std::filesystem::path file = ResolvePath(fileName);
-    int fd = ::open(file.c_str(), PosixFlags(flags), 0644);
+    std::filesystem::path file;
+    bool readable = false;
+    int fd = OpenReadable(fileName, PosixFlags(flags), file, readable);
     if (fd < 0) return FALSE;
     struct stat info {};
     if (::fstat(fd, &info) != 0 || S_ISDIR(info.st_mode)) {
         ::close(fd);
         return FALSE;
     }
-    utf8_ = FileStartsWithBom(file);
+    utf8_ = readable ? StartsWithBom(fd) : StartsWithBom(file);
     stream_ = ::fdopen(fd, StreamMode(flags));
     if (!stream_) {
         ::close(fd);
