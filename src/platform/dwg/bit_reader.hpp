@@ -3,7 +3,9 @@
 // compressed codes (bit shorts, bit doubles, modular chars, handle references...). Reading past
 // the end never touches memory outside the buffer: it marks the stream failed and gives zeros,
 // so a decoder checks failed() once at the end of an object instead of after every value.
+#include <bit>
 #include <cstddef>
+#include <cstring>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -106,7 +108,17 @@ public:
     std::string bytes(std::size_t count);
 
 private:
-    bool need(std::size_t count);
+    bool has(std::size_t count) const {
+        return !failed_ && bit_ <= bitEnd_ && bitEnd_ - bit_ >= count;
+    }
+    bool need(std::size_t count) {
+        if (!has(count)) {
+            failed_ = true;
+            return false;
+        }
+        return true;
+    }
+    std::uint64_t bitsOneByOne(unsigned count);
 
     std::span<const std::uint8_t> data_;
     std::size_t bit_ = 0;
@@ -115,5 +127,20 @@ private:
     int codePage_ = 1252;
     bool failed_ = false;
 };
+
+// Inline: the decoders read most values a few bits at a time.
+inline std::uint64_t BitReader::bits(unsigned count) {
+    if (!need(count) || count == 0) return 0;
+    // Most reads take the eight bytes from the current one at once (values of up to 56 bits).
+    if (const std::size_t first = bit_ >> 3; count <= 56 && data_.size() - first >= 8) {
+        std::uint64_t word;
+        std::memcpy(&word, data_.data() + first, sizeof word);
+        if constexpr (std::endian::native == std::endian::little) word = __builtin_bswap64(word);
+        const std::uint64_t value = (word << (bit_ & 7)) >> (64 - count);
+        bit_ += count;
+        return value;
+    }
+    return bitsOneByOne(count);
+}
 
 }  // namespace dwg
