@@ -59,31 +59,38 @@ void ReplaceBySegments(AcDbObjectId id, double tolerance) {
 
 // The points of one curve by parameter. Each try halves the span from its start, so that half
 // of its samples and its end were read by the try before (the parameters come out equal to the
-// last bit). The last readings are kept under their exact parameter values; reading one again
-// would give the same point. A reading that fails is not kept, and is tried again each time.
+// last bit). Readings are kept under their exact parameter values, each in the slot that its
+// value hashes to, so that a look-up costs one comparison; a newer reading takes the slot of an
+// older one. Reading a point again would give the same point. A reading that fails is not
+// kept, and is tried again each time.
 struct CurvePoints {
-    static constexpr size_t kKept = 64;  // two tries' worth of readings
+    static constexpr size_t kSlots = 128;  // a power of two, some four tries' worth of readings
     const AcDbCurve* curve = nullptr;
     bool thrifty = true;  // keeps its readings; false for the plain walk
-    std::array<std::uint64_t, kKept> params{};
-    std::array<AcGePoint3d, kKept> points{};
-    size_t count = 0;
+    std::array<std::uint64_t, kSlots> params{};
+    std::array<AcGePoint3d, kSlots> points{};
+    std::array<bool, kSlots> filled{};
 };
+
+size_t SlotOf(std::uint64_t key) {
+    key ^= key >> 31;
+    key *= 0x9E3779B97F4A7C15ull;
+    return static_cast<size_t>(key >> 57) & (CurvePoints::kSlots - 1);
+}
 
 Acad::ErrorStatus PointAt(CurvePoints& points, double param, AcGePoint3d& point) {
     if (!points.thrifty) return points.curve->getPointAtParam(param, point);
     const std::uint64_t key = std::bit_cast<std::uint64_t>(param);
-    for (size_t k = 0; k < std::min(points.count, CurvePoints::kKept); ++k) {
-        if (points.params[k] == key) {
-            point = points.points[k];
-            return Acad::eOk;
-        }
+    const size_t slot = SlotOf(key);
+    if (points.filled[slot] && points.params[slot] == key) {
+        point = points.points[slot];
+        return Acad::eOk;
     }
     Acad::ErrorStatus status = points.curve->getPointAtParam(param, point);
     if (status == Acad::eOk) {
-        points.params[points.count % CurvePoints::kKept] = key;
-        points.points[points.count % CurvePoints::kKept] = point;
-        ++points.count;
+        points.params[slot] = key;
+        points.points[slot] = point;
+        points.filled[slot] = true;
     }
     return status;
 }
@@ -128,19 +135,20 @@ Span FitSpanThrifty(CurvePoints& curve, double sp, double ep, const AcGePoint3d&
     AcGePoint3d center;
     double radius = 0.0;
     if (!CircleFromThreePointsFine(a, m, p, center, radius)) return Span::Straight;
-    AcGePoint3dArray kept;
+    std::array<AcGePoint3d, 30> kept;
+    size_t count = 0;
     bool outside = false;
     for (int i = 0; i < 30; ++i) {
         AcGePoint3d point;
         if (PointAt(curve, sp + (ep - sp) / 30 * i, point) != Acad::eOk) continue;
-        if (std::any_of(kept.begin(), kept.end(), [&](const AcGePoint3d& k) { return NearDuplicate(k, point); }))
-            continue;
-        kept.append(point);
+        auto near = [&](const AcGePoint3d& k) { return NearDuplicate(k, point); };
+        if (std::any_of(kept.begin(), kept.begin() + count, near)) continue;
+        kept[count++] = point;
         outside = outside || !PointWithinRadius(center, radius, point, 0.01) ||
                   !PointWithinRadius(center, radius, point, tolerance);
-        if (outside && kept.length() > 2) return Span::TooLong;
+        if (outside && count > 2) return Span::TooLong;
     }
-    if (kept.length() <= 2) return Span::Straight;
+    if (count <= 2) return Span::Straight;
     return outside ? Span::TooLong : Span::Arc;
 }
 

@@ -82,6 +82,13 @@ BoxGrid CentreGrid(const std::vector<tCir>& all) {
     return BuildBoxGrid(boxes);
 }
 
+BoxGrid PointGrid(const AcArray<tPt>& points) {
+    std::vector<FlatBox> boxes;
+    boxes.reserve(static_cast<size_t>(points.length()));
+    for (const tPt& p : points) boxes.push_back(CentreBox(p.point));
+    return BuildBoxGrid(boxes);
+}
+
 // The records 0 .. i whose centre lies not farther than 0.001 from that of record i, in record
 // order: what is left of a copy of those records after the far ones are removed. The grid only
 // narrows which records are measured.
@@ -127,7 +134,10 @@ int HoleSubstitution::SubstituteHoles(AcDbDatabase* db, const std::wstring& path
     // Walking from the end, each circle is taken with the circles before it that share its
     // centre; the records after it have had their turn.
     BoxGrid grid;
-    if (HoleCentreWalk == ClusterWalk::Indexed) grid = CentreGrid(all);
+    if (HoleCentreWalk == ClusterWalk::Indexed) {
+        grid = CentreGrid(all);
+        pointGrid = PointGrid(points);
+    }
     std::unordered_set<AcDbObjectId> done;
     for (size_t i = all.size(); i-- > 0;) {
         std::vector<tCir> group =
@@ -166,6 +176,15 @@ int HoleSubstitution::ScanCircles(std::vector<tCir>& all) {
     return 0;
 }
 
+// The points that may lie within 0.001 of `centre`, in drawing order: all of them for the plain
+// walk. The grid only narrows which points are measured.
+std::vector<size_t> HoleSubstitution::PointsNear(const AcGePoint3d& centre) const {
+    if (HoleCentreWalk == ClusterWalk::Indexed) return BoxGridCandidates(pointGrid, CentreBox(centre), 0.001);
+    std::vector<size_t> all(static_cast<size_t>(points.length()));
+    for (size_t k = 0; k < all.size(); ++k) all[k] = k;
+    return all;
+}
+
 // Finds the symbol of one hole (its circles sorted, smallest first) and puts it in place of the
 // smallest circle. A later matching row overwrites the name of an earlier one.
 void HoleSubstitution::SubstituteGroup(std::vector<tCir>& group) {
@@ -174,9 +193,11 @@ void HoleSubstitution::SubstituteGroup(std::vector<tCir>& group) {
     const tCir& last = group.back();
     std::wstring name;
     bool matched = false;
+    std::vector<size_t> near = PointsNear(first.center);
     for (const tHole& hole : holes) {
         if (std::abs(first.diameter - hole.diameter) > 1e-05) continue;
-        for (const tPt& point : points) {
+        for (size_t k : near) {
+            const tPt& point = points[static_cast<int>(k)];
             if (point.point.distanceTo(first.center) <= 0.001 && EqualNoCase(point.layer, hole.layer)) {
                 matched = true;
                 name = SymbolName(hole, count, first, last);

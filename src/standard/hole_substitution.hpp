@@ -6,13 +6,14 @@
 #include <string>
 #include <vector>
 
+#include "curves/box_grid.hpp"
 #include "curves/touch_clusters.hpp"
 #include "platform/db/database.hpp"
 #include "platform/ge/array.hpp"
 #include "platform/ge/point3d.hpp"
 
-// How the scan finds the circles that share a centre: through a grid of the centres unless a
-// comparison asks for the plain walk over all circles.
+// How the scan finds the circles that share a centre, and the points at a hole's centre: through
+// grids of the centres and of the points unless a comparison asks for the plain walks over all.
 extern ClusterWalk HoleCentreWalk;
 
 // One point entity of the model space: its layer tells the hole's type.
@@ -84,11 +85,13 @@ public:
     std::wstring currentLayer;
     int typeNumber = 0;
     AcDbObjectIdArray inserted;
+    BoxGrid pointGrid;  // of `points`, for the indexed walk
 
 private:
     void ReadHoleLine(const std::wstring& line);
     void AddHoleRow(const std::vector<std::wstring>& fields);
     int ScanCircles(std::vector<tCir>& all);
     void SubstituteGroup(std::vector<tCir>& group);
+    std::vector<size_t> PointsNear(const AcGePoint3d& centre) const;
     int InsertSymbol(const std::wstring& layer, const std::wstring& name, const AcGePoint3d& center);
 };

@@ -47,9 +47,9 @@ using namespace workshop;
 
 TEST_F(WorkshopRun, dot_dot_in_the_hand_off_stays_inside_the_prefix) {
     // Four steps up from D:\ would reach the folder above this test's own without the stop at
-    // the drive root.
+    // the drive root. The lines end in LF alone, which the check of the merged drawing reads too.
     std::ofstream(prefix_ / kHandOff / "ugm.log", std::ios::binary)
-        << "D:\\..\\..\\..\\..\\escaped-by-dot-dot\\\r\nC:\\Users\\cad\\AppData\\Local\\Convert\\MP2305-.dxf\r\n";
+        << "D:\\..\\..\\..\\..\\escaped-by-dot-dot\\\nC:\\Users\\cad\\AppData\\Local\\Convert\\MP2305-.dxf\n";
     Outcome run = RunToEnd(prefix_);
     EXPECT_EQ(run.status, 0) << run.output;
     fs::path inside = prefix_ / "drives/d/escaped-by-dot-dot/MP2305.dxf";

@@ -208,6 +208,17 @@ TEST_F(ConnectPline, ends_meet_strictly_below_the_tolerance) {
     }
 }
 
+TEST_F(ConnectPline, erased_piece_does_not_open_and_does_not_join_the_chain) {
+    AcDbObjectId first = AddLine(0, 0, 10, 0);
+    AcDbObjectId erased = AddLine(10, 0, 20, 0);
+    Change(erased, [](AcDbEntity* e) { e->erase(); });
+    AcDbObjectIdArray used;
+    AcDbObjectId polyline = JoinChain(AcDbObjectIdArray{first, erased}, AcDbObjectId(), used, 0.05);
+    ASSERT_FALSE(polyline.isNull());
+    EXPECT_EQ(ShapeOf(polyline).vertices.size(), 2u);
+    EXPECT_EQ(used, AcDbObjectIdArray{first});
+}
+
 // The plain walk of the clusters: each member against every curve left, in list order.
 std::vector<std::vector<size_t>> PlainClusters(const std::vector<CurveEnds>& curves, double t) {
     std::vector<size_t> left;

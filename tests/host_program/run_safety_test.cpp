@@ -103,11 +103,16 @@ TEST_F(RunSafety, relative_paths_of_convert_hang_from_the_working_directory) {
     EXPECT_NE(ReadBytes(work_ / "out.dxf").find("LINE"), std::string::npos);
 }
 
-TEST_F(RunSafety, stale_temporary_of_a_killed_save_goes_when_a_run_starts) {
-    // The process id of a child that has ended: no running process owns the temporary.
+// The process id of a child that has ended: no running process has it.
+pid_t EndedProcessId() {
     pid_t ended = ::fork();
     if (ended == 0) ::_exit(0);
     ::waitpid(ended, nullptr, 0);
+    return ended;
+}
+
+TEST_F(RunSafety, stale_temporary_of_a_killed_save_goes_when_a_run_starts) {
+    pid_t ended = EndedProcessId();
     fs::path stale = prefix_ / ("drives/d/out/P.dwg.tmp" + std::to_string(ended));
     fs::path live = prefix_ / ("drives/d/out/Q.dwg.tmp" + std::to_string(::getpid()));
     fs::path other = prefix_ / "drives/d/out/notes.tmpfile";
@@ -116,6 +121,34 @@ TEST_F(RunSafety, stale_temporary_of_a_killed_save_goes_when_a_run_starts) {
     EXPECT_FALSE(fs::exists(stale));
     EXPECT_TRUE(fs::exists(live));
     EXPECT_TRUE(fs::exists(other));
+}
+
+TEST_F(RunSafety, run_after_a_killed_one_brings_back_the_hand_off_files_that_it_recycled) {
+    // The hand-off folder of the user that a new prefix sets up.
+    fs::path handOff = prefix_ / "drives/c/Users/tavrik/AppData/Local/Convert";
+    WriteBytes(handOff / "ugm.log", "D:\\out\\\r\nC:\\Users\\tavrik\\AppData\\Local\\Convert\\P-.dxf\r\n");
+    WriteBytes(handOff / "P-2.dxf", "second sheet as it stands");
+    // The lock file still names the killed run, whose recycle entry holds the first sheet.
+    pid_t killed = EndedProcessId();
+    WriteBytes(prefix_ / "tavrik.lock", std::to_string(killed));
+    fs::path kept = "drives/c/Users/tavrik/AppData/Local/Convert";
+    fs::path entry = prefix_ / "recycle" / ("20260101-120000-" + std::to_string(killed));
+    WriteBytes(entry / kept / "P-1.dxf", "first sheet");
+    WriteBytes(entry / kept / "P-2.dxf", "second sheet before");
+    WriteBytes(entry / "drives/d/out/P.dxf", "not of the hand-off");
+    WriteBytes(prefix_ / "recycle/20260101-130000-1" / kept / "P-3.dxf", "of another run");
+    Outcome run = Shell(Host("--script /dev/null"));
+    EXPECT_EQ(run.status, 0) << run.output;
+    EXPECT_EQ(ReadBytes(handOff / "P-1.dxf"), "first sheet");
+    EXPECT_EQ(ReadBytes(handOff / "P-2.dxf"), "second sheet as it stands");
+    EXPECT_FALSE(fs::exists(handOff / "P-3.dxf"));
+    EXPECT_FALSE(fs::exists(prefix_ / "drives/d/out/P.dxf"));
+    EXPECT_TRUE(Says(run, "was ended inside the batch; " + (kept / "P-1.dxf").string() + " is back from the recycle folder"))
+        << run.output;
+    // A run that ended normally names nobody: the next one restores nothing.
+    fs::remove(handOff / "P-1.dxf");
+    Outcome next = Shell(Host("--script /dev/null"));
+    EXPECT_FALSE(fs::exists(handOff / "P-1.dxf")) << next.output;
 }
 
 // The recycle folder as a run of the batch leaves it: two versions of one drawing, one other file.
@@ -170,7 +203,14 @@ TEST_F(RecycleCommand, restore_of_an_unknown_item_fails_with_its_name) {
     EXPECT_TRUE(Says(run, "20260101-120000-42/drives/d/out/nothing.dwg: no such file in the recycle folder")) << run.output;
 }
 
+TEST_F(RecycleCommand, list_takes_the_prefix_from_the_environment) {
+    Outcome run = Shell("TAVRIK_PREFIX=" + prefix_.string() + " " + Tavrik("recycle list"));
+    EXPECT_EQ(run.status, 0) << run.output;
+    EXPECT_TRUE(Says(run, "from drives/d/out/P-1.dwg")) << run.output;
+}
+
 TEST_F(RecycleCommand, wrong_use_is_a_usage_error) {
+    EXPECT_EQ(Shell(Tavrik("recycle list --prefix")).status, 2);  // --prefix without its folder
     EXPECT_EQ(Shell(Recycle("")).status, 2);
     EXPECT_EQ(Shell(Recycle("restore")).status, 2);
     EXPECT_EQ(Shell(Recycle("restore --all 20260101-120000-42/drives/d/out/P-1.dwg")).status, 2);

@@ -45,9 +45,14 @@ BOOL CFileFind::FindFile(LPCTSTR name, DWORD) {
     root_ = folder;
     std::wstring lookup = folder.size() == 2 && folder[1] == L':' ? folder + L"\\" : folder;
     if (!HasWildcards(namePattern)) {
-        fs::path file = ResolvePath(lookup + L"\\" + namePattern);
+        // Found as spelt, the file needs no resolving: one look-up in all.
+        std::wstring name = lookup + L"\\" + namePattern;
+        fs::path file = SpelledPath(name);
         struct stat info {};
-        if (::stat(file.c_str(), &info) != 0) return FALSE;
+        if (file.empty() || ::stat(file.c_str(), &info) != 0) {
+            file = ResolvePath(name);
+            if (::stat(file.c_str(), &info) != 0) return FALSE;
+        }
         hits_.push_back(MakeHit(WideFromUtf8(file.filename().string()), info));
         return TRUE;
     }

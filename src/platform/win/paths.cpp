@@ -44,23 +44,38 @@ fs::path MatchEntry(const fs::path& folder, const std::wstring& name) {
     return folder / utf8;
 }
 
-// The path spelled exactly as given, when it exists: then every folder on the way exists under
-// its own spelling too, and the walk below would build the same path one look-up at a time.
-// Empty when it does not exist or when "." or ".." have to be folded first.
-fs::path ExactPath(const fs::path& root, const std::vector<std::wstring>& parts) {
-    fs::path exact = root;
-    for (const std::wstring& part : parts) {
+// A path as its root folder and its components.
+struct Located {
+    fs::path root;
+    std::vector<std::wstring> parts;
+};
+
+// The path spelled exactly as given, without any look-up; empty when "." or ".." have to be
+// folded first.
+fs::path Spelled(const Located& located) {
+    fs::path exact = located.root;
+    for (const std::wstring& part : located.parts) {
         if (part == L"." || part == L"..") return {};
         exact /= Utf8FromWide(part);
     }
+    return exact;
+}
+
+// The exact spelling, when it exists: then every folder on the way exists under its own
+// spelling too, and the walk below would build the same path one look-up at a time. Empty when
+// it does not exist or when "." or ".." have to be folded first.
+fs::path ExactPath(const Located& located) {
+    fs::path exact = Spelled(located);
     std::error_code error;
-    return fs::exists(exact, error) ? exact : fs::path();
+    return !exact.empty() && fs::exists(exact, error) ? exact : fs::path();
 }
 
 // "." and ".." act on the path built so far, as Windows folds them before any look-up; ".."
 // stops at the root (a drive's folder), so no path leaves its drive.
-fs::path Walk(const fs::path& root, const std::vector<std::wstring>& parts) {
-    if (fs::path exact = ExactPath(root, parts); !exact.empty()) return exact;
+fs::path Walk(const Located& located) {
+    if (fs::path exact = ExactPath(located); !exact.empty()) return exact;
+    const fs::path& root = located.root;
+    const std::vector<std::wstring>& parts = located.parts;
     fs::path base = root;
     std::vector<fs::path> walked;
     for (const std::wstring& part : parts) {
@@ -84,23 +99,32 @@ fs::path DriveFolder(wchar_t letter) {
     return base / "drives" / name;
 }
 
-fs::path ResolvePath(std::wstring_view path) {
-    if (path.starts_with(L"/")) return Walk("/", Components(path));
+namespace {
+
+// Where a Windows path hangs: a POSIX root, a drive's folder, or the current directory.
+Located Locate(std::wstring_view path) {
+    if (path.starts_with(L"/")) return {"/", Components(path)};
     if (HasDrive(path)) {
         std::wstring_view rest = path.substr(2);
-        if (!rest.empty() && IsSeparator(rest.front())) return Walk(DriveFolder(path[0]), Components(rest));
+        if (!rest.empty() && IsSeparator(rest.front())) return {DriveFolder(path[0]), Components(rest)};
         // "D:file" is relative to the current directory when that is on the same drive.
         std::wstring current = Host().currentDirectory;
         if (HasDrive(current) && std::towupper(static_cast<wint_t>(current[0])) ==
                                      std::towupper(static_cast<wint_t>(path[0])))
-            return Walk(DriveFolder(path[0]), Components(current.substr(2) + L"\\" + std::wstring(rest)));
-        return Walk(DriveFolder(path[0]), Components(rest));
+            return {DriveFolder(path[0]), Components(current.substr(2) + L"\\" + std::wstring(rest))};
+        return {DriveFolder(path[0]), Components(rest)};
     }
     // The current directory is always a drive path (the prefix settings keep it so).
     std::wstring current = Host().currentDirectory;
-    if (!path.empty() && IsSeparator(path.front())) return Walk(DriveFolder(current[0]), Components(path));
-    return Walk(DriveFolder(current[0]), Components(current.substr(2) + L"\\" + std::wstring(path)));
+    if (!path.empty() && IsSeparator(path.front())) return {DriveFolder(current[0]), Components(path)};
+    return {DriveFolder(current[0]), Components(current.substr(2) + L"\\" + std::wstring(path))};
 }
+
+}  // namespace
+
+fs::path ResolvePath(std::wstring_view path) { return Walk(Locate(path)); }
+
+fs::path SpelledPath(std::wstring_view path) { return Spelled(Locate(path)); }
 
 fs::path ResolvePathA(std::string_view ansiPath) { return ResolvePath(WideFromAnsi(ansiPath)); }
 

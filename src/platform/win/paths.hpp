@@ -12,6 +12,10 @@
 #include "platform/win/wintypes.hpp"
 
 std::filesystem::path ResolvePath(std::wstring_view windowsPath);
+// The path spelt exactly as given, below the same root, without looking anything up; empty
+// when "." or ".." have to be folded first. When something exists there, ResolvePath gives this
+// same path, so a look-up that finds it there needs no resolving.
+std::filesystem::path SpelledPath(std::wstring_view windowsPath);
 // A narrow path in the host code page.
 std::filesystem::path ResolvePathA(std::string_view ansiPath);
 // The folder that stands for a drive letter.

@@ -1,5 +1,6 @@
 #include "platform/win/stdio_file.hpp"
 
+#include <cerrno>
 #include <filesystem>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -27,32 +28,79 @@ const char* StreamMode(UINT flags) {
     return "rb";
 }
 
-// Read through a descriptor of its own, as a file opened for writing only cannot be read.
-bool StartsWithBom(const std::filesystem::path& file) {
-    int fd = ::open(file.c_str(), O_RDONLY);
-    if (fd < 0) return false;
+bool StartsWithBom(int fd) {
     char head[3] = {};
-    bool bom = ::pread(fd, head, 3, 0) == 3 && std::string_view(head, 3) == kUtf8Bom;
+    return ::pread(fd, head, 3, 0) == 3 && std::string_view(head, 3) == kUtf8Bom;
+}
+
+// A file opened for writing only is read through a descriptor of its own.
+bool StartsWithBom(const std::filesystem::path& file) {
+    int fd = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) return false;
+    bool bom = StartsWithBom(fd);
     ::close(fd);
     return bom;
 }
 
+// The descriptor of the file, and its path when it had to be resolved. A file that exists as
+// spelt is opened there at once (ResolvePath would give that same path); one that does not is
+// resolved and opened with the creating flags.
+int OpenDescriptor(LPCTSTR fileName, int flags, std::filesystem::path& resolved) {
+    std::filesystem::path spelled = SpelledPath(fileName);
+    if (!spelled.empty()) {
+        int fd = ::open(spelled.c_str(), flags & ~O_CREAT, 0644);
+        if (fd >= 0) {
+            resolved = spelled;
+            return fd;
+        }
+    }
+    resolved = ResolvePath(fileName);
+    return ::open(resolved.c_str(), flags, 0644);
+}
+
+// A file for writing only is opened for reading as well where that is allowed, so that its
+// byte order mark is read through the same descriptor.
+int OpenReadable(LPCTSTR fileName, int flags, std::filesystem::path& resolved, bool& readable) {
+    readable = (flags & O_ACCMODE) != O_WRONLY;
+    if (!readable) {
+        int fd = OpenDescriptor(fileName, (flags & ~O_ACCMODE) | O_RDWR, resolved);
+        if (fd >= 0 || (errno != EACCES && errno != EPERM)) {
+            readable = fd >= 0;
+            return fd;
+        }
+    }
+    return OpenDescriptor(fileName, flags, resolved);
+}
+
 }  // namespace
+
+bool FileStartsWithBom(const std::filesystem::path& file) { return StartsWithBom(file); }
+
+std::string EncodeFileText(std::wstring_view text, bool textMode, bool utf8) {
+    std::wstring translated;
+    translated.reserve(text.size());
+    for (wchar_t c : text) {
+        if (textMode && c == L'\n') translated += L'\r';
+        translated += c;
+    }
+    return utf8 ? Utf8FromWide(translated) : AnsiFromWide(translated);
+}
 
 CStdioFile::~CStdioFile() { Close(); }
 
 BOOL CStdioFile::Open(LPCTSTR fileName, UINT flags, CFileException*) {
     Close();
     if (!fileName) return FALSE;
-    std::filesystem::path file = ResolvePath(fileName);
-    int fd = ::open(file.c_str(), PosixFlags(flags), 0644);
+    std::filesystem::path file;
+    bool readable = false;
+    int fd = OpenReadable(fileName, PosixFlags(flags), file, readable);
     if (fd < 0) return FALSE;
     struct stat info {};
     if (::fstat(fd, &info) != 0 || S_ISDIR(info.st_mode)) {
         ::close(fd);
         return FALSE;
     }
-    utf8_ = StartsWithBom(file);
+    utf8_ = readable ? StartsWithBom(fd) : StartsWithBom(file);
     stream_ = ::fdopen(fd, StreamMode(flags));
     if (!stream_) {
         ::close(fd);
@@ -77,13 +125,7 @@ BOOL CStdioFile::ReadString(std::wstring& line) {
 
 void CStdioFile::WriteString(LPCTSTR text) {
     if (!stream_ || !text) return;
-    std::wstring_view source(text);
-    std::wstring translated;
-    for (wchar_t c : source) {
-        if (text_ && c == L'\n') translated += L'\r';
-        translated += c;
-    }
-    std::string bytes = utf8_ ? Utf8FromWide(translated) : AnsiFromWide(translated);
+    std::string bytes = EncodeFileText(text, text_, utf8_);
     std::fwrite(bytes.data(), 1, bytes.size(), stream_);
 }
 

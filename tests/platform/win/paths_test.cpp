@@ -25,6 +25,15 @@ TEST_F(PathResolution, ExactSpellingWinsOverACaseVariant) {
     EXPECT_EQ(ResolvePath(L"D:\\DATA\\a"), exact);
 }
 
+TEST_F(PathResolution, SpelledPathIsTheResolvedPathOfAnExactSpellingAndEmptyWhereDotsFold) {
+    auto file = WriteBytes("drives/d/MYTOOL/cad/Cg.log", "x");
+    EXPECT_EQ(SpelledPath(L"D:\\MYTOOL\\cad\\Cg.log"), file);
+    EXPECT_EQ(SpelledPath(L"D:\\MYTOOL\\cad\\Cg.log"), ResolvePath(L"D:\\MYTOOL\\cad\\Cg.log"));
+    EXPECT_EQ(SpelledPath(L"d:\\mytool\\cad\\cg.log"), prefix_ / "drives/d/mytool/cad/cg.log");
+    EXPECT_TRUE(SpelledPath(L"D:\\MYTOOL\\..\\MYTOOL\\cad\\Cg.log").empty());
+    EXPECT_TRUE(SpelledPath(L"D:\\MYTOOL\\.\\cad\\Cg.log").empty());
+}
+
 TEST_F(PathResolution, MissingComponentsKeepTheirSpellingAfterTheExistingOnes) {
     WriteBytes("drives/d/MYTOOL/keep", "");
     EXPECT_EQ(ResolvePath(L"d:\\mytool\\New\\File.TXT"), prefix_ / "drives/d/MYTOOL/New/File.TXT");

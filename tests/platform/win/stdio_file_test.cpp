@@ -1,3 +1,5 @@
+#include <filesystem>
+
 #include <gtest/gtest.h>
 
 #include "platform/win/codepage.hpp"
@@ -83,6 +85,25 @@ TEST_F(StdioFile, AppendFlagsWithSeekToEndAddToAnExistingLog) {
     file.WriteString(L"20191115\n");
     file.Close();
     EXPECT_EQ(ReadBytes(log), "old\r\n20191115\r\n");
+}
+
+TEST_F(StdioFile, CreatingOpenOfACaseVariantWritesTheExistingFileAndMakesNoSecond) {
+    auto log = WriteBytes("drives/d/MYTOOL/cad/Cg.log", "old");
+    CStdioFile file;
+    ASSERT_TRUE(file.Open(L"d:\\mytool\\CAD\\cg.log", CFile::modeCreate | CFile::modeWrite));
+    file.WriteString(L"new");
+    file.Close();
+    EXPECT_EQ(ReadBytes(log), "new");
+    EXPECT_FALSE(std::filesystem::exists(prefix_ / "drives/d/mytool"));
+}
+
+TEST_F(StdioFile, CreatingOpenOfAMissingFileMakesItAsSpelt) {
+    WriteBytes("drives/d/MYTOOL/keep", "");
+    CStdioFile file;
+    ASSERT_TRUE(file.Open(L"D:\\mytool\\New.txt", CFile::modeCreate | CFile::modeWrite));
+    file.WriteString(L"a");
+    file.Close();
+    EXPECT_EQ(ReadBytes(prefix_ / "drives/d/MYTOOL/New.txt"), "a");
 }
 
 TEST_F(StdioFile, CreateWithoutNoTruncateEmptiesTheFile) {
