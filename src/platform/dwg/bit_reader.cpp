@@ -25,25 +25,6 @@ void BitReader::setBitEnd(std::size_t bits) {
     if (bit_ > bitEnd_) failed_ = true;
 }
 
-// The bits that do not fit in one eight-byte load: near the end of the buffer, or more than 56.
-std::uint64_t BitReader::bitsOneByOne(unsigned count) {
-    std::uint64_t value = 0;
-    for (unsigned i = 0; i < count;) {
-        const std::size_t byte = bit_ >> 3;
-        const unsigned offset = bit_ & 7;
-        // Take as many bits of the current byte as are wanted.
-        const unsigned take = std::min(8 - offset, count - i);
-        const unsigned chunk = (data_[byte] >> (8 - offset - take)) & ((1u << take) - 1);
-        value = (value << take) | chunk;
-        bit_ += take;
-        i += take;
-    }
-    return value;
-}
-
-bool BitReader::B() { return bits(1) != 0; }
-std::uint8_t BitReader::BB() { return static_cast<std::uint8_t>(bits(2)); }
-
 std::uint8_t BitReader::B3() {
     std::uint8_t value = 0;
     for (int i = 0; i < 3; ++i) {
@@ -56,8 +37,6 @@ std::uint8_t BitReader::B3() {
 
 // Raw values are stored low byte first: the bits read high byte first, byte-swapped. At the
 // end of the stream the bytes that are there are still read, one by one.
-std::uint8_t BitReader::RC() { return static_cast<std::uint8_t>(bits(8)); }
-
 std::uint16_t BitReader::RS() {
     if (has(16)) return __builtin_bswap16(static_cast<std::uint16_t>(bits(16)));
     const std::uint16_t low = RC();

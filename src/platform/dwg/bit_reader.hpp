@@ -118,7 +118,6 @@ private:
         }
         return true;
     }
-    std::uint64_t bitsOneByOne(unsigned count);
 
     std::span<const std::uint8_t> data_;
     std::size_t bit_ = 0;
@@ -128,19 +127,30 @@ private:
     bool failed_ = false;
 };
 
-// Inline: the decoders read most values a few bits at a time.
+// Inline, with the readers of a few bits: the decoders read most values a few bits at a time.
 inline std::uint64_t BitReader::bits(unsigned count) {
     if (!need(count) || count == 0) return 0;
-    // Most reads take the eight bytes from the current one at once (values of up to 56 bits).
-    if (const std::size_t first = bit_ >> 3; count <= 56 && data_.size() - first >= 8) {
-        std::uint64_t word;
-        std::memcpy(&word, data_.data() + first, sizeof word);
-        if constexpr (std::endian::native == std::endian::little) word = __builtin_bswap64(word);
-        const std::uint64_t value = (word << (bit_ & 7)) >> (64 - count);
-        bit_ += count;
-        return value;
+    if (count > 56) {
+        const std::uint64_t high = bits(count - 32);
+        return (high << 32) | bits(32);
     }
-    return bitsOneByOne(count);
+    // Up to 56 bits come from one eight-byte load at the current byte. Near the end of the
+    // buffer the load takes the bytes there are: the zeros after them are never in the value.
+    const std::size_t first = bit_ >> 3;
+    std::uint64_t word = 0;
+    if (data_.size() - first >= sizeof word) {
+        std::memcpy(&word, data_.data() + first, sizeof word);
+    } else {
+        std::memcpy(&word, data_.data() + first, data_.size() - first);
+    }
+    if constexpr (std::endian::native == std::endian::little) word = __builtin_bswap64(word);
+    const std::uint64_t value = (word << (bit_ & 7)) >> (64 - count);
+    bit_ += count;
+    return value;
 }
+
+inline bool BitReader::B() { return bits(1) != 0; }
+inline std::uint8_t BitReader::BB() { return static_cast<std::uint8_t>(bits(2)); }
+inline std::uint8_t BitReader::RC() { return static_cast<std::uint8_t>(bits(8)); }
 
 }  // namespace dwg
