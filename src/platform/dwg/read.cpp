@@ -76,12 +76,12 @@ AcDb::AcDbDwgVersion DatabaseVersion(Version version) {
     return AcDb::kDHL_1018;
 }
 
-Acad::ErrorStatus ReadDwgSections(AcDbDatabase& db, const DwgSections& sections,
+namespace {
+
+// The database filled from the records the drawing was decoded into.
+Acad::ErrorStatus ReadDecodedText(AcDbDatabase& db, const std::string& text,
+                                  std::vector<KeptData>& kept, Version version,
                                   const std::string& name) {
-    std::string text;
-    std::vector<KeptData> kept;
-    MapError error;
-    if (!DwgToDxfText(sections, text, kept, error)) return Fail(db, name, error.offset, error.reason);
     const Acad::ErrorStatus status = dxf::ReadDxfBytes(db, text, name);
     if (status != Acad::eOk) {
         // The records are made here: a refusal is a fault of this reader, said as such.
@@ -90,11 +90,22 @@ Acad::ErrorStatus ReadDwgSections(AcDbDatabase& db, const DwgSections& sections,
         db.setLastError(WideFromUtf8(name) + L": offset 0: the decoded drawing was refused: " + why);
         return Acad::eDwgNeedsRecovery;
     }
-    KeepFileVersion(db, sections.version);
+    KeepFileVersion(db, version);
     KeepWhole(db, kept);
     KeepFiledObjects(db, sections);
     db.setLastError(L"");
     return Acad::eOk;
+}
+
+}  // namespace
+
+Acad::ErrorStatus ReadDwgSections(AcDbDatabase& db, const DwgSections& sections,
+                                  const std::string& name) {
+    std::string text;
+    std::vector<KeptData> kept;
+    MapError error;
+    if (!DwgToDxfText(sections, text, kept, error)) return Fail(db, name, error.offset, error.reason);
+    return ReadDecodedText(db, text, kept, sections.version, name);
 }
 
 Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::span<const std::uint8_t> file,
@@ -105,10 +116,19 @@ Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::span<const std::uint8_t> f
                                      std::string(file.begin(), file.begin() + std::min<std::size_t>(6, file.size())) +
                                      "\")");
     }
-    DwgContainer container;
-    MapError error;
-    if (!ReadDwgContainer(file, container, error)) return Fail(db, name, error.offset, error.reason);
-    return ReadDwgSections(db, SectionsOf(container, file), name);
+    std::string text;
+    std::vector<KeptData> kept;
+    {
+        // The decompressed sections are let go before the database fills: they are as large
+        // as the file again.
+        DwgContainer container;
+        MapError error;
+        if (!ReadDwgContainer(file, container, error) ||
+            !DwgToDxfText(SectionsOf(container, file), text, kept, error)) {
+            return Fail(db, name, error.offset, error.reason);
+        }
+    }
+    return ReadDecodedText(db, text, kept, version, name);
 }
 
 }  // namespace dwg
