@@ -72,7 +72,7 @@ TEST(InsertAnonymous, an_erased_block_frees_its_number) {
     EXPECT_TRUE(Has(target, L"*U3"));
 }
 
-TEST(InsertAnonymous, inserted_block_brings_its_entities_closed) {
+TEST(InsertAnonymous, inserted_block_owns_its_entities_closed) {
     AcDbDatabase source;
     MakeSource(source);
     AcDbDatabase target;
@@ -86,6 +86,7 @@ TEST(InsertAnonymous, inserted_block_brings_its_entities_closed) {
     AcDbLine* line = nullptr;
     ASSERT_EQ(acdbOpenObject(line, ids[0], AcDb::kForWrite), Acad::eOk);
     EXPECT_EQ(line->endPoint(), AcGePoint3d(1, 1, 0));
+    EXPECT_EQ(line->ownerId(), target.blockId(L"*U2"));
     line->close();
 }
 
