@@ -30,14 +30,6 @@ bool EndsWith(const std::string& path, const char* extension) {
     return ext == extension;
 }
 
-// Says what a DWG save had to leave out, one line per record type.
-void ReportLeftOut(const std::string& out, const dwg::DwgWriteReport& report) {
-    for (const auto& [type, count] : report.leftOut) {
-        std::fprintf(stderr, "tavrik convert: %s: %d %s record(s) not written (no DWG encoder)\n",
-                     out.c_str(), count, type.c_str());
-    }
-}
-
 // Says what a DXF save had to leave out: objects read from DWG of kinds that are not decoded.
 void ReportLeftOutOfDxf(const AcDbDatabase& db, const std::string& out) {
     for (const auto& [type, count] : dxf::LeftOutOfDxf(db)) {
@@ -74,7 +66,7 @@ int RunConvert(int argc, char** argv) {
         }
     }
     if (in.empty() || out.empty()) return Usage();
-    const bool dwgTarget = EndsWith(out, ".dwg");
+    const bool dwgTarget = dwg::NamesDwgFile(out);
     if (!EndsWith(out, ".dxf") && !dwgTarget) {
         std::fprintf(stderr, "tavrik convert: %s: only .dxf and .dwg targets can be written\n", out.c_str());
         return kExitFailure;
@@ -92,7 +84,7 @@ int RunConvert(int argc, char** argv) {
     dwg::DwgWriteReport report;
     es = dwgTarget ? dwg::WriteDwgFile(db, out, options.codePage, report)
                    : dxf::WriteDxfFile(db, out, options);
-    ReportLeftOut(out, report);
+    dwg::PrintLeftOut("tavrik convert", out, report);
     if (es != Acad::eOk) {
         std::fprintf(stderr, "tavrik convert: %s (status %d)\n", dxf::Utf8(db.lastError()).c_str(), es);
         return kExitFailure;

@@ -30,6 +30,7 @@ from ezdxf import recover
 import check_curves
 import check_rules
 import check_sheets
+import dimension_rules
 
 HAND_OFF = pathlib.Path("drives/c/Users/cad/AppData/Local/Convert")
 LOGS = pathlib.Path("drives/d/Mytool/cad")
@@ -135,6 +136,7 @@ class Standard:
 
     def __init__(self, workshop):
         cad = next(pathlib.Path(workshop).glob("drives/d/CZTools/config/*/CAD"))
+        self.path = cad / "CAD_standard.ini"
         standard = read_setting_lines(cad / "CAD_standard.ini", ["[LAYER]", "[DIMSTYLE]", "[SUNDRY]", "[SCRSET]"])
         layerug = read_setting_lines(cad / "CAD_layerug.ini", ["[SPECIAL]", "[CONVERT]", "[FILLAY]"])
         self.layers = dict(standard["[LAYER]"])
@@ -351,6 +353,7 @@ def main():
         expected_texts = export_texts(exports)
         expected_curves = check_curves.exported_curves(exports, settings, CONSTRUCTION)
         export_spaces = [ezdxf.readfile(p).modelspace() for p in exports]
+        expected_views = dimension_rules.expected_views(exports, standard.path)
 
         status, out, err = run_host(tavrik, prefix)
         check(status == 0, "first run: status %s, stderr: %s" % (status, err))
@@ -367,7 +370,7 @@ def main():
             missing = expected_geometry - merged_geometry
             check(not missing, "geometry of the sheets missing in the merged drawing: %s" % list(missing)[:5])
             check_sheets.check_frames(doc, check)
-            check_sheets.check_dimensions(doc, check)
+            check_sheets.check_dimensions(doc, expected_views, check)
             check_sheets.check_texts_apart(doc, check)
             check_sheets.check_readers(merged, scratch, check)
             check_cleanups(doc, settings)

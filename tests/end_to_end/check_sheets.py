@@ -18,11 +18,12 @@ TITLES = [
      "设计": "张伟", "日期": "2023-05-18", "页次": "3/3", "审核": "李强", "单位": "精工模具有限公司"},
 ]
 TAGS = set(TITLES[0])
-# Views without circles get their outline: the size of the part (view box = outline).
-OUTLINE_SIZES = sorted([45.0, 30.0, 30.0, 20.0, 20.0])
-# The main view of sheet 1 is measured from its datum marker (plate centre).
-DATUM = (250.0, 250.0)
-RED_DEC, RED_TP, RED_TM = 3, 0.015, 0.0
+# Dimensions per view, in batch order (sheet 1: front, left, top; sheet 2; sheet 3), as worked out
+# by hand from the generated part: sheet 1's main view 17 x and 16 y ordinates from its datum,
+# its left view 4 + 4 from the lower-right corner, its top view the height; sheet 2's main view
+# has more circles than CIRCOUNT and gets its four corner ordinates, its left and top views
+# their outline; sheet 3's main view 5 + 4 ordinates, its other views their outline.
+VIEW_COUNTS = [33, 8, 1, 4, 1, 1, 9, 1, 1]
 
 
 def near(a, b, tol=1e-6):
@@ -70,43 +71,78 @@ def check_frames(doc, check):
     check(left == ["审核:王强"], "KEY:VALUE texts left in the drawing: %s" % left)
 
 
-def ordinate(dim):
-    return {"x": bool(dim.dxf.dimtype & 64), "origin": tuple(dim.dxf.defpoint)[:2],
-            "at": tuple(dim.dxf.defpoint2)[:2], "leader": tuple(dim.dxf.defpoint3)[:2],
-            "measured": dim.dxf.actual_measurement, "style": dim.override().dimstyle_attribs}
+def actual(dim):
+    """A dimension of the merged drawing in the form dimension_rules gives the expected ones."""
+    style = dim.override().dimstyle_attribs
+    found = {"measured": dim.dxf.actual_measurement, "dimdec": style.get("dimdec"),
+             "tol": (style.get("dimtol"), style.get("dimtp"), style.get("dimtm")), "dimscale": style.get("dimscale")}
+    if dim.dxf.dimtype & 7 == 6:
+        found.update(kind="x" if dim.dxf.dimtype & 64 else "y", origin=tuple(dim.dxf.defpoint)[:2],
+                     at=tuple(dim.dxf.defpoint2)[:2], leader=tuple(dim.dxf.defpoint3)[:2])
+    else:
+        found.update(kind="rotated", xline1=tuple(dim.dxf.defpoint2)[:2], xline2=tuple(dim.dxf.defpoint3)[:2],
+                     dimline=tuple(dim.dxf.defpoint)[:2], angle=dim.dxf.get("angle", 0.0))
+    return found
 
 
-def check_dimensions(doc, check):
+def comparable(dim):
+    """A dimension as a sorted, rounded tuple; an expected tolerance (DIMTP, DIMTM) is DIMTOL on
+    with both values, no tolerance leaves all three unset."""
+    tol = dim["tol"]
+    if tol is None:
+        tol = (None, None, None)
+    elif len(tol) == 2:
+        tol = (1,) + tol
+    values = []
+    for key in sorted(k for k in dim if k != "tol"):
+        value = dim[key]
+        if isinstance(value, tuple):
+            value = tuple(round(v, 6) + 0.0 for v in value)
+        elif isinstance(value, float):
+            value = round(value, 6) + 0.0
+        values.append((key, value))
+    values.append(("tol", tuple(None if v is None else round(v, 6) + 0.0 for v in tol)))
+    return tuple(values)
+
+
+def view_of(dim, views):
+    """The view whose rectangle holds the dimensioned point (an ordinate's feature, an outline's
+    first extension line origin)."""
+    point = dim["at"] if dim["kind"] != "rotated" else dim["xline1"]
+    for i, (_, _, _, ((x0, y0), (x1, y1)), _) in enumerate(views):
+        if x0 <= point[0] <= x1 and y0 <= point[1] <= y1:
+            return i
+    return None
+
+
+def check_dimensions(doc, views, check):
+    """Each view carries exactly the dimensions the rules decide (dimension_rules.expected_views):
+    count, kind, origin, feature, leader end or dimension line, measured value, DIMDEC, the
+    tolerance class's DIMTOL/DIMTP/DIMTM and DIMSCALE; no dimension stands outside the views
+    but the exporter's own."""
+    counts = [len(v[4]) for v in views]
+    check(counts == VIEW_COUNTS, "the rules give %s dimensions per view, the workshop %s" % (counts, VIEW_COUNTS))
     msp = doc.modelspace()
     dims = list(msp.query("DIMENSION"))
-    rotated = [d for d in dims if d.dxf.dimtype & 7 == 0]
-    ordinates = [ordinate(d) for d in dims if d.dxf.dimtype & 7 == 6]
-    sizes = sorted(round(d.dxf.actual_measurement, 6) for d in rotated)
-    check(sizes == OUTLINE_SIZES, "outline dimensions measure %s, expected %s" % (sizes, OUTLINE_SIZES))
-    for o in ordinates:
-        axis = 0 if o["x"] else 1
-        expected = abs(o["at"][axis] - o["origin"][axis])
-        check(abs(o["measured"] - expected) < 1e-9, "ordinate %s measures %s" % (o, o["measured"]))
-    # The export's own dimensions (a radius) keep the picture the exporter gave them.
-    for dim in dims:
-        if dim.dxf.dimtype & 7 in (0, 6):
-            check_picture(doc, dim, check)
-    # Sheet 1, main view: every ordinate from the datum marker; red holes in the red class.
-    main = [o for o in ordinates if 100.0 <= o["at"][0] <= 400.0 and 150.0 <= o["at"][1] <= 350.0]
-    check(len(main) > 10, "sheet 1 main view has %d ordinates" % len(main))
-    check(all(near(o["origin"], DATUM) for o in main), "sheet 1 ordinates not all from the datum")
-    red = [(130.0, 180.0), (130.0, 320.0), (370.0, 320.0), (160.0, 250.0), (340.0, 250.0)]
-    red_ordinates = [o for o in main if any(near(o["at"], r) for r in red)]
-    check(len(red_ordinates) >= 4, "red holes with ordinates: %d" % len(red_ordinates))
-    for o in red_ordinates:
-        s = o["style"]
-        check(s.get("dimdec") == RED_DEC and s.get("dimtol") == 1 and abs(s.get("dimtp", -1) - RED_TP) < 1e-9
-              and abs(s.get("dimtm", -1) - RED_TM) < 1e-9, "red hole ordinate class: %s" % s)
-    # Sheet 2, main view: too many holes, its corners only, as ordinates of the corner class.
-    core = [o for o in ordinates if 1000.0 <= o["at"][0] <= 1600.0]
-    corners = sorted((o["x"], round(o["measured"], 6)) for o in core)
-    check(corners == [(False, 0.0), (False, 70.0), (True, 0.0), (True, 100.0)],
-          "sheet 2 main view ordinates: %s" % corners)
+    made = [d for d in dims if d.dxf.dimtype & 7 in (0, 6)]
+    found = [[] for _ in views]
+    for dim in made:
+        record = actual(dim)
+        i = view_of(record, views)
+        check(i is not None, "dimension outside every view: %s" % record)
+        if i is not None:
+            found[i].append(comparable(record))
+    for (name, _, layer, box, expected), got in zip(views, found):
+        want = sorted(comparable(d) for d in expected)
+        got = sorted(got)
+        where = "%s view %s at %s" % (name, layer, box)
+        check(len(got) == len(want), "%s: %d dimensions, expected %d" % (where, len(got), len(want)))
+        missing = [d for d in want if d not in got]
+        extra = [d for d in got if d not in want]
+        check(not missing and not extra, "%s: missing %s; unexpected %s" % (where, missing[:3], extra[:3]))
+    # The pictures: the export's own dimensions (a radius) keep the exporter's.
+    for dim in made:
+        check_picture(doc, dim, check)
 
 
 def shown_number(text):

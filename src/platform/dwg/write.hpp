@@ -27,4 +27,15 @@ Acad::ErrorStatus WriteDwgBytes(AcDbDatabase& db, int codePage, std::vector<std:
 Acad::ErrorStatus WriteDwgFile(AcDbDatabase& db, const std::string& path, int codePage,
                                DwgWriteReport& report);
 
+// Whether a target name asks for DWG: it ends in ".dwg", in any case.
+bool NamesDwgFile(const std::string& path);
+
+// Writes AC1018 DWG when the name ends in ".dwg" and DXF otherwise (the DXF writer's options
+// but the code page at their defaults), atomically either way. The report is filled for DWG.
+Acad::ErrorStatus SaveDrawingFile(AcDbDatabase& db, const std::string& path, int codePage,
+                                  DwgWriteReport& report);
+
+// Says on standard error what a DWG save left out, a line per record type, after "who: path: ".
+void PrintLeftOut(const char* who, const std::string& path, const DwgWriteReport& report);
+
 }  // namespace dwg

@@ -234,24 +234,35 @@ void IndexNames(const SourceDrawing& source, WriteContext& c) {
 
 namespace {
 
-void NoteLayer(std::string_view name, WriteContext& c, std::vector<std::string>& missing) {
-    const std::string key = NameKey(name.empty() ? "0" : name);
-    if (c.layers.count(key) != 0) return;
-    c.layers[key] = c.nextHandle++;
+// Notes a name that a record gives in `code` and the table lacks, with a new handle for it.
+void NoteName(const SourceRecord& r, int code, std::unordered_map<std::string, std::uint64_t>& table,
+              WriteContext& c, std::vector<std::string>& missing) {
+    std::string_view name = r.text(code);
+    if (code == 8 && name.empty()) name = "0";
+    const std::string key = NameKey(name);
+    if (key.empty() || key == "BYLAYER" || key == "BYBLOCK" || table.count(key) != 0) return;
+    table[key] = c.nextHandle++;
     missing.emplace_back(name);
 }
 
-// Layers that entities name and the table lacks (a DXF may leave them out) are made, as the
-// format's readers make them: a DWG entity refers to its layer by handle.
+// Layers (code 8) and linetypes (code 6) that entities name and the table lacks (a DXF may
+// leave them out) are made, as the format's readers make them: a DWG entity refers to them by
+// handle. The names in the order the entities give them.
+std::vector<std::string> MissingNames(const SourceDrawing& source, int code,
+                                      std::unordered_map<std::string, std::uint64_t>& table,
+                                      WriteContext& c) {
+    std::vector<std::string> missing;
+    for (const SourceRecord& r : source.entities) NoteName(r, code, table, c, missing);
+    for (const SourceBlock& block : source.blocks) {
+        for (const SourceRecord& r : block.entities) NoteName(r, code, table, c, missing);
+    }
+    return missing;
+}
+
 std::vector<LayerRecord> MissingLayers(const SourceDrawing& source, std::uint64_t control,
                                        WriteContext& c) {
-    std::vector<std::string> missing;
-    for (const SourceRecord& r : source.entities) NoteLayer(r.text(8), c, missing);
-    for (const SourceBlock& block : source.blocks) {
-        for (const SourceRecord& r : block.entities) NoteLayer(r.text(8), c, missing);
-    }
     std::vector<LayerRecord> out;
-    for (const std::string& name : missing) {
+    for (const std::string& name : MissingNames(source, 8, c.layers, c)) {
         LayerRecord layer;
         layer.entry.common.handle = c.layers[NameKey(name)];
         layer.entry.common.owner = control;
@@ -260,6 +271,20 @@ std::vector<LayerRecord> MissingLayers(const SourceDrawing& source, std::uint64_
         layer.color.rgb = 0xC3000007u;
         layer.linetype = WriteContext::find(c.linetypes, "CONTINUOUS");
         out.push_back(std::move(layer));
+    }
+    return out;
+}
+
+// A linetype made for a name alone has no dashes: it draws as a continuous line.
+std::vector<SymbolRecord> MissingLinetypes(const SourceDrawing& source, std::uint64_t control,
+                                           WriteContext& c) {
+    std::vector<SymbolRecord> out;
+    for (const std::string& name : MissingNames(source, 6, c.linetypes, c)) {
+        SymbolRecord linetype;
+        linetype.entry.common.handle = c.linetypes[NameKey(name)];
+        linetype.entry.common.owner = control;
+        linetype.entry.name = name;
+        out.push_back(std::move(linetype));
     }
     return out;
 }
@@ -305,6 +330,12 @@ void WriteTables(const SourceDrawing& source, WriteContext& c, HeaderHandles& ha
             for (const LayerRecord& layer : MissingLayers(source, control.common.handle, c)) {
                 c.add(layer.entry.common.handle, EncodeLayer(layer, c.options));
                 control.entries.push_back(layer.entry.common.handle);
+            }
+        }
+        if (table.name == "LTYPE") {
+            for (const SymbolRecord& linetype : MissingLinetypes(source, control.common.handle, c)) {
+                c.add(linetype.entry.common.handle, EncodeSymbolRecord(linetype, kLinetype, c.options));
+                control.entries.push_back(linetype.entry.common.handle);
             }
         }
         c.add(control.common.handle, EncodeControl(control, c.options));

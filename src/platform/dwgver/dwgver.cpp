@@ -1,11 +1,10 @@
 // The version conversion library that the module loads by its fixed path. It writes a copy of a
-// drawing in the version asked for, through our DXF codec: version 8 (and any other) gives the
-// 2004 format (AC1018) that the module saves in. A DWG source is refused by the reader with a
-// message naming the file.
+// drawing in the version asked for: version 8 (and any other) gives the 2004 format (AC1018)
+// that the module saves in, as DWG when the target's name ends in ".dwg" and as DXF otherwise.
 #include <cstdio>
 
 #include "platform/db/database.hpp"
-#include "platform/dxf/dxf.hpp"
+#include "platform/dwg/write.hpp"
 #include "platform/win/codepage.hpp"
 #include "platform/win/paths.hpp"
 
@@ -20,7 +19,10 @@ extern "C" int toVersion(const wchar_t* source, int flags, const wchar_t* target
         std::fprintf(stderr, "dwgver: %s\n", Utf8FromWide(drawing.lastError()).c_str());
         return es;
     }
-    dxf::WriteOptions options;
-    options.codePage = static_cast<int>(HostCodePage());
-    return dxf::WriteDxfFile(drawing, ResolvePath(target).string(), options);
+    const std::string path = ResolvePath(target).string();
+    dwg::DwgWriteReport report;
+    es = dwg::SaveDrawingFile(drawing, path, static_cast<int>(HostCodePage()), report);
+    dwg::PrintLeftOut("dwgver", path, report);
+    if (es != Acad::eOk) std::fprintf(stderr, "dwgver: %s\n", Utf8FromWide(drawing.lastError()).c_str());
+    return es;
 }

@@ -57,6 +57,8 @@ Acad::ErrorStatus WriteDxfFile(AcDbDatabase& db, const std::string& path,
 // the host program's run report watches the batch's saves through it. None by default.
 using DrawingSavedObserver = void (*)(AcDbDatabase& db, const std::string& path);
 void SetDrawingSavedObserver(DrawingSavedObserver observer);
+// Calls the observer, if one is set.
+void NotifyDrawingSaved(AcDbDatabase& db, const std::string& path);
 
 // The version's $ACADVER name ("AC1018") and back.
 std::string VersionName(AcDb::AcDbDwgVersion version);

@@ -91,6 +91,9 @@ void StrokePath(Canvas& canvas, const BlockContext& context, const Pen& pen,
                 const std::vector<AcGePoint3d>& points, bool closed);
 void FillPath(Canvas& canvas, const BlockContext& context, const Rgb& color,
               const std::vector<std::vector<AcGePoint3d>>& loops);
+// The outline of the band that a polyline segment with widths covers, around its sampled centre
+// line; empty for fewer than two distinct points.
+std::vector<AcGePoint3d> BandOutline(const std::vector<AcGePoint3d>& centre, double startWidth, double endWidth);
 
 // Entities: every kind the renderer knows, block contents recursively.
 void DrawBlockContents(Canvas& canvas, const AcDbObjectId& blockId, const BlockContext& context);

@@ -77,24 +77,6 @@ std::vector<AcGePoint3d> SamplePolyline(const AcDbPolyline& polyline, int arcSam
     return points;
 }
 
-// One segment of a polyline with widths, as the band it covers: the width runs from the
-// segment's start width to its end width, across the direction of travel.
-std::vector<AcGePoint3d> WideSegmentOutline(const std::vector<AcGePoint3d>& centre, double startWidth,
-                                            double endWidth) {
-    std::vector<AcGePoint3d> left, right;
-    size_t n = centre.size();
-    for (size_t k = 0; k < n; ++k) {
-        AcGeVector3d along = centre[std::min(k + 1, n - 1)] - centre[k > 0 ? k - 1 : 0];
-        if (along.length() < 1e-12) continue;
-        AcGeVector3d across = AcGeVector3d(-along.y, along.x, 0.0) / along.length();
-        double half = (startWidth + (endWidth - startWidth) * k / (n - 1)) / 2;
-        left.push_back(centre[k] + across * half);
-        right.push_back(centre[k] - across * half);
-    }
-    left.insert(left.end(), right.rbegin(), right.rend());
-    return left;
-}
-
 // A polyline with widths: each segment filled as its band (a segment of no width is stroked).
 void DrawWidePolyline(Canvas& canvas, const AcDbPolyline& polyline, const BlockContext& context,
                       const Pen& pen, int arcSamples) {
@@ -104,7 +86,7 @@ void DrawWidePolyline(Canvas& canvas, const AcDbPolyline& polyline, const BlockC
         std::vector<AcGePoint3d> points;
         SampleSegment(path, i, arcSamples, points);
         if (vertex.startWidth == 0.0 && vertex.endWidth == 0.0) StrokePath(canvas, context, pen, points, false);
-        else FillPath(canvas, context, pen.color, {WideSegmentOutline(points, vertex.startWidth, vertex.endWidth)});
+        else FillPath(canvas, context, pen.color, {BandOutline(points, vertex.startWidth, vertex.endWidth)});
     }
 }
 
@@ -184,6 +166,26 @@ void DrawDimension(Canvas& canvas, const AcDbDimension& dimension, const BlockCo
 }
 
 }  // namespace
+
+// The band a polyline segment with widths covers: the width runs from startWidth at the first
+// centre point to endWidth at the last, across the direction of travel there (from the point
+// before to the point after; a point whose neighbours coincide has no direction and is left
+// out). Left edge forward, then right edge back.
+std::vector<AcGePoint3d> BandOutline(const std::vector<AcGePoint3d>& centre, double startWidth, double endWidth) {
+    if (centre.empty()) return {};
+    std::vector<AcGePoint3d> left, right;
+    size_t last = centre.size() - 1;
+    for (size_t k = 0; k <= last; ++k) {
+        AcGeVector3d along = centre[std::min(k + 1, last)] - centre[k > 0 ? k - 1 : 0];
+        if (along.length() < 1e-12) continue;
+        AcGeVector3d across = AcGeVector3d(-along.y, along.x, 0.0) / along.length();
+        double half = (startWidth + (endWidth - startWidth) * k / last) / 2;
+        left.push_back(centre[k] + across * half);
+        right.push_back(centre[k] - across * half);
+    }
+    left.insert(left.end(), right.rbegin(), right.rend());
+    return left;
+}
 
 void DrawEntity(Canvas& canvas, const AcDbEntity& entity, const BlockContext& context) {
     if (entity.visibility() != AcDb::kVisible) return;

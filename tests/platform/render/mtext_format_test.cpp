@@ -67,6 +67,27 @@ TEST(MTextFormat, font_code_gives_bold_and_italic_and_the_shx_code_nothing) {
     EXPECT_EQ(look[1].text, L"bc");
 }
 
+struct FontFlagsCase {
+    const wchar_t* contents;
+    bool bold, italic;
+};
+
+TEST(MTextFormat, font_flags_are_read_from_every_field_after_any_family_name) {
+    const FontFlagsCase cases[] = {
+        {L"\\f|b1;a", true, false},           // no family name: the first field starts the value
+        {L"\\fX|i1|b1;a", true, true},         // a one-letter family; the flag in the last field
+        {L"\\fArial||b1|i1;a", true, true},    // an empty field before the flags
+        {L"\\fArial|b;a", false, false},       // a flag without its digit is off
+        {L"\\fArial|b1|i;a", true, false},
+    };
+    for (const FontFlagsCase& c : cases) {
+        auto runs = ParseMText(c.contents, 2.5)[0];
+        ASSERT_EQ(runs.size(), 1u) << c.contents;
+        EXPECT_EQ(runs[0].look.bold, c.bold) << c.contents;
+        EXPECT_EQ(runs[0].look.italic, c.italic) << c.contents;
+    }
+}
+
 TEST(MTextFormat, line_switches_turn_on_and_off) {
     auto runs = ParseMText(L"\\L\\O\\Ka\\l\\o\\kb", 2.5)[0];
     ASSERT_EQ(runs.size(), 2u);

@@ -1,0 +1,132 @@
+// Saving through the host's entry points: the target's extension chooses the format (AC1018
+// DWG for ".dwg" in any case, DXF otherwise), the save is atomic, and what the DWG holds reads
+// back.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "platform/dxf/support.hpp"
+#include "platform/db/block_table_record.hpp"
+#include "platform/db/database.hpp"
+#include "platform/db/line.hpp"
+#include "platform/db/symbol_tables.hpp"
+#include "platform/dwg/write.hpp"
+#include "platform/dxf/model.hpp"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// A drawing of one line on layer PART in linetype HIDDEN, which no table record defines.
+void DrawLine(AcDbDatabase& db) {
+    AcDbBlockTable* blocks = nullptr;
+    db.getSymbolTable(blocks, AcDb::kForRead);
+    AcDbBlockTableRecord* model = nullptr;
+    blocks->getAt(ACDB_MODEL_SPACE, model, AcDb::kForWrite);
+    blocks->close();
+    auto* line = new AcDbLine(AcGePoint3d(1, 2, 0), AcGePoint3d(30, 40, 0));
+    line->setDatabaseDefaults(&db);
+    line->setLayer(L"PART");
+    line->setLinetypeName(L"HIDDEN");
+    model->appendAcDbEntity(line);
+    line->close();
+    model->close();
+}
+
+std::string FirstBytes(const fs::path& path, std::size_t count) {
+    std::ifstream in(path, std::ios::binary);
+    std::string head(count, '\0');
+    in.read(head.data(), static_cast<std::streamsize>(count));
+    head.resize(static_cast<std::size_t>(in.gcount()));
+    return head;
+}
+
+// The lines of the model space of a drawing read from `path`, as "layer linetype x0,y0-x1,y1".
+std::vector<std::string> LinesOf(const fs::path& path) {
+    AcDbDatabase db(false, true);
+    EXPECT_EQ(db.readDwgFile(path.wstring().c_str()), Acad::eOk);
+    AcDbBlockTable* blocks = nullptr;
+    db.getSymbolTable(blocks, AcDb::kForRead);
+    AcDbBlockTableRecord* model = nullptr;
+    blocks->getAt(ACDB_MODEL_SPACE, model, AcDb::kForRead);
+    blocks->close();
+    std::vector<std::string> out;
+    AcDbBlockTableRecordIterator* it = nullptr;
+    model->newIterator(it);
+    for (; !it->done(); it->step()) {
+        AcDbEntity* entity = nullptr;
+        it->getEntity(entity, AcDb::kForRead);
+        if (auto* line = AcDbLine::cast(entity)) {
+            out.push_back(dxf::Utf8(line->layer()) + " " + dxf::Utf8(line->linetype()) + " " +
+                          std::to_string(line->startPoint().x) + "," + std::to_string(line->startPoint().y) + "-" +
+                          std::to_string(line->endPoint().x) + "," + std::to_string(line->endPoint().y));
+        }
+        entity->close();
+    }
+    delete it;
+    model->close();
+    return out;
+}
+
+const std::vector<std::string> kExpectedLines = {"PART HIDDEN 1.000000,2.000000-30.000000,40.000000"};
+
+struct SaveCase {
+    const char* name;
+    const char* head;  // the first bytes of the file written
+};
+
+class SaveByName : public ::testing::TestWithParam<SaveCase> {};
+
+TEST_P(SaveByName, extension_chooses_the_format_and_the_drawing_reads_back) {
+    const fs::path dir = dxftest::TempDir("save_by_name");
+    const fs::path target = dir / GetParam().name;
+    {
+        AcDbDatabase db(true, false);
+        DrawLine(db);
+        ASSERT_EQ(db.saveAs(target.wstring().c_str()), Acad::eOk);
+        EXPECT_EQ(db.filename(), target.wstring());
+    }
+    EXPECT_EQ(FirstBytes(target, 6), GetParam().head);
+    EXPECT_EQ(LinesOf(target), kExpectedLines);
+    fs::remove_all(dir);
+}
+
+INSTANTIATE_TEST_SUITE_P(Names, SaveByName,
+                         ::testing::Values(SaveCase{"plate.dwg", "AC1018"}, SaveCase{"PLATE.DWG", "AC1018"},
+                                           SaveCase{"plate.Dwg", "AC1018"}, SaveCase{"plate.dxf", "  0\nSE"},
+                                           SaveCase{"plate.dwg.dxf", "  0\nSE"},
+                                           SaveCase{"plate_dwg", "  0\nSE"}));
+
+TEST(SaveAs2004, dwg_name_writes_ac1018_over_the_file_it_replaces_and_leaves_no_temporary) {
+    const fs::path dir = dxftest::TempDir("save_2004");
+    const fs::path target = dir / "export.dwg";
+    std::ofstream(target) << "  0\nSECTION\n  2\nENTITIES\n  0\nENDSEC\n  0\nEOF\n";
+    AcDbDatabase db(true, false);
+    DrawLine(db);
+    ASSERT_EQ(acdbSaveAs2004(&db, target.wstring().c_str()), Acad::eOk);
+    EXPECT_EQ(FirstBytes(target, 6), "AC1018");
+    EXPECT_EQ(LinesOf(target), kExpectedLines);
+    int files = 0;
+    for (const auto& entry : fs::directory_iterator(dir)) files += entry.path().filename() == "export.dwg" ? 1 : 100;
+    EXPECT_EQ(files, 1);
+    fs::remove_all(dir);
+}
+
+TEST(SaveAs2004, dwg_save_into_a_missing_folder_fails_and_names_the_file) {
+    const fs::path dir = dxftest::TempDir("save_missing");
+    const fs::path target = dir / "no_such_folder" / "export.dwg";
+    AcDbDatabase db(true, false);
+    DrawLine(db);
+    EXPECT_EQ(acdbSaveAs2004(&db, target.wstring().c_str()), Acad::eFileAccessErr);
+    EXPECT_NE(db.lastError().find(L"export.dwg"), std::wstring::npos);
+    EXPECT_FALSE(fs::exists(target));
+    fs::remove_all(dir);
+}
+
+TEST(SaveAs2004, null_database_is_refused) {
+    EXPECT_EQ(acdbSaveAs2004(nullptr, L"x.dwg"), Acad::eNullObjectPointer);
+}
+
+}  // namespace
