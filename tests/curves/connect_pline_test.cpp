@@ -278,4 +278,13 @@ TEST_F(ConnectPline, polyline_of_a_fork_that_no_piece_joined_stays_and_used_piec
     EXPECT_EQ(LiveIds().length(), 2);
 }
 
+TEST_F(ConnectPline, polyline_with_ends_exactly_the_tolerance_apart_is_open_and_joins) {
+    AcDbObjectId open = Red(AddPolyline({0, 0, 10, 0, 10, 10, 0, 0.5}, false));
+    AcDbObjectId touching = Red(AddLine(0, 0, -10, 0));
+    Run(L"255 0 0;", L"0.5");
+    EXPECT_TRUE(IsGone(open));
+    EXPECT_TRUE(IsGone(touching));
+    EXPECT_EQ(Polylines().size(), 1u);
+}
+
 }  // namespace
