@@ -287,4 +287,25 @@ TEST_F(ConnectPline, polyline_with_ends_exactly_the_tolerance_apart_is_open_and_
     EXPECT_EQ(Polylines().size(), 1u);
 }
 
+TEST_F(ConnectPline, erased_curve_gives_no_ends_and_joins_no_cluster) {
+    AcDbObjectId first = AddLine(0, 0, 10, 0);
+    AcDbObjectId erased = AddLine(10, 0, 20, 0);
+    Change(erased, [](AcDbEntity* e) { e->erase(); });
+    AcArray<AcDbObjectIdArray> clusters = ClusterCurvesByEnds(AcDbObjectIdArray{first, erased}, 0.05);
+    ASSERT_EQ(clusters.length(), 1);
+    EXPECT_EQ(clusters[0], AcDbObjectIdArray{first});
+}
+
+TEST_F(ConnectPline, entity_that_is_no_curve_is_passed_over_and_left_closed) {
+    AcDbObjectId line = AddLine(0, 0, 10, 0);
+    AcDbObjectId text = AddToDrawing(new AcDbText(AcGePoint3d(10, 0, 0), L"T"));
+    AcDbObjectIdArray used;
+    AcDbObjectId polyline = JoinChain(AcDbObjectIdArray{line, text}, AcDbObjectId(), used, 0.05);
+    ASSERT_FALSE(polyline.isNull());
+    EXPECT_EQ(used, AcDbObjectIdArray{line});
+    AcDbEntity* entity = nullptr;
+    ASSERT_EQ(acdbOpenAcDbEntity(entity, text, AcDb::kForWrite), Acad::eOk);
+    entity->close();
+}
+
 }  // namespace
