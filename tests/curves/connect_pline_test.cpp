@@ -162,6 +162,8 @@ TEST_F(ConnectPline, switch_off_in_the_section_runs_all_the_same) {
     Red(AddLine(10, 0, 10, 10));
     Run(L"255 0 0;", L"0.05", L"0");
     EXPECT_EQ(Polylines().size(), 1u);
+    // The settings keep the switch forced on.
+    EXPECT_TRUE(CleanupGlobals->connectPline->BolOpen);
 }
 
 TEST_F(ConnectPline, tolerance_0_joins_nothing) {
