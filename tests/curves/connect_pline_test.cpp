@@ -310,4 +310,13 @@ TEST_F(ConnectPline, entity_that_is_no_curve_is_passed_over_and_left_closed) {
     entity->close();
 }
 
+TEST_F(ConnectPline, erased_start_piece_does_not_open_and_gives_no_polyline) {
+    AcDbObjectId start = AddLine(100, 0, 110, 0);
+    AcDbObjectId next = AddLine(110, 0, 120, 0);
+    Change(start, [](AcDbEntity* e) { e->erase(); });
+    AcDbObjectIdArray used;
+    EXPECT_TRUE(JoinChain(AcDbObjectIdArray{start, next}, start, used, 0.05).isNull());
+    EXPECT_FALSE(IsGone(next));
+}
+
 }  // namespace
