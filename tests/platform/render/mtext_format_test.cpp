@@ -102,6 +102,14 @@ struct StackCase {
     const wchar_t* lower;
 };
 
+TEST(MTextFormat, backslash_that_ends_the_contents_inside_a_stack_is_kept_as_itself) {
+    auto runs = ParseMText(L"\\S1^2\\", 2.5)[0];
+    ASSERT_EQ(runs.size(), 1u);
+    EXPECT_EQ(runs[0].stack, StackKind::kTolerance);
+    EXPECT_EQ(runs[0].upper, L"1");
+    EXPECT_EQ(runs[0].lower, L"2\\");
+}
+
 TEST(MTextFormat, stack_is_split_at_its_first_unescaped_separator) {
     const StackCase cases[] = {
         {L"\\S+0.1^-0.05;", StackKind::kTolerance, L"+0.1", L"-0.05"},
