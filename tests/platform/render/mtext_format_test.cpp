@@ -51,6 +51,9 @@ TEST(MTextFormat, width_oblique_tracking_and_true_colour_are_read) {
     EXPECT_DOUBLE_EQ(look.tracking, 1.5);
     EXPECT_TRUE(look.hasTrueColor);
     EXPECT_EQ(look.trueColor, 255u);
+    auto unreadable = ParseMText(L"\\cred;a", 2.5)[0][0].look;
+    EXPECT_TRUE(unreadable.hasTrueColor);
+    EXPECT_EQ(unreadable.trueColor, 0u);  // a value that is no number is black
     auto back = ParseMText(L"\\c255;\\C3;a", 2.5)[0][0].look;
     EXPECT_FALSE(back.hasTrueColor);
     EXPECT_EQ(back.colorIndex, 3);
