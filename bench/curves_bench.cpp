@@ -3,8 +3,10 @@
 // every entity of the model space for read once), and the growth against the size before
 // (time ratio over size ratio; 1 is linear), with the lines (merge) or splines (conversions)
 // counted before and after. FunLineAndArcMerged runs with the indexed walk
-// and, up to 10k pieces, with the plain walk it replaces.
-//   curves_bench [MAX_SIZE]   (sizes 1000, 10000, 100000 up to MAX_SIZE; default 100000)
+// and, up to 10k pieces, with the plain walk it replaces. The process's CPU time of the
+// operation is printed beside its wall time, since the machine is shared.
+//   curves_bench [MAX_SIZE [OPERATION]]   (sizes 1000, 10000, 100000 up to MAX_SIZE, default
+//                                          100000; only the operations named OPERATION)
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -15,6 +17,7 @@
 #include <map>
 #include <memory>
 #include <random>
+#include <ctime>
 #include <string>
 
 #include "cleanup/class_interface_data.hpp"
@@ -30,9 +33,18 @@ constexpr const wchar_t* kUserPath = L"D:\\bench";
 
 using Clock = std::chrono::steady_clock;
 
-double Seconds(const std::function<void()>& work) {
+double CpuSeconds() {
+    timespec now{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+}
+
+// Wall seconds of the work; its CPU seconds into `cpu` when given.
+double Seconds(const std::function<void()>& work, double* cpu = nullptr) {
     auto t0 = Clock::now();
+    double c0 = CpuSeconds();
     work();
+    if (cpu != nullptr) *cpu = CpuSeconds() - c0;
     return std::chrono::duration<double>(Clock::now() - t0).count();
 }
 
@@ -88,14 +100,16 @@ void FillSplines(AcDbDatabase& db, int size) {
 
 struct Row {
     double seconds = 0.0;
+    double cpuSeconds = 0.0;
     double reference = 0.0;
     int entitiesBefore = 0;
     int entitiesAfter = 0;
 };
 
 void Print(const char* operation, int size, const Row& row, const Row* before, int sizeBefore) {
-    std::printf("%-28s %7d  %9.4f s  %8.1f x ref  counted %d -> %d", operation, size, row.seconds,
-                row.seconds / row.reference, row.entitiesBefore, row.entitiesAfter);
+    std::printf("%-28s %7d  %9.4f s (cpu %8.4f s)  %8.1f x ref  counted %d -> %d", operation, size,
+                row.seconds, row.cpuSeconds, row.seconds / row.reference, row.entitiesBefore,
+                row.entitiesAfter);
     if (before != nullptr)
         std::printf("  growth %.2f", (row.seconds / before->seconds) / (static_cast<double>(size) / sizeBefore));
     std::printf("\n");
@@ -111,7 +125,7 @@ Row Measure(int size, int kind, const std::function<void(AcDbDatabase&, int)>& f
     row.reference = Seconds([&] { OpenEverything(db.get()); });
     ClassInterfaceData cleanup(db.get(), kUserPath);
     for (const AcDbObjectId& id : GetModelSpaceIds(db.get())) row.entitiesBefore += EntityKindOfId(id) == kind;
-    row.seconds = Seconds([&] { operation(cleanup); });
+    row.seconds = Seconds([&] { operation(cleanup); }, &row.cpuSeconds);
     for (const AcDbObjectId& id : GetModelSpaceIds(db.get())) row.entitiesAfter += EntityKindOfId(id) == kind;
     acdbHostApplicationServices()->setWorkingDatabase(nullptr);
     return row;
@@ -121,6 +135,7 @@ Row Measure(int size, int kind, const std::function<void(AcDbDatabase&, int)>& f
 
 int main(int argc, char** argv) {
     int maxSize = argc > 1 ? std::atoi(argv[1]) : 100000;
+    std::string only = argc > 2 ? argv[2] : "";
     std::filesystem::path prefix = std::filesystem::temp_directory_path() / "tavrik-curves-bench";
     std::filesystem::remove_all(prefix);
     std::string error;
@@ -149,8 +164,9 @@ int main(int argc, char** argv) {
         {"FunSplineToLineAndArc", FillSplines, [](ClassInterfaceData& c) { c.FunSplineToLineAndArc(); }, maxSize, 5},
         {"FunSplineToPline", FillSplines, [](ClassInterfaceData& c) { c.FunSplineToPline(); }, maxSize, 5},
     };
-    std::printf("%-28s %7s  %11s  %13s\n", "operation", "size", "time", "vs reference");
+    std::printf("%-28s %7s  %11s  %16s  %13s\n", "operation", "size", "time", "", "vs reference");
     for (const Operation& operation : operations) {
+        if (!only.empty() && only != operation.name) continue;
         Row before;
         int sizeBefore = 0;
         for (int size = 1000; size <= operation.maxSize; size *= 10) {

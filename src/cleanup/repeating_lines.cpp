@@ -10,8 +10,6 @@
 
 namespace {
 
-enum class PairVerdict { none, secondDies, firstDies };
-
 // A line that lies on the other one, both ends on its segment, dies; for equal lines the second.
 PairVerdict LinePairTest(const tCurve& a, const tCurve& b, double t) {
     if (PointOnSegment(b.startPoint, a.startPoint, a.endPoint, t) &&
@@ -23,9 +21,60 @@ PairVerdict LinePairTest(const tCurve& a, const tCurve& b, double t) {
     return PairVerdict::none;
 }
 
+// The start, mid and end point of `record` lie on the curve behind `curve`.
+bool EndsOnCurve(const tCurve& record, AcDbObjectId curve, double t) {
+    return PointOnCurve(record.startPoint, curve, t) && PointOnCurve(record.midPoint, curve, t) &&
+           PointOnCurve(record.endPoint, curve, t);
+}
+
+// The start, end and mid point of `record` lie on the arc of `arc`.
+bool EndsOnArc(const tCurve& record, const tCurve& arc, double t) {
+    return PointOnArc(record.startPoint, arc.startPoint, arc.midPoint, arc.endPoint, t) &&
+           PointOnArc(record.endPoint, arc.startPoint, arc.midPoint, arc.endPoint, t) &&
+           PointOnArc(record.midPoint, arc.startPoint, arc.midPoint, arc.endPoint, t);
+}
+
+bool CentresNear(const tCurve& a, const tCurve& b, double t) { return a.center.distanceTo(b.center) <= t; }
+
+// r(A) from r(B) - t to r(B) + t, bounds included.
+bool RadiiNear(const tCurve& a, const tCurve& b, double t) {
+    return a.radius >= b.radius - t && a.radius <= b.radius + t;
+}
+
+// Two arcs on near circles (radii strictly within t): the one that lies on the other dies.
+PairVerdict ArcPairTest(const tCurve& a, const tCurve& b, double t) {
+    if (!CentresNear(a, b, t) || !(std::fabs(a.radius - b.radius) < t)) return PairVerdict::none;
+    if (EndsOnArc(b, a, t)) return PairVerdict::secondDies;
+    if (EndsOnArc(a, b, t)) return PairVerdict::firstDies;
+    return PairVerdict::none;
+}
+
+PairVerdict VerdictIf(bool holds, PairVerdict verdict) { return holds ? verdict : PairVerdict::none; }
+
 FlatBox BoxOf(const tCurve& line) {
     return {std::min(line.startPoint.x, line.endPoint.x), std::min(line.startPoint.y, line.endPoint.y),
             std::max(line.startPoint.x, line.endPoint.x), std::max(line.startPoint.y, line.endPoint.y)};
+}
+
+// The plane box of a record's points, both corners starting from the first point.
+FlatBox PointsBox(const tCurve& record) {
+    FlatBox box{0.0, 0.0, 0.0, 0.0};
+    if (record.points.isEmpty()) return box;
+    box = {record.points[0].x, record.points[0].y, record.points[0].x, record.points[0].y};
+    for (const AcGePoint3d& p : record.points) {
+        box.minX = std::min(box.minX, p.x);
+        box.minY = std::min(box.minY, p.y);
+        box.maxX = std::max(box.maxX, p.x);
+        box.maxY = std::max(box.maxY, p.y);
+    }
+    return box;
+}
+
+bool AllPointsOnCurve(const AcGePoint3dArray& points, AcDbObjectId curve, double t) {
+    if (points.isEmpty()) return false;
+    for (const AcGePoint3d& p : points)
+        if (!PointOnCurve(p, curve, t)) return false;
+    return true;
 }
 
 void EraseEntity(AcDbObjectId id) {
@@ -59,34 +108,34 @@ std::vector<tCurve> RecordsOf(const AcDbObjectIdArray& ids, int type) {
     return records;
 }
 
-// A spline that lies along the line dies, the line stays. The line's record has no box, so its
-// corners stand at the origin: only splines with a box corner near the origin are found.
-bool SplineOnLine(const tCurve& line, const tCurve& spline, double t) {
-    if (line.boxMax.x + t < spline.boxMin.x || line.boxMax.y + t < spline.boxMin.y ||
-        line.boxMin.x - t > spline.boxMax.x || line.boxMin.y - t > spline.boxMax.y)
-        return false;
-    if (!PointInBox(spline.boxMin, line.boxMin, line.boxMax, t) &&
-        !PointInBox(spline.boxMax, line.boxMin, line.boxMax, t))
-        return false;
-    if (spline.points.isEmpty()) return false;
-    for (const AcGePoint3d& p : spline.points)
-        if (!PointOnSegment(p, line.startPoint, line.endPoint, t)) return false;
-    return true;
-}
-
-void RemoveSplinesOnLines(const std::vector<tCurve>& lines, std::vector<tCurve>& splines, double t,
-                          const std::wstring& solidLinetype) {
-    for (const tCurve& line : lines) {
+// Removes each spline that lies along a record of `curves` (`along` says so), record by record
+// in order, each meeting the splines still there in order: the spline dies, the record stays and
+// takes a solid spline's linetype with scale 0.0.
+void RemoveSplinesAlong(const std::vector<tCurve>& curves, std::vector<tCurve>& splines, double t,
+                        const std::wstring& solidLinetype,
+                        bool (*along)(const tCurve& curve, const tCurve& spline, double t)) {
+    for (const tCurve& curve : curves) {
         for (size_t s = 0; s < splines.size();) {
-            if (!SplineOnLine(line, splines[s], t)) {
+            if (!along(curve, splines[s], t)) {
                 ++s;
                 continue;
             }
-            if (splines[s].linetype == solidLinetype) MakeSolid(line.id, solidLinetype);
+            if (splines[s].linetype == solidLinetype) MakeSolid(curve.id, solidLinetype);
             EraseEntity(splines[s].id);
             splines.erase(splines.begin() + static_cast<long>(s));
         }
     }
+}
+
+// The box test of both spline removals: the boxes come within t of each other, and a corner of
+// the spline's box lies in the record's box widened by t. A record of a line, arc or circle has
+// no box, so its corners stand at the origin.
+bool SplineBoxNear(const tCurve& curve, const tCurve& spline, double t) {
+    if (curve.boxMax.x + t < spline.boxMin.x || curve.boxMax.y + t < spline.boxMin.y ||
+        curve.boxMin.x - t > spline.boxMax.x || curve.boxMin.y - t > spline.boxMax.y)
+        return false;
+    return PointInBox(spline.boxMin, curve.boxMin, curve.boxMax, t) ||
+           PointInBox(spline.boxMax, curve.boxMin, curve.boxMax, t);
 }
 
 bool AllWithinRadius(const AcGePoint3dArray& points, const AcGePoint3d& center, double radius, double t) {
@@ -96,6 +145,58 @@ bool AllWithinRadius(const AcGePoint3dArray& points, const AcGePoint3d& center, 
 }
 
 }  // namespace
+
+PairVerdict CurvePairTest(const tCurve& a, const tCurve& b, double t) {
+    int first = a.typeCode, second = b.typeCode;
+    if (first == 2001 && second == 2001) return LinePairTest(a, b, t);
+    if ((first == 2001 || first == 2003) && second == 2004)
+        return VerdictIf(EndsOnCurve(a, b.id, t), PairVerdict::firstDies);
+    if (first == 2004 && (second == 2001 || second == 2003))
+        return VerdictIf(EndsOnCurve(b, a.id, t), PairVerdict::secondDies);
+    if (first == 2004 && second == 2004) {
+        int coincide = CurvesCoincide(a, b, t);
+        return coincide == 1 ? PairVerdict::secondDies : coincide == 2 ? PairVerdict::firstDies : PairVerdict::none;
+    }
+    if (first == 2003 && second == 2003) return ArcPairTest(a, b, t);
+    bool near = CentresNear(a, b, t) && RadiiNear(a, b, t);
+    if (first == 2002 && (second == 2002 || second == 2003)) return VerdictIf(near, PairVerdict::secondDies);
+    if (first == 2003 && second == 2002) return VerdictIf(near, PairVerdict::firstDies);
+    return PairVerdict::none;
+}
+
+bool PointOnCurve(const AcGePoint3d& p, AcDbObjectId id, double tolerance) {
+    AcDbEntity* entity = nullptr;
+    if (acdbOpenAcDbEntity(entity, id, AcDb::kForRead) != Acad::eOk) return false;
+    bool on = false;
+    AcGePoint3d closest;
+    if (auto* curve = AcDbCurve::cast(entity); curve && curve->getClosestPointTo(p, closest, false) == Acad::eOk)
+        on = SamePoint(closest, p, tolerance);
+    entity->close();
+    return on;
+}
+
+int CurvesCoincide(const tCurve& a, const tCurve& b, double tolerance) {
+    FlatBox boxA = PointsBox(a), boxB = PointsBox(b);
+    if (boxA.maxX < boxB.minX || boxB.maxX < boxA.minX || boxA.maxY < boxB.minY || boxB.maxY < boxA.minY) return 0;
+    if (AllPointsOnCurve(b.points, a.id, tolerance)) return 1;
+    if (AllPointsOnCurve(a.points, b.id, tolerance)) return 2;
+    return 0;
+}
+
+bool SplineOnLine(const tCurve& line, const tCurve& spline, double t) {
+    if (!SplineBoxNear(line, spline, t) || spline.points.isEmpty()) return false;
+    for (const AcGePoint3d& p : spline.points)
+        if (!PointOnSegment(p, line.startPoint, line.endPoint, t)) return false;
+    return true;
+}
+
+bool SplineOnArc(const tCurve& arc, const tCurve& spline, double t) {
+    if (!SplineBoxNear(arc, spline, t) || !PointsWithinRadius(arc.center, arc.radius, spline.points, t)) return false;
+    if (EntityTypeOfId(arc.id) != 2003) return true;
+    for (const AcGePoint3d& p : spline.points)
+        if (!PointOnArc(p, arc.startPoint, arc.midPoint, arc.endPoint, t)) return false;
+    return true;
+}
 
 std::vector<LineDeath> RepeatingLineDeaths(const std::vector<tCurve>& lines, double tolerance) {
     std::vector<LineDeath> deaths;
@@ -111,7 +212,7 @@ std::vector<LineDeath> RepeatingLineDeaths(const std::vector<tCurve>& lines, dou
         if (gone[i]) continue;
         for (size_t j : BoxGridCandidates(grid, boxes[i], tolerance)) {
             if (j <= i || gone[j]) continue;
-            PairVerdict verdict = LinePairTest(lines[i], lines[j], tolerance);
+            PairVerdict verdict = CurvePairTest(lines[i], lines[j], tolerance);
             if (verdict == PairVerdict::secondDies) {
                 deaths.push_back({j, i});
                 gone[j] = true;
@@ -169,15 +270,21 @@ void ClassInterfaceData::FunDeleteLineAndArcDownSpline(int mode) {
     IniReadDouble(file, L"DeleteArcDownCurve", L"Tolerance", arcTolerance);
     IniReadDouble(file, L"DeleteLineDownCurve", L"Tolerance", lineTolerance);
     if (!open) return;
-    std::vector<tCurve> lines, lineSplines;
+    // Lines, and splines along a line; arcs, circles and splines along an arc for the arc pass.
+    std::vector<tCurve> lines, lineSplines, arcs;
     for (const AcDbObjectId& id : GetModelSpaceIds(database)) {
         int type = EntityTypeOfId(id);
         if (type == 2001) lines.emplace_back(id);
+        if (type == 2002 || type == 2003) arcs.emplace_back(id);
         if (type != 2005) continue;
         tCurve spline(id);
-        if (ClassifySpline(spline, lineTolerance, arcTolerance) == 1) lineSplines.push_back(spline);
+        int shape = ClassifySpline(spline, lineTolerance, arcTolerance);
+        if (shape == 1) lineSplines.push_back(spline);
+        if (shape == 2) arcs.push_back(spline);
     }
-    if (mode == 0 || mode == 1) RemoveSplinesOnLines(lines, lineSplines, lineTolerance, solidLinetype);
-    // The arc pass compares the arcs with a list of splines that nothing fills, so it finds
-    // nothing in any mode; arcs, circles and arc-like splines are therefore not gathered.
+    if (mode == 0 || mode == 1) RemoveSplinesAlong(lines, lineSplines, lineTolerance, solidLinetype, SplineOnLine);
+    // The arc pass meets the arcs with a second list of splines that nothing fills: it removes
+    // nothing in any mode.
+    std::vector<tCurve> arcSplines;
+    if (mode == 0 || mode == 2) RemoveSplinesAlong(arcs, arcSplines, arcTolerance, solidLinetype, SplineOnArc);
 }

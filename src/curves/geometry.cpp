@@ -55,11 +55,6 @@ bool SamePoint(const AcGePoint3d& a, const AcGePoint3d& b, double tolerance) {
            a.y < b.y + tolerance && a.z > b.z - tolerance && a.z < b.z + tolerance;
 }
 
-double PointDistance(const AcGePoint3d& a, const AcGePoint3d& b) {
-    double dx = a.x - b.x, dy = a.y - b.y, dz = a.z - b.z;
-    return std::sqrt(dx * dx + dy * dy + dz * dz);
-}
-
 bool PointOnSegment(const AcGePoint3d& p, const AcGePoint3d& a, const AcGePoint3d& b,
                     double tolerance) {
     if (p.x > a.x + tolerance && p.x > b.x + tolerance) return false;
@@ -116,11 +111,6 @@ bool SamplesFitCircle(const AcGePoint3dArray& points, double tolerance) {
     if (!CircleFromThreePoints(points[0], points[n / 3], points[2 * n / 3], center, radius))
         return false;
     return AllWithinRadius(center, radius, points, tolerance);
-}
-
-// |r - d| above t fails; an undefined difference passes.
-bool PointWithinRadius(const AcGePoint3d& center, double radius, const AcGePoint3d& point, double tolerance) {
-    return !(std::fabs(radius - PointDistance(point, center)) > tolerance);
 }
 
 bool PointsWithinRadius(const AcGePoint3d& center, double radius, const AcGePoint3dArray& points,
@@ -189,11 +179,6 @@ double ChordBulge(const AcGePoint3d& a, const AcGePoint3d& m, const AcGePoint3d&
     double value = HeightOverChord(m, a, b) / (PointDistance(a, b) * 0.5);
     double cross = (m.x - a.x) * (b.y - m.y) - (m.y - a.y) * (b.x - m.x);
     return cross > 0.0 ? value : -value;
-}
-
-bool NearDuplicate(const AcGePoint3d& kept, const AcGePoint3d& other) {
-    return std::fabs(other.x - kept.x) <= 0.02 && std::fabs(other.y - kept.y) <= 0.02 &&
-           std::fabs(other.z - kept.z) <= 0.02;
 }
 
 void DropNearDuplicates(AcGePoint3dArray& points) {

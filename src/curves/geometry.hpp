@@ -3,6 +3,8 @@
 // its own thresholds and the strictness of each comparison, since the operations above accept
 // or refuse geometry by these results; the circle constructions round their radius to single
 // precision on purpose. Angles are in degrees unless a function says otherwise. No state.
+#include <cmath>
+
 #include "platform/db/curve.hpp"
 #include "platform/db/entity.hpp"
 #include "platform/db/line.hpp"
@@ -11,8 +13,12 @@
 
 // Each axis of a strictly inside (b - t, b + t): a tolerance of 0 never holds.
 bool SamePoint(const AcGePoint3d& a, const AcGePoint3d& b, double tolerance);
-// The 3D distance.
-double PointDistance(const AcGePoint3d& a, const AcGePoint3d& b);
+// The 3D distance. Inline, as are the band and near-duplicate tests below: the polyline walk
+// asks them for every sample it reads.
+inline double PointDistance(const AcGePoint3d& a, const AcGePoint3d& b) {
+    double dx = a.x - b.x, dy = a.y - b.y, dz = a.z - b.z;
+    return std::sqrt(dx * dx + dy * dy + dz * dz);
+}
 // In the plane: p within the box of the segment widened by t (inclusive), and its distance from
 // the segment's line strictly below t. A segment of no length holds no point.
 bool PointOnSegment(const AcGePoint3d& p, const AcGePoint3d& a, const AcGePoint3d& b,
@@ -40,8 +46,12 @@ bool CircleFromThreePointsFine(const AcGePoint3d& p1, const AcGePoint3d& p2,
 // The circle through the points at 0, n/3 and 2n/3 holds every point within t (inclusive, 3D
 // distance to the centre at z 0); fewer than 3 points never fit.
 bool SamplesFitCircle(const AcGePoint3dArray& points, double tolerance);
-// The point within t of the radius (inclusive; an undefined difference passes).
-bool PointWithinRadius(const AcGePoint3d& center, double radius, const AcGePoint3d& point, double tolerance);
+// The point within t of the radius (inclusive; an undefined difference passes: |r - d| above t
+// fails).
+inline bool PointWithinRadius(const AcGePoint3d& center, double radius, const AcGePoint3d& point,
+                              double tolerance) {
+    return !(std::fabs(radius - PointDistance(point, center)) > tolerance);
+}
 // Every point within t of the radius (inclusive); an empty list is false.
 bool PointsWithinRadius(const AcGePoint3d& center, double radius, const AcGePoint3dArray& points,
                         double tolerance);
@@ -82,7 +92,10 @@ void MakeArcThroughPoints(const AcGePoint3d& start, const AcGePoint3d& mid, cons
                           AcDbEntity*& entity);
 
 // `other` lies within 0.02 of `kept` on all three axes (inclusive).
-bool NearDuplicate(const AcGePoint3d& kept, const AcGePoint3d& other);
+inline bool NearDuplicate(const AcGePoint3d& kept, const AcGePoint3d& other) {
+    return std::fabs(other.x - kept.x) <= 0.02 && std::fabs(other.y - kept.y) <= 0.02 &&
+           std::fabs(other.z - kept.z) <= 0.02;
+}
 // Removes every later point within 0.02 on all three axes (inclusive) of a surviving earlier one.
 void DropNearDuplicates(AcGePoint3dArray& points);
 // Bubble sort; neighbours swap only when the right one is strictly smaller.

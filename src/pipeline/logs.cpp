@@ -4,6 +4,7 @@
 #include "platform/win/crt.hpp"
 #include "platform/win/file_find.hpp"
 #include "platform/win/format.hpp"
+#include "platform/win/kept_file.hpp"
 #include "platform/win/stdio_file.hpp"
 #include "platform/win/text.hpp"
 
@@ -24,6 +25,9 @@ std::wstring HandOffFolder() { return WideFromNarrow(HandOffFolderA()); }
 std::string HandOffFileA(const char* name) { return HandOffFolderA() + "\\" + name; }
 
 void AppendLogText(LPCTSTR text, const std::wstring& path) {
+    // A log is written to many times in a row: while nothing else touches it, the file of the
+    // last text takes the next one without being looked up and opened again.
+    if (AppendToKeptFile(path.c_str(), text)) return;
     // A log exists only when something outside has put it there: it is never created here.
     if (!FileExists(path)) return;
     CStdioFile file;
@@ -31,6 +35,7 @@ void AppendLogText(LPCTSTR text, const std::wstring& path) {
     file.SeekToEnd();
     file.WriteString(text);
     file.Close();
+    KeepForAppending(path.c_str());
 }
 
 void AppendLogText(std::wstring text, const std::wstring& path) { AppendLogText(text.c_str(), path); }

@@ -110,4 +110,11 @@ TEST_F(ChangeColor, entity_on_a_locked_layer_keeps_its_colour_and_the_walk_goes_
     EXPECT_EQ(ColorOf(free), 3);
 }
 
+TEST_F(ChangeColor, closing_brace_without_an_opening_one_reads_no_rule) {
+    AcDbObjectId red = Line(1);
+    // The characters before any "{" are not gathered: the "}" closes an empty item.
+    Run(L"\"ColorOld\":\"255 0 0\",\"ColorNew\":\"0 255 0\"}");
+    EXPECT_EQ(ColorOf(red), 1);
+}
+
 }  // namespace

@@ -216,4 +216,14 @@ TEST(JsonText, shape_two_without_an_array_is_empty) {
     EXPECT_TRUE(Parse(L"{\"R\":\"x\",\"y\":[{}]}").objects.empty());
 }
 
+TEST(JsonText, parse_clears_the_objects_and_name_of_a_reused_document) {
+    JsonDocument document;
+    JsonDocumentParse(L"{\"R\":[{\"a\":1}]}", document);
+    ASSERT_EQ(document.objects.size(), 1u);
+    EXPECT_EQ(document.name, L"R");
+    JsonDocumentParse(L"[{}", document);
+    EXPECT_TRUE(document.objects.empty());
+    EXPECT_EQ(document.name, L"");
+}
+
 }  // namespace

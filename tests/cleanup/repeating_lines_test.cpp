@@ -268,6 +268,7 @@ TEST(RepeatingLineIndex, grid_walk_removes_the_same_lines_in_the_same_order_as_t
         std::uniform_int_distribution<int> count(1, 300);
         std::vector<tCurve> lines(static_cast<size_t>(count(random)));
         for (tCurve& line : lines) {
+            line.typeCode = 2001;
             // Coordinates on a half grid, so that lines repeat, nest and touch often.
             line.startPoint = AcGePoint3d(coordinate(random) * 0.5, coordinate(random) * 0.5, 0);
             line.endPoint = random() % 4 == 0 ? AcGePoint3d(line.startPoint.x + 1, line.startPoint.y, 0)
@@ -336,6 +337,16 @@ TEST(ClassifySplineRecord, off_radius_closed_record_and_level_first_chord_give_m
     bent.points.append(AcGePoint3d(5, 3, 0));
     bent.points.append(AcGePoint3d(10, 0, 0));
     EXPECT_EQ(ClassifySpline(bent, 0.01, 0.01), -1);
+}
+
+TEST_F(RepeatingLines, removed_line_and_spline_are_erased_and_closed) {
+    AddLine(0, 0, 10, 0);
+    AcDbObjectId copy = AddLine(0, 0, 10, 0);
+    RunOn(0.01);
+    EXPECT_TRUE(IsErased(copy));
+    AcDbObjectId spline = Spline({0, 0, 3, 0, 6, 0, 10, 0});
+    RunDownSpline(1, 0.01);
+    EXPECT_TRUE(IsErased(spline));
 }
 
 }  // namespace

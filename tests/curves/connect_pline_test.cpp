@@ -208,6 +208,17 @@ TEST_F(ConnectPline, ends_meet_strictly_below_the_tolerance) {
     }
 }
 
+TEST_F(ConnectPline, erased_piece_does_not_open_and_does_not_join_the_chain) {
+    AcDbObjectId first = AddLine(0, 0, 10, 0);
+    AcDbObjectId erased = AddLine(10, 0, 20, 0);
+    Change(erased, [](AcDbEntity* e) { e->erase(); });
+    AcDbObjectIdArray used;
+    AcDbObjectId polyline = JoinChain(AcDbObjectIdArray{first, erased}, AcDbObjectId(), used, 0.05);
+    ASSERT_FALSE(polyline.isNull());
+    EXPECT_EQ(ShapeOf(polyline).vertices.size(), 2u);
+    EXPECT_EQ(used, AcDbObjectIdArray{first});
+}
+
 // The plain walk of the clusters: each member against every curve left, in list order.
 std::vector<std::vector<size_t>> PlainClusters(const std::vector<CurveEnds>& curves, double t) {
     std::vector<size_t> left;
@@ -265,6 +276,15 @@ TEST_F(ConnectPline, polyline_of_a_fork_that_no_piece_joined_stays_and_used_piec
     EXPECT_FALSE(IsGone(branch));
     // The branch's pieces were made for the chain and are gone again.
     EXPECT_EQ(LiveIds().length(), 2);
+}
+
+TEST_F(ConnectPline, polyline_with_ends_exactly_the_tolerance_apart_is_open_and_joins) {
+    AcDbObjectId open = Red(AddPolyline({0, 0, 10, 0, 10, 10, 0, 0.5}, false));
+    AcDbObjectId touching = Red(AddLine(0, 0, -10, 0));
+    Run(L"255 0 0;", L"0.5");
+    EXPECT_TRUE(IsGone(open));
+    EXPECT_TRUE(IsGone(touching));
+    EXPECT_EQ(Polylines().size(), 1u);
 }
 
 }  // namespace

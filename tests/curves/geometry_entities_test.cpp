@@ -30,6 +30,24 @@ TEST(ArcBulge, end_below_start_adds_a_full_turn) {
     EXPECT_NEAR(ArcBulge(&quarter), std::tan(M_PI / 8), 1e-12);
 }
 
+TEST(ArcBulge, full_turn_is_added_only_when_the_end_lies_strictly_below_the_start) {
+    struct Case {
+        const char* name;
+        double end;
+        double bulge;
+    };
+    const double start = 1.0;
+    const Case cases[] = {
+        {"end just above the start", start + 1e-9, std::tan(1e-9 * 0.25)},
+        {"end on the start", start, 0.0},
+        {"end just below the start", start - 1e-9, std::tan((2 * M_PI - 1e-9) * 0.25)},
+    };
+    for (const auto& c : cases) {
+        AcDbArc arc(P(0, 0, 0), 5.0, start, c.end);
+        EXPECT_NEAR(ArcBulge(&arc), c.bulge, std::fabs(c.bulge) * 1e-6 + 1e-15) << c.name;
+    }
+}
+
 TEST(ArcBulge, anything_but_an_arc_is_0) {
     AcDbLine line(P(0, 0, 0), P(1, 0, 0));
     AcDbCircle circle(P(0, 0, 0), AcGeVector3d(0, 0, 1), 5.0);
@@ -78,6 +96,28 @@ TEST_F(GeometryOfIds, point_at_a_fraction_takes_ends_and_a_parameter_without_the
     EXPECT_THAT(CurvePointAt(arc, 0.5), IsNearPoint(P(0, 2, 0), 1e-12));
     EXPECT_THAT(CurvePointAt(arc, 0.0), IsNearPoint(P(std::sqrt(2.0), std::sqrt(2.0), 0), 1e-12));
     EXPECT_THAT(CurvePointAt(arc, 1.0), IsNearPoint(P(-std::sqrt(2.0), -std::sqrt(2.0), 0), 1e-12));
+}
+
+TEST_F(GeometryOfIds, only_fractions_of_exactly_0_and_1_give_the_end_points) {
+    // An arc over 45 to 225 degrees of radius 2: a fraction is taken of the range pi without the
+    // start parameter, so just before 1 lies near 180 degrees, and near 0 the parameter lies off
+    // the arc, which gives no point: the origin.
+    AcDbObjectId arc = AddToDrawing(new AcDbArc(P(0, 0, 0), 2.0, 0.25 * M_PI, 1.25 * M_PI));
+    const double r = std::sqrt(2.0);
+    struct Case {
+        const char* name;
+        double fraction;
+        P point;
+    };
+    const Case cases[] = {
+        {"just below 0", -1e-12, P(0, 0, 0)},
+        {"on 0", 0.0, P(r, r, 0)},
+        {"just above 0", 1e-12, P(0, 0, 0)},
+        {"just below 1", 1.0 - 1e-12, P(-2, 0, 0)},
+        {"on 1", 1.0, P(-r, -r, 0)},
+        {"just above 1", 1.0 + 1e-12, P(-2, 0, 0)},
+    };
+    for (const auto& c : cases) EXPECT_THAT(CurvePointAt(arc, c.fraction), IsNearPoint(c.point, 1e-9)) << c.name;
 }
 
 TEST_F(GeometryOfIds, point_at_a_fraction_of_what_does_not_open_is_the_origin) {

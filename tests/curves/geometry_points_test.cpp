@@ -94,9 +94,23 @@ TEST(PointOnSegment, zero_length_segment_holds_no_point) {
 }
 
 TEST(TurnNotLeft, clockwise_and_straight_turns_hold_left_turns_do_not) {
-    EXPECT_FALSE(TurnNotLeft(P(0, 0, 0), P(1, 0, 0), P(2, 1, 0)));
-    EXPECT_TRUE(TurnNotLeft(P(0, 0, 0), P(1, 0, 0), P(2, -1, 0)));
-    EXPECT_TRUE(TurnNotLeft(P(0, 0, 0), P(1, 0, 0), P(2, 0, 0)));
+    // From (0,0) over (1,0) the cross product is the y of the third point.
+    struct Case {
+        const char* name;
+        double y;
+        bool expected;
+    };
+    const Case cases[] = {
+        {"left turn", 1.0, false},
+        {"smallest left turn", 1e-12, false},
+        {"no turn", 0.0, true},
+        {"smallest clockwise turn", -1e-12, true},
+        {"clockwise turn", -1.0, true},
+    };
+    for (const auto& c : cases) EXPECT_EQ(TurnNotLeft(P(0, 0, 0), P(1, 0, 0), P(2, c.y, 0)), c.expected) << c.name;
+    // The cross product takes both axes of both legs.
+    EXPECT_FALSE(TurnNotLeft(P(3, 2, 0), P(3, 4, 0), P(1, 6, 0)));
+    EXPECT_TRUE(TurnNotLeft(P(3, 2, 0), P(3, 4, 0), P(5, 6, 0)));
 }
 
 // The circle of centre (0, 0) and radius 5 through three points whose bisectors cross exactly.
@@ -228,6 +242,14 @@ TEST(CircleFromThreePointsFine, first_chord_below_5e_7_takes_slope_0_and_a_wrong
             << c.name;
         EXPECT_EQ(center.distanceTo(P(5, 0.4, 0)) < 1e-4, c.rightCentre) << c.name;
     }
+    // The same figure away from the origin: the test takes the difference of the y values.
+    for (const auto& c : cases) {
+        AcGePoint3d center;
+        double radius = 0.0;
+        ASSERT_TRUE(CircleFromThreePointsFine(P(2, 3, 0), P(12, 3 + c.y2, 0), P(5, 8, 0), center, radius))
+            << c.name;
+        EXPECT_EQ(center.distanceTo(P(7, 3.4, 0)) < 1e-4, c.rightCentre) << c.name << " away from the origin";
+    }
 }
 
 TEST(CircleFromThreePointsFine, second_chord_has_its_own_slope_test) {
@@ -238,6 +260,7 @@ TEST(CircleFromThreePointsFine, second_chord_has_its_own_slope_test) {
         bool rightCentre;
     };
     const Case cases[] = {
+        {"just above 5e-7", 5.1e-7, true},
         {"on 5e-7", 5e-7, true},
         {"just below 5e-7", 4.9e-7, false},
     };
@@ -394,6 +417,51 @@ TEST(PolarAngle, quadrants_and_vertical_directions_in_degrees_and_radians) {
     }
     EXPECT_EQ(PolarAngle(P(0, 0, 0), P(0, 1, 0), false), 1.5707963267948966);
     EXPECT_EQ(PolarAngle(P(0, 0, 0), P(0, -1, 0), false), 4.71238898038469);
+}
+
+TEST(PolarAngle, only_an_exactly_vertical_direction_takes_the_fixed_angles) {
+    struct Case {
+        const char* name;
+        P to;
+        double degrees;
+        double within;
+    };
+    const Case cases[] = {
+        {"up, just above level", P(0, 1e-12, 0), 90.0, 0.0},
+        {"level on the start", P(0, 0, 0), 90.0, 0.0},
+        {"down, just below level", P(0, -1e-12, 0), 270.0, 0.0},
+        {"just right of vertical, up", P(1e-12, 1, 0), 90.0, 1e-9},
+        {"just left of vertical, up", P(-1e-12, 1, 0), 90.0, 1e-9},
+        {"just right of vertical, down", P(1e-12, -1, 0), 270.0, 1e-9},
+        {"just left of vertical, down", P(-1e-12, -1, 0), 270.0, 1e-9},
+    };
+    for (const auto& c : cases) {
+        if (c.within == 0.0) {
+            EXPECT_EQ(PolarAngle(P(0, 0, 0), c.to, true), c.degrees) << c.name;
+        } else {
+            double angle = PolarAngle(P(0, 0, 0), c.to, true);
+            EXPECT_NEAR(angle, c.degrees, c.within) << c.name;
+            EXPECT_NE(angle, c.degrees) << c.name << ": from the arctangent, not the fixed value";
+        }
+    }
+}
+
+TEST(PolarAngle, positive_x_axis_is_0_and_just_below_it_is_nearly_360) {
+    struct Case {
+        const char* name;
+        double dy;
+        double degrees;
+    };
+    const Case cases[] = {
+        {"just above", 1e-9, 0.0},
+        {"on", 0.0, 0.0},
+        {"just below", -1e-9, 360.0},
+    };
+    for (const auto& c : cases) EXPECT_NEAR(PolarAngle(P(1, 1, 0), P(2, 1 + c.dy, 0), true), c.degrees, 1e-6) << c.name;
+    // The negative x axis is 180 from either side.
+    EXPECT_NEAR(PolarAngle(P(0, 0, 0), P(-1, 1e-9, 0), true), 180.0, 1e-6);
+    EXPECT_EQ(PolarAngle(P(0, 0, 0), P(-1, 0, 0), true), 180.0);
+    EXPECT_NEAR(PolarAngle(P(0, 0, 0), P(-1, -1e-9, 0), true), 180.0, 1e-6);
 }
 
 TEST(PolarAngle, coincident_points_give_90) {

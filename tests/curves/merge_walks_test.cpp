@@ -110,6 +110,21 @@ TEST_F(MergeWalks, walks_build_the_same_clusters_of_arbitrary_records) {
     EXPECT_LT(plain.size(), 500u);
 }
 
+TEST_F(MergeWalks, record_reaching_beyond_the_grid_is_found_by_its_neighbours_far_from_the_origin) {
+    // Unit boxes set the cell size to 1. Record 0 reaches from far below the grid's range to
+    // x = 5, so it covers the cells of records 1 (at x = -50) and 2 (at x = 3).
+    std::vector<PlaneBox> reach{{-1e30, 0, 5, 1}, {-50, 0, -49, 1}, {3, 0, 4, 1}};
+    for (int i = 0; i < 20; ++i) reach.push_back({100.0 + 3 * i, 0, 101.0 + 3 * i, 1});
+    auto joins = [&](int c, int w) {
+        return reach[c].minX <= reach[w].maxX && reach[w].minX <= reach[c].maxX &&
+               reach[c].minY <= reach[w].maxY && reach[w].minY <= reach[c].maxY;
+    };
+    auto plain = WalkClusters(static_cast<int>(reach.size()), joins, reach, ClusterWalk::Plain);
+    auto indexed = WalkClusters(static_cast<int>(reach.size()), joins, reach, ClusterWalk::Indexed);
+    ASSERT_EQ(plain.front(), (std::vector<int>{0, 1, 2}));
+    EXPECT_EQ(plain, indexed);
+}
+
 TEST(BoxGrid, query_not_finite_gives_every_index_once_and_boxes_not_finite_are_everywhere) {
     std::vector<FlatBox> boxes{{0, 0, 1, 1}, {5, 5, 6, 6}, {NAN, 0, 1, 1}, {100, 100, 101, 101}};
     BoxGrid grid = BuildBoxGrid(boxes);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cwchar>
 #include <memory>
@@ -194,6 +195,48 @@ TEST_F(SplineToPline, tolerance_0_segments_a_complete_ellipse_into_short_straigh
     EXPECT_TRUE(shape.closed);
 }
 
+TEST_F(SplineToPline, full_ellipse_whose_turn_rounds_off_360_is_complete_only_strictly_within_the_tolerance) {
+    // Full ellipses whose angles in degrees differ by a rounding above 360 and by one below,
+    // with tolerances that put 360 -/+ t on that difference or one representable step beyond it.
+    auto turn = [](double start) {
+        AcDbEllipse e(P(0, 0, 0), AcGeVector3d(0, 0, 1), AcGeVector3d(0.3, 0, 0), 0.5, start, start + 2 * M_PI);
+        return std::fabs(e.startAngle() * 57.29577951308232 - e.endAngle() * 57.29577951308232);
+    };
+    double above = 0.0, below = 0.0;
+    for (int k = 1; k < 628 && (above == 0.0 || below == 0.0); ++k) {
+        double v = turn(0.01 * k);
+        if (v > 360.0 && above == 0.0) above = 0.01 * k;
+        if (v < 360.0 && below == 0.0) below = 0.01 * k;
+    }
+    ASSERT_NE(above, 0.0);
+    ASSERT_NE(below, 0.0);
+    const double overshoot = turn(above) - 360.0, undershoot = 360.0 - turn(below);
+    struct Row {
+        const char* name;
+        double start;
+        double tolerance;
+        bool stays;
+    };
+    const Row rows[] = {
+        {"above 360, tolerance 0", above, 0.0, false},
+        {"below 360, tolerance 0", below, 0.0, false},
+        {"above 360 on the upper bound", above, overshoot, false},
+        {"above 360 one step inside the upper bound", above, 2 * overshoot, true},
+        {"below 360 on the lower bound", below, undershoot, false},
+        {"below 360 one step inside the lower bound", below, 2 * undershoot, true},
+    };
+    for (const Row& row : rows) {
+        EraseAll();
+        wchar_t text[80];
+        std::swprintf(text, 80, L"[SplineToPline]\nTolerance=%.17g\n", row.tolerance);
+        WriteSections(text);
+        AcDbObjectId id = AddToDrawing(
+            new AcDbEllipse(P(0, 0, 0), AcGeVector3d(0, 0, 1), AcGeVector3d(0.3, 0, 0), 0.5, row.start, row.start + 2 * M_PI));
+        Run();
+        EXPECT_EQ(!IsGone(id), row.stays) << row.name;
+    }
+}
+
 TEST_F(SplineToPline, spline_whose_ends_meet_gives_a_closed_polyline) {
     AddToDrawing(ArcSpline(P(0, 0, 0), 5.0, 0.0, 360.0));
     Run();
@@ -330,6 +373,19 @@ TEST_F(SegmentWalks, thrifty_walk_gives_the_polylines_of_the_plain_walk_on_rando
         EXPECT_GE(plain.size(), 70u) << "seed " << seed;  // nearly every curve became a polyline
     }
     EXPECT_GT(vertices, 2000u);  // long walks with many halvings, not a few straight pieces
+}
+
+// The polylines of the random drawings above, every bit of every vertex and bulge folded into
+// one FNV-1a value per seed, as the walk gave them before the evaluation of spline points was
+// made cheaper: the speed work changed no polyline.
+TEST_F(SegmentWalks, polylines_of_random_curves_are_those_the_walk_gave_before_its_speed_work) {
+    const std::uint64_t recorded[] = {0x40dde80352e0d647ull, 0x01175e256e84a0e0ull, 0x8fd221d405805b28ull};
+    for (unsigned seed = 1; seed <= 3; ++seed) {
+        std::uint64_t hash = 0xcbf29ce484222325ull;
+        for (const std::string& polyline : SegmentRandomDrawing(SegmentReads::Thrifty, seed))
+            for (char c : polyline + ";") hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3ull;
+        EXPECT_EQ(hash, recorded[seed - 1]) << "seed " << seed;
+    }
 }
 
 }  // namespace

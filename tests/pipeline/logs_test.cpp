@@ -2,10 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
 #include "module_fixture.hpp"
+#include "platform/win/host_state.hpp"
+#include "platform/win/paths.hpp"
 
 namespace {
 
@@ -163,6 +166,60 @@ TEST_F(Logs, FileExistsFindsFilesAndFoldersAndTakesWildCards) {
     EXPECT_TRUE(FileExists(L"D:\\in\\*.dwg"));
     EXPECT_FALSE(FileExists(L"D:\\in\\*.dxf"));
     EXPECT_FALSE(FileExists(L"D:\\in\\P-2.dwg"));
+}
+
+TEST_F(Logs, LogDeletedBetweenTwoTextsTakesNoMoreAndIsNotMadeAgain) {
+    WriteAt(kCgLogPath, "");
+    AppendLogText(L"a", kCgLogPath);
+    std::filesystem::remove(ResolvePath(kCgLogPath));
+    AppendLogText(L"b", kCgLogPath);
+    EXPECT_FALSE(ExistsAt(kCgLogPath));
+}
+
+TEST_F(Logs, LogReplacedBetweenTwoTextsTakesTheSecondInTheNewFile) {
+    WriteAt(kCgLogPath, "");
+    AppendLogText(L"a", kCgLogPath);
+    std::filesystem::path file = ResolvePath(kCgLogPath);
+    std::filesystem::path old = file.parent_path() / "old.log";
+    std::filesystem::rename(file, old);
+    WriteAt(kCgLogPath, "new\r\n");
+    AppendLogText(L"b", kCgLogPath);
+    EXPECT_EQ(ReadAt(kCgLogPath), "new\r\nb");
+    EXPECT_EQ(ReadBytes(old), "a");
+}
+
+TEST_F(Logs, LogEmptiedByAnotherWriterTakesTheNextTextAtItsStart) {
+    WriteAt(kCgLogPath, "");
+    AppendLogText(L"abc", kCgLogPath);
+    WriteAt(kCgLogPath, "");
+    AppendLogText(L"d", kCgLogPath);
+    EXPECT_EQ(ReadAt(kCgLogPath), "d");
+}
+
+TEST_F(Logs, LogRewrittenWithAUtf8MarkBetweenTwoTextsTakesTheSecondAsUtf8) {
+    WriteAt(kCgLogPath, "");
+    AppendLogText(L"换孔", kCgLogPath);
+    EXPECT_EQ(ReadAt(kCgLogPath), Encoded(L"换孔"));
+    WriteAt(kCgLogPath, "\xEF\xBB\xBF");
+    AppendLogText(L"换孔", kCgLogPath);
+    EXPECT_EQ(ReadAt(kCgLogPath), "\xEF\xBB\xBF" + Encoded(L"换孔", 65001));
+}
+
+TEST_F(Logs, LogOfAnotherPrefixTakesTheTextsWrittenUnderIt) {
+    WriteAt(kCgLogPath, "");
+    AppendLogText(L"a", kCgLogPath);
+    std::filesystem::path first = Host().prefix;
+    std::filesystem::path second = first.string() + "-second";
+    std::filesystem::remove_all(second);
+    std::filesystem::create_directories(second);
+    Host().prefix = second;
+    WriteAt(kCgLogPath, "");
+    AppendLogText(L"b", kCgLogPath);
+    EXPECT_EQ(ReadAt(kCgLogPath), "b");
+    Host().prefix = first;
+    AppendLogText(L"c", kCgLogPath);
+    EXPECT_EQ(ReadAt(kCgLogPath), "ac");
+    std::filesystem::remove_all(second);
 }
 
 }  // namespace

@@ -21,7 +21,10 @@
 #include "platform/db/polyline_classic.hpp"
 #include "platform/dxf/codepage.hpp"
 #include "platform/dxf/dxf.hpp"
+#include "platform/dxf/field_text.hpp"
 #include "platform/dxf/model.hpp"
+#include "platform/dxf/new_records.hpp"
+#include "platform/dxf/required_objects.hpp"
 #include "platform/dxf/tagger.hpp"
 #include "platform/win/faults.hpp"
 #include "platform/win/temporaries.hpp"
@@ -53,71 +56,6 @@ std::string TypeName(const AcDbObject& o) {
 
 namespace {
 
-// Adds an object that the writer needs and the drawing lacks; it is not left open, so that
-// the drawing can still be opened after the save.
-void AddClosed(AcDbDatabase& db, AcDbObjectId& id, AcDbObject* object) {
-    db.addAcDbObject(id, object);
-    object->close();
-}
-
-bool EqualIgnoringCase(std::string_view a, std::string_view b) {
-    if (a.size() != b.size()) return false;
-    for (size_t i = 0; i < a.size(); ++i)
-        if (std::toupper(static_cast<unsigned char>(a[i])) != std::toupper(static_cast<unsigned char>(b[i])))
-            return false;
-    return true;
-}
-
-// True when two texts of a group code's value stand for the same value.
-bool SameText(int code, std::string_view a, std::string_view b) {
-    if (a == b) return true;
-    ValueKind kind = KindOfCode(code);
-    if (kind == ValueKind::kDouble) {
-        double x, y;
-        return ParseDouble(a, x) && ParseDouble(b, y) && x == y;
-    }
-    if (IsIntegerKind(kind)) {
-        long long x, y;
-        return ParseInteger(a, x) && ParseInteger(b, y) && x == y;
-    }
-    if (kind == ValueKind::kHandle) return EqualIgnoringCase(a, b);
-    return false;
-}
-
-void AppendInteger(long long value, std::string& out) {
-    char buffer[24];
-    auto [end, ec] = std::to_chars(buffer, buffer + sizeof buffer, value);
-    out.append(buffer, end);
-}
-
-// Appends the text of a field's value.
-void AppendField(const Field& f, std::string& out) {
-    switch (f.kind) {
-        case Field::Kind::kText: out += f.text; break;
-        case Field::Kind::kReal: FormatDouble(f.real, out); break;
-        case Field::Kind::kInteger: AppendInteger(f.integer, out); break;
-        case Field::Kind::kHandle: AppendHex(static_cast<std::uint64_t>(f.integer), out); break;
-    }
-}
-
-// True when the template's text stands for the field's value, so that the text is kept as read.
-// Numbers of their own kind compare without formatting the field.
-bool SameValue(const Field& f, std::string_view text) {
-    ValueKind kind = KindOfCode(f.code);
-    if (f.kind == Field::Kind::kReal && kind == ValueKind::kDouble) {
-        double x;
-        return ParseDouble(text, x) && x == f.real;
-    }
-    if (f.kind == Field::Kind::kInteger && IsIntegerKind(kind)) {
-        long long x;
-        return ParseInteger(text, x) && x == f.integer;
-    }
-    if (f.kind == Field::Kind::kText && kind == ValueKind::kString) return text == f.text;
-    std::string own;
-    AppendField(f, own);
-    return SameText(f.code, text, own);
-}
-
 // The state of one subclass while its template segment is walked.
 struct SegmentMerge {
     bool active = false;
@@ -131,114 +69,6 @@ struct SegmentMerge {
         used.assign(fields.size(), 0);
     }
 };
-
-// The application groups of a record's head: extension dictionary and persistent reactors.
-template <typename Sink>
-void HeadGroups(const AcDbObject& o, bool r12, bool xdict, bool reactors, Sink& sink) {
-    if (r12) return;
-    if (xdict && !o.extensionDictionary().isNull()) {
-        sink.tag(102, "{ACAD_XDICTIONARY");
-        sink.tag(360, HandleText(o.extensionDictionary().handle()));
-        sink.tag(102, "}");
-    }
-    if (reactors && !o.persistentReactors().isEmpty()) {
-        sink.tag(102, "{ACAD_REACTORS");
-        for (const auto& id : o.persistentReactors()) sink.tag(330, HandleText(id.handle()));
-        sink.tag(102, "}");
-    }
-}
-
-// True when a record as read has a tag of the code.
-bool HasCode(std::span<const AcDbRawTag> tags, int code) {
-    return std::any_of(tags.begin(), tags.end(), [code](const AcDbRawTag& t) { return t.code == code; });
-}
-
-// True for a record as R12 writes them, without subclass markers.
-template <typename Tags>
-bool WithoutSubclasses(const Tags& tags) {
-    return std::none_of(tags.begin(), tags.end(), [](const AcDbRawTag& t) { return t.code == 100; });
-}
-
-// The properties every entity has, which a record with subclasses keeps in AcDbEntity.
-bool IsEntityPropertyCode(int code) {
-    switch (code) {
-        case 6: case 8: case 48: case 60: case 62: case 67: case 284: case 347: case 370:
-        case 390: case 420: case 430: case 440: return true;
-        default: return false;
-    }
-}
-
-// A record as read, and the records it carries inside it (the vertices and SEQEND of a mesh),
-// each from its 0 tag.
-std::vector<std::span<const AcDbRawTag>> SplitRecords(std::span<const AcDbRawTag> tags) {
-    std::vector<std::span<const AcDbRawTag>> records;
-    size_t begin = 0;
-    for (size_t i = 1; i <= tags.size(); ++i)
-        if (i == tags.size() || tags[i].code == 0) {
-            records.push_back(tags.subspan(begin, i - begin));
-            begin = i;
-        }
-    return records;
-}
-
-bool IsMesh(const AcDbObject& o) { return AcDbPolyFaceMesh::cast(&o) || AcDbPolygonMesh::cast(&o); }
-
-// True when a record of R12 can be written anew for a later version: its tags find their
-// subclasses in the model, and what it carries inside it is a mesh's vertices. Entities the
-// database carries without knowing their subclass stay as read.
-bool Upgradable(const AcDbObject& o, const std::vector<std::span<const AcDbRawTag>>& records,
-                const Model& model) {
-    if (records.size() > 1 && !IsMesh(o)) return false;
-    return !AcDbCarriedEntity::cast(&o) || model.subclasses.back().marker != "AcDbEntity";
-}
-
-// The subclasses of a vertex of a mesh, by the mesh and the vertex's flags (group code 70).
-std::vector<std::string_view> MeshVertexSubclasses(const AcDbObject& mesh, std::span<const AcDbRawTag> vertex) {
-    long long flags = 0;
-    for (const AcDbRawTag& t : vertex)
-        if (t.code == 70) ParseInteger(t.value, flags);
-    if (AcDbPolygonMesh::cast(&mesh)) return {"AcDbVertex", "AcDbPolygonMeshVertex"};
-    if ((flags & 64) == 0) return {"AcDbFaceRecord"};
-    return {"AcDbVertex", "AcDbPolyFaceMeshVertex"};
-}
-
-// A subclass the template lacks: its marker and the values not at their default, and those at
-// their default that `asRead` has (a record written anew in place of one as read).
-template <typename Sink>
-void NewSubclass(const Model& model, const Subclass& s, bool r12, Sink& sink,
-                 std::span<const AcDbRawTag> asRead = {}) {
-    if (!r12) sink.tag(100, s.marker);
-    for (const Field& f : model.fieldsOf(s))
-        if (!f.optional || HasCode(asRead, f.code)) sink.field(f);
-}
-
-// A record from the model alone, in its order. When it stands in for a record as read without
-// subclasses (`asRead`, of R12), the tags of that record the model does not own go where a
-// record with subclasses has them: entity properties in AcDbEntity, the rest in the last
-// subclass.
-template <typename Sink>
-void NewRecord(const AcDbObject& o, const Model& model, bool r12, Sink& sink,
-               std::span<const AcDbRawTag> asRead = {}) {
-    sink.tag(0, model.type);
-    std::span<const Field> head = model.fieldsOf(model.subclasses[0]);
-    for (const Field& f : head)
-        if (f.code != 330) sink.field(f);
-    HeadGroups(o, r12, true, true, sink);
-    for (const Field& f : head)
-        if (f.code == 330 && !r12) sink.field(f);
-    bool entity = std::any_of(model.subclasses.begin(), model.subclasses.end(),
-                              [](const Subclass& s) { return s.marker == "AcDbEntity"; });
-    for (size_t k = 1; k < model.subclasses.size(); ++k) {
-        const Subclass& s = model.subclasses[k];
-        NewSubclass(model, s, r12, sink, asRead);
-        bool properties = s.marker == "AcDbEntity", last = k + 1 == model.subclasses.size();
-        for (const AcDbRawTag& t : asRead.subspan(std::min<size_t>(asRead.size(), 1))) {
-            if (model.owns(model.whole(), t.code)) continue;
-            bool property = entity && IsEntityPropertyCode(t.code);
-            if (properties ? property : last && !property) sink.tag(t.code, t.value);
-        }
-    }
-}
 
 // Output is written through a buffer of this size when it goes to a file.
 constexpr size_t kFlushBytes = 256 << 10;
@@ -280,10 +110,6 @@ private:
     // ---- preparation ----
     AcDbHandle newHandle();
     void prepare();
-    AcDbSymbolTable* ensureTable(AcDbDatabase::TableKind kind);
-    void ensureRecord(AcDbDatabase::TableKind kind, const std::wstring& name, AcDbSymbolTableRecord* record);
-    void ensureLayouts();
-    void ensureDimensionBlocks();
 
     // ---- sections ----
     void header();
@@ -585,155 +411,12 @@ AcDbHandle Writer::newHandle() {
     return h;
 }
 
-AcDbObject* ObjectOf(AcDbObjectId id) {
-    return id.isNull() || !id.stub() ? nullptr : id.stub()->object.get();
-}
-
-AcDbSymbolTable* NewTableOf(AcDbDatabase::TableKind kind) {
-    switch (kind) {
-        case AcDbDatabase::kBlockTable: return new AcDbBlockTable();
-        case AcDbDatabase::kLayerTable: return new AcDbLayerTable();
-        case AcDbDatabase::kTextStyleTable: return new AcDbTextStyleTable();
-        case AcDbDatabase::kLinetypeTable: return new AcDbLinetypeTable();
-        case AcDbDatabase::kDimStyleTable: return new AcDbDimStyleTable();
-        case AcDbDatabase::kViewTable: return new AcDbViewTable();
-        case AcDbDatabase::kViewportTable: return new AcDbViewportTable();
-        case AcDbDatabase::kRegAppTable: return new AcDbRegAppTable();
-        default: return new AcDbUCSTable();
-    }
-}
-
-AcDbSymbolTable* Writer::ensureTable(AcDbDatabase::TableKind kind) {
-    if (auto* t = AcDbSymbolTable::cast(ObjectOf(m_db.tableId(kind)))) return t;
-    AcDbSymbolTable* table = NewTableOf(kind);
-    AcDbObjectId id;
-    AddClosed(m_db, id, table);
-    m_db.setTableId(kind, id);
-    return table;
-}
-
-void Writer::ensureRecord(AcDbDatabase::TableKind kind, const std::wstring& name,
-                          AcDbSymbolTableRecord* record) {
-    AcDbSymbolTable* table = ensureTable(kind);
-    if (table->has(name)) {
-        delete record;
-        return;
-    }
-    record->setName(name);
-    record->setOwnerId(table->objectId());
-    AcDbObjectId id;
-    AddClosed(m_db, id, record);
-    table->attachRecord(id);
-}
-
-AcDbDictionary* EnsureEntry(AcDbDatabase& db, AcDbDictionary& parent, const std::wstring& key) {
-    AcDbObjectId id;
-    if (parent.getAt(key, id) == Acad::eOk)
-        if (auto* d = AcDbDictionary::cast(ObjectOf(id))) return d;
-    auto* d = new AcDbDictionary();
-    AddClosed(db, id, d);
-    d->setOwnerId(parent.objectId());
-    parent.setAtId(key, id);
-    return d;
-}
-
-// A layout's record: plot settings of an unconfigured device and the layout proper.
-AcDbRawTags LayoutTags(const std::string& name, int tab, AcDbHandle block) {
-    AcDbRawTags t = {
-        {0, "LAYOUT"}, {5, "0"}, {330, "0"}, {100, "AcDbPlotSettings"}, {1, ""},
-        {2, "none_device"}, {4, ""}, {6, ""}, {40, "0.0"}, {41, "0.0"}, {42, "0.0"},
-        {43, "0.0"}, {44, "0.0"}, {45, "0.0"}, {46, "0.0"}, {47, "0.0"}, {48, "0.0"},
-        {49, "0.0"}, {140, "0.0"}, {141, "0.0"}, {142, "1.0"}, {143, "1.0"}, {70, "688"},
-        {72, "0"}, {73, "0"}, {74, "5"}, {7, ""}, {75, "16"}, {147, "1.0"}, {148, "0.0"},
-        {149, "0.0"}, {100, "AcDbLayout"}, {1, name}, {70, "1"}, {71, std::to_string(tab)},
-        {10, "0.0"}, {20, "0.0"}, {11, "420.0"}, {21, "297.0"}, {12, "0.0"}, {22, "0.0"},
-        {32, "0.0"}, {14, "0.0"}, {24, "0.0"}, {34, "0.0"}, {15, "0.0"}, {25, "0.0"},
-        {35, "0.0"}, {146, "0.0"}, {13, "0.0"}, {23, "0.0"}, {33, "0.0"}, {16, "1.0"},
-        {26, "0.0"}, {36, "0.0"}, {17, "0.0"}, {27, "1.0"}, {37, "0.0"}, {76, "0"},
-        {330, HandleText(block)}};
-    return t;
-}
-
-// A dimension made in memory gets the anonymous block that readers expect it to name, with its
-// picture in it.
-void Writer::ensureDimensionBlocks() {
-    auto* blocks = AcDbBlockTable::cast(ObjectOf(m_db.blockTableId()));
-    if (!blocks) return;
-    std::vector<AcDbDimension*> missing;
-    for (const auto& bid : blocks->recordIds())
-        if (auto* b = AcDbBlockTableRecord::cast(ObjectOf(bid)))
-            for (const auto& eid : b->entityIds())
-                if (auto* d = AcDbDimension::cast(ObjectOf(eid));
-                    d && d->dimBlockId().isNull() && d->fileTags().empty())
-                    missing.push_back(d);
-    for (AcDbDimension* d : missing) {
-        d->recomputeDimBlock();
-        if (!d->dimBlockId().isNull()) continue;
-        // A kind the platform does not draw: an empty block.
-        std::wstring name;
-        int next = 1;
-        do name = L"*D" + std::to_wstring(next++);
-        while (blocks->has(name));
-        auto* block = new AcDbBlockTableRecord();
-        block->setName(name);
-        block->setFlagBits(1);
-        block->setOwnerId(blocks->objectId());
-        AcDbObjectId id;
-        AddClosed(m_db, id, block);
-        blocks->attachRecord(id);
-        d->setDimBlockId(id);
-    }
-}
-
-void Writer::ensureLayouts() {
-    auto* root = AcDbDictionary::cast(ObjectOf(m_db.namedObjectsDictionaryId()));
-    if (!root) {
-        root = new AcDbDictionary();
-        AcDbObjectId id;
-        AddClosed(m_db, id, root);
-        m_db.setNamedObjectsDictionaryId(id);
-    }
-    EnsureEntry(m_db, *root, L"ACAD_GROUP");
-    AcDbDictionary* layouts = EnsureEntry(m_db, *root, L"ACAD_LAYOUT");
-    int tab = 0;
-    for (const wchar_t* name : {ACDB_MODEL_SPACE, ACDB_PAPER_SPACE}) {
-        auto* block = AcDbBlockTableRecord::cast(ObjectOf(m_db.blockId(name)));
-        if (!block || !block->getLayoutId().isNull()) {
-            ++tab;
-            continue;
-        }
-        std::string layoutName = tab == 0 ? "Model" : "Layout1";
-        auto* layout = new AcDbUnknownObject(L"LAYOUT");
-        AcDbObjectId id;
-        AddClosed(m_db, id, layout);
-        layout->fileTags() = LayoutTags(layoutName, tab, block->objectId().handle());
-        layout->setOwnerId(layouts->objectId());
-        layouts->setAtId(Wide(layoutName), id);
-        block->setLayoutId(id);
-        ++tab;
-    }
-}
-
 // What a reader needs of every drawing, added when missing; handles for the records that
 // objects made in memory have not got yet.
 void Writer::prepare() {
     if (m_db.handseed().value() == 0) m_db.setHandseed(AcDbHandle(1));
     // Before 2000 the format has no layouts: a drawing kept in its R12 to R14 version gets none.
-    if (m_version >= AcDb::kDHL_1015) {
-        for (int k = 0; k < AcDbDatabase::kTableCount; ++k)
-            ensureTable(static_cast<AcDbDatabase::TableKind>(k));
-        ensureRecord(AcDbDatabase::kLayerTable, L"0", new AcDbLayerTableRecord());
-        for (const wchar_t* lt : {L"ByBlock", L"ByLayer", L"Continuous"})
-            ensureRecord(AcDbDatabase::kLinetypeTable, lt, new AcDbLinetypeTableRecord());
-        ensureRecord(AcDbDatabase::kTextStyleTable, L"Standard", new AcDbTextStyleTableRecord());
-        ensureRecord(AcDbDatabase::kRegAppTable, L"ACAD", new AcDbRegAppTableRecord());
-        ensureRecord(AcDbDatabase::kDimStyleTable, L"Standard", new AcDbDimStyleTableRecord());
-        ensureRecord(AcDbDatabase::kViewportTable, L"*Active", new AcDbViewportTableRecord());
-        ensureRecord(AcDbDatabase::kBlockTable, ACDB_MODEL_SPACE, new AcDbBlockTableRecord());
-        ensureRecord(AcDbDatabase::kBlockTable, ACDB_PAPER_SPACE, new AcDbBlockTableRecord());
-        ensureLayouts();
-        ensureDimensionBlocks();
-    }
+    if (m_version >= AcDb::kDHL_1015) AddRequiredObjects(m_db);
     auto* blocks = AcDbBlockTable::cast(ObjectOf(m_db.blockTableId()));
     if (!blocks) return;
     for (const auto& bid : blocks->recordIds()) {

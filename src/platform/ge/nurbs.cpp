@@ -34,12 +34,10 @@ std::size_t findSpan(NurbsView c, double t) {
 }
 
 // The degree-d basis functions N[s-d .. s] at t (the non-zero ones of span s) into n[0 .. d];
-// left and right are working room of d + 1 values.
+// left and right are working room of d + 1 values. Step j writes left[j], right[j] and n[j]
+// before anything reads them, so nothing needs clearing first.
 void basisFunctions(std::span<const double> u, std::size_t s, double t, std::size_t d, double* n,
                     double* left, double* right) {
-    std::fill(n, n + d + 1, 0.0);
-    std::fill(left, left + d + 1, 0.0);
-    std::fill(right, right + d + 1, 0.0);
     n[0] = 1.0;
     for (std::size_t j = 1; j <= d; ++j) {
         left[j] = t - u[s + 1 - j];
@@ -63,14 +61,14 @@ void basisWithDerivative(NurbsView c, std::size_t s, double t, double* value, do
     std::span<const double> u = c.knots;
     double* lower = scratch;  // N[s-p+1 .. s]
     basisFunctions(u, s, t, p - 1, lower, scratch + p, scratch + 2 * p);
-    auto low = [&](std::size_t i) { return (i + p < s + 1 || i > s) ? 0.0 : lower[i + p - 1 - s]; };
+    // N[i] of degree p - 1 is lower[k - 1] for i = s - p + k, and 0 outside k = 1 .. p.
     const double dp = static_cast<double>(p);
     for (std::size_t k = 0; k <= p; ++k) {
         const std::size_t i = s - p + k;
         const double a = u[i + p] - u[i];
         const double b = u[i + p + 1] - u[i + 1];
-        const double fa = a > 0 ? low(i) / a : 0.0;
-        const double fb = b > 0 ? low(i + 1) / b : 0.0;
+        const double fa = a > 0 ? (k == 0 ? 0.0 : lower[k - 1]) / a : 0.0;
+        const double fb = b > 0 ? (k == p ? 0.0 : lower[k]) / b : 0.0;
         value[k] = (t - u[i]) * fa + (u[i + p + 1] - t) * fb;
         if (derivative) derivative[k] = dp * (fa - fb);
     }
@@ -88,9 +86,6 @@ bool isWellFormed(NurbsView c) {
         return false;
     return endParam(c) > startParam(c);
 }
-
-double startParam(NurbsView c) { return c.knots[degreeOf(c)]; }
-double endParam(NurbsView c) { return c.knots[numPoints(c)]; }
 
 namespace {
 

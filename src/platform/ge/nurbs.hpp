@@ -1,4 +1,5 @@
 #pragma once
+#include <cstddef>
 #include <span>
 #include <vector>
 
@@ -31,9 +32,10 @@ struct NurbsView {
 // Degree at least 1, more control points than the degree, numControlPoints + degree + 1
 // non-decreasing knots, positive weights if any, and a non-empty knot range.
 bool isWellFormed(NurbsView curve);
-// The parameter range [knots[degree], knots[numControlPoints]].
-double startParam(NurbsView curve);
-double endParam(NurbsView curve);
+// The parameter range [knots[degree], knots[numControlPoints]]; inline, since every point of a
+// spline asks for it several times.
+inline double startParam(NurbsView curve) { return curve.knots[static_cast<std::size_t>(curve.degree)]; }
+inline double endParam(NurbsView curve) { return curve.knots[curve.controlPoints.size()]; }
 // Point and first derivative; t is clamped into the range.
 CurveSample evaluate(NurbsView curve, double t);
 // The point alone, as evaluate gives it, without the work of the derivative.

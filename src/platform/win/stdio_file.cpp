@@ -35,7 +35,7 @@ bool StartsWithBom(int fd) {
 
 // A file opened for writing only is read through a descriptor of its own.
 bool StartsWithBom(const std::filesystem::path& file) {
-    int fd = ::open(file.c_str(), O_RDONLY);
+    int fd = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0) return false;
     bool bom = StartsWithBom(fd);
     ::close(fd);
@@ -73,6 +73,18 @@ int OpenReadable(LPCTSTR fileName, int flags, std::filesystem::path& resolved, b
 }
 
 }  // namespace
+
+bool FileStartsWithBom(const std::filesystem::path& file) { return StartsWithBom(file); }
+
+std::string EncodeFileText(std::wstring_view text, bool textMode, bool utf8) {
+    std::wstring translated;
+    translated.reserve(text.size());
+    for (wchar_t c : text) {
+        if (textMode && c == L'\n') translated += L'\r';
+        translated += c;
+    }
+    return utf8 ? Utf8FromWide(translated) : AnsiFromWide(translated);
+}
 
 CStdioFile::~CStdioFile() { Close(); }
 
@@ -113,13 +125,7 @@ BOOL CStdioFile::ReadString(std::wstring& line) {
 
 void CStdioFile::WriteString(LPCTSTR text) {
     if (!stream_ || !text) return;
-    std::wstring_view source(text);
-    std::wstring translated;
-    for (wchar_t c : source) {
-        if (text_ && c == L'\n') translated += L'\r';
-        translated += c;
-    }
-    std::string bytes = utf8_ ? Utf8FromWide(translated) : AnsiFromWide(translated);
+    std::string bytes = EncodeFileText(text, text_, utf8_);
     std::fwrite(bytes.data(), 1, bytes.size(), stream_);
 }
 

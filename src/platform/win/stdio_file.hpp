@@ -3,7 +3,9 @@
 // file that begins with a UTF-8 byte-order mark is read and appended to as UTF-8. In text
 // mode (the default) a line is written with "\r\n" and read without its line end.
 #include <cstdio>
+#include <filesystem>
 #include <string>
+#include <string_view>
 
 #include "platform/win/wintypes.hpp"
 
@@ -54,3 +56,9 @@ private:
     bool text_ = true;
     bool utf8_ = false;  // the file starts with a UTF-8 byte-order mark
 };
+
+// The bytes that WriteString puts in a file for `text`: "\n" as "\r\n" in text mode, UTF-8 after
+// a byte-order mark, else the host code page.
+std::string EncodeFileText(std::wstring_view text, bool textMode, bool utf8);
+// The file begins with a UTF-8 byte-order mark.
+bool FileStartsWithBom(const std::filesystem::path& file);
