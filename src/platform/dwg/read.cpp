@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/dwg/container.hpp"
+#include "platform/dwg/filed_objects.hpp"
 #include "platform/dxf/dxf.hpp"
 #include "platform/win/codepage.hpp"
 
@@ -91,6 +92,7 @@ Acad::ErrorStatus ReadDwgSections(AcDbDatabase& db, const DwgSections& sections,
     }
     KeepFileVersion(db, sections.version);
     KeepWhole(db, kept);
+    KeepFiledObjects(db, sections);
     db.setLastError(L"");
     return Acad::eOk;
 }
