@@ -80,7 +80,7 @@ namespace {
 
 // The database filled from the records the drawing was decoded into.
 Acad::ErrorStatus ReadDecodedText(AcDbDatabase& db, const std::string& text,
-                                  std::vector<KeptData>& kept, Version version,
+                                  std::vector<KeptData>& kept, const DwgSections& sections,
                                   const std::string& name) {
     const Acad::ErrorStatus status = dxf::ReadDxfBytes(db, text, name);
     if (status != Acad::eOk) {
@@ -90,7 +90,7 @@ Acad::ErrorStatus ReadDecodedText(AcDbDatabase& db, const std::string& text,
         db.setLastError(WideFromUtf8(name) + L": offset 0: the decoded drawing was refused: " + why);
         return Acad::eDwgNeedsRecovery;
     }
-    KeepFileVersion(db, version);
+    KeepFileVersion(db, sections.version);
     KeepWhole(db, kept);
     KeepFiledObjects(db, sections);
     db.setLastError(L"");
@@ -105,7 +105,7 @@ Acad::ErrorStatus ReadDwgSections(AcDbDatabase& db, const DwgSections& sections,
     std::vector<KeptData> kept;
     MapError error;
     if (!DwgToDxfText(sections, text, kept, error)) return Fail(db, name, error.offset, error.reason);
-    return ReadDecodedText(db, text, kept, sections.version, name);
+    return ReadDecodedText(db, text, kept, sections, name);
 }
 
 Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::span<const std::uint8_t> file,
@@ -116,19 +116,20 @@ Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::span<const std::uint8_t> f
                                      std::string(file.begin(), file.begin() + std::min<std::size_t>(6, file.size())) +
                                      "\")");
     }
+    DwgContainer container;
+    MapError error;
+    if (!ReadDwgContainer(file, container, error)) return Fail(db, name, error.offset, error.reason);
+    DwgSections sections = SectionsOf(container, file);
     std::string text;
     std::vector<KeptData> kept;
-    {
-        // The decompressed sections are let go before the database fills: they are as large
-        // as the file again.
-        DwgContainer container;
-        MapError error;
-        if (!ReadDwgContainer(file, container, error) ||
-            !DwgToDxfText(SectionsOf(container, file), text, kept, error)) {
-            return Fail(db, name, error.offset, error.reason);
-        }
+    if (!DwgToDxfText(sections, text, kept, error)) return Fail(db, name, error.offset, error.reason);
+    if (!KeepsFiledObjects(sections)) {
+        // The decompressed sections are as large as the file again: they are let go before the
+        // database fills unless its objects are to keep the bytes the file stored.
+        container = {};
+        sections = {sections.version, sections.maintenance, sections.codePage, {}, {}, {}, {}};
     }
-    return ReadDecodedText(db, text, kept, version, name);
+    return ReadDecodedText(db, text, kept, sections, name);
 }
 
 }  // namespace dwg
