@@ -98,19 +98,19 @@ const SourceRecord* SourceDrawing::variable(std::string_view name) const {
 
 namespace {
 
-// Splits the tags into records at each 0 tag.
-bool Records(std::string_view dxf, std::vector<SourceRecord>& out, std::string& error) {
-    dxf::TagCursor cursor(dxf);
-    dxf::Tag tag;
-    while (cursor.next(tag)) {
-        if (tag.code == 0) {
-            out.push_back({tag.value, {}});
-        } else if (!out.empty()) {
-            out.back().tags.emplace_back(tag.code, tag.value);
-        }
+// Splits the tags into records at each 0 tag, each record's list allocated once.
+std::vector<SourceRecord> Records(std::span<const SourceTag> tags) {
+    std::vector<SourceRecord> out;
+    size_t i = 0;
+    while (i < tags.size() && tags[i].first != 0) ++i;
+    while (i < tags.size()) {
+        size_t end = i + 1;
+        while (end < tags.size() && tags[end].first != 0) ++end;
+        out.push_back({tags[i].second, {tags.begin() + static_cast<std::ptrdiff_t>(i) + 1,
+                                        tags.begin() + static_cast<std::ptrdiff_t>(end)}});
+        i = end;
     }
-    error = cursor.error();
-    return error.empty();
+    return out;
 }
 
 void ReadHeader(const SourceRecord& section, SourceDrawing& out) {
@@ -125,9 +125,8 @@ void ReadHeader(const SourceRecord& section, SourceDrawing& out) {
 
 }  // namespace
 
-bool ReadSource(std::string_view dxf, SourceDrawing& out, std::string& error) {
-    std::vector<SourceRecord> records;
-    if (!Records(dxf, records, error)) return false;
+bool ReadSource(std::span<const SourceTag> tags, SourceDrawing& out, std::string& error) {
+    std::vector<SourceRecord> records = Records(tags);
     std::string_view section;
     for (SourceRecord& r : records) {
         if (r.type == "SECTION") {
