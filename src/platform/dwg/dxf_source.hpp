@@ -16,10 +16,10 @@ namespace dwg {
 // A group code and its value's text.
 using SourceTag = std::pair<int, std::string_view>;
 
-// One record: its type (the 0 tag) and the tags after it.
+// One record: its type (the 0 tag) and the tags after it, a range of the drawing's tags.
 struct SourceRecord {
     std::string_view type;
-    std::vector<SourceTag> tags;
+    std::span<const SourceTag> tags;
 
     // The first tag of a code; empty when there is none.
     bool has(int code) const;
@@ -36,7 +36,7 @@ struct SourceRecord {
     // groups.
     std::uint64_t owner() const;
     // The tags of one subclass, from its marker to the next (a record of one subclass only,
-    // for codes that several subclasses use).
+    // for codes that several subclasses use); none when the record lacks the marker.
     SourceRecord subclass(std::string_view marker) const;
 };
 
