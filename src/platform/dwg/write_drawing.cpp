@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <thread>
 #include <unistd.h>
 
 #include "platform/dwg/encode_header.hpp"
@@ -288,6 +289,7 @@ Acad::ErrorStatus EncodeDrawing(AcDbDatabase& db, int codePage, EncodedDrawing& 
         db.setLastError(L"DWG writer: " + dxf::Wide(error));
         return Acad::eInvalidInput;
     }
+    out.context.threads = std::min(std::max(std::thread::hardware_concurrency(), 1u), 4u);
     EncodeSource(source, codePage, out);
     return Acad::eOk;
 }

@@ -1,5 +1,6 @@
-// The DWG writer takes the DXF writer's records as tags, without their text: the file it writes
-// is the one written from the DXF text of the same drawing, read back tag by tag, byte for byte.
+// The DWG writer takes the DXF writer's records as tags, without their text, and encodes a long
+// list of entities a batch per thread: the file it writes is the one written on one thread from
+// the DXF text of the same drawing, read back tag by tag, byte for byte.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -19,7 +20,7 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 
 // The file written from the DXF text: the text's tags as a reader finds them, grouped and
-// encoded as the writer does.
+// encoded as the writer does, on one thread.
 Bytes WrittenThroughText(AcDbDatabase& db, int codePage) {
     dxf::WriteOptions options;
     options.version = AcDb::kDHL_1032;
@@ -35,6 +36,7 @@ Bytes WrittenThroughText(AcDbDatabase& db, int codePage) {
     std::string error;
     EXPECT_TRUE(dwg::ReadSource(tags, source, error)) << error;
     dwg::EncodedDrawing encoded;
+    EXPECT_EQ(encoded.context.threads, 1u);
     dwg::EncodeSource(source, codePage, encoded);
     dwg::DwgWriteReport report;
     return dwg::AssembleDwg(db, encoded, report);
