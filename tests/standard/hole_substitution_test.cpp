@@ -161,6 +161,36 @@ TEST_F(HoleSubstitutionTest, three_circles_use_smallest_and_largest_and_make_one
     EXPECT_TRUE(Exists(large));
 }
 
+TEST_F(HoleSubstitutionTest, three_circles_drawn_largest_first_take_the_smallest) {
+    WriteIni(kRow);
+    AcDbObjectId large = Circle(AcGePoint3d(0, 0, 0), 16);
+    AcDbObjectId middle = Circle(AcGePoint3d(0, 0, 0), 12);
+    AcDbObjectId small = Circle(AcGePoint3d(0, 0, 0), 10, true);
+    Point(AcGePoint3d(0, 0, 0));
+    Run();
+    EXPECT_EQ(Symbols(), (std::vector<std::wstring>{L"DS"}));
+    EXPECT_FALSE(Exists(small));
+    EXPECT_TRUE(Exists(middle));
+    EXPECT_TRUE(Exists(large));
+}
+
+TEST_F(HoleSubstitutionTest, circles_whose_centres_lie_up_to_0_001_apart_are_one_hole) {
+    // The 10 circle alone is a solid one-circle hole; with the 16 circle it is a two-circle hole.
+    struct Row {
+        double offset;
+        const wchar_t* symbol;
+    };
+    for (Row row : {Row{0.0009, L"BS"}, Row{0.001, L"BS"}, Row{0.0011, L"S1"}}) {
+        hostDrawing_ = std::make_unique<AcDbDatabase>(true, true);
+        WriteIni(kRow);
+        Circle(AcGePoint3d(0, 0, 0), 10);
+        Circle(AcGePoint3d(row.offset, 0, 0), 16);
+        Point(AcGePoint3d(0, 0, 0));
+        Run();
+        EXPECT_EQ(Symbols(), (std::vector<std::wstring>{row.symbol})) << row.offset;
+    }
+}
+
 TEST_F(HoleSubstitutionTest, same_result_whichever_member_comes_last_in_drawing_order) {
     WriteIni(kRow);
     AcDbObjectId large = Circle(AcGePoint3d(0, 0, 0), 16);
