@@ -278,6 +278,20 @@ TEST_F(HoleSubstitutionTest, missing_library_file_is_reported_and_circle_stays) 
     EXPECT_NE(CgLog().find(L"换孔文件未找到\n"), std::wstring::npos);
 }
 
+TEST_F(HoleSubstitutionTest, drawing_without_tables_gives_100_and_without_a_model_space_16) {
+    HoleSubstitution holes(AcArray<tPt>(), kIni);
+    AcDbDatabase empty(false, true);
+    EXPECT_EQ(holes.SubstituteHoles(&empty, kDrawing, L"TARGET"), 100);
+    AcDbBlockTable* table = nullptr;
+    ASSERT_EQ(hostDrawing_->getBlockTable(table, AcDb::kForRead), Acad::eOk);
+    AcDbBlockTableRecord* model = nullptr;
+    ASSERT_EQ(table->getAt(L"*Model_Space", model, AcDb::kForWrite), Acad::eOk);
+    table->close();
+    model->erase();
+    model->close();
+    EXPECT_EQ(holes.SubstituteHoles(hostDrawing_.get(), kDrawing, L"TARGET"), 16);
+}
+
 TEST_F(HoleSubstitutionTest, missing_drawing_file_changes_nothing) {
     WriteIni(kRow);
     AcDbObjectId circle = Circle(AcGePoint3d(0, 0, 0), 10);
