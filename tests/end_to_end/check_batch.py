@@ -386,7 +386,7 @@ def main():
             check_sheets.check_frames(doc, check)
             check_sheets.check_dimensions(doc, expected_views, check)
             check_sheets.check_texts_apart(doc, check)
-            check_sheets.check_readers(merged, scratch, check)
+            check_sheets.check_readers(merged, scratch, tavrik, check)
             check_cleanups(doc, settings)
             check_curves.check_curves(expected_curves, doc, settings, check_rules.chained_colours(settings, nearest_colour_index), check)
             check_rules.check_curve_colours(export_spaces, doc, settings, changed_colour, nearest_colour_index,

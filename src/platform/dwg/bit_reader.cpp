@@ -7,14 +7,6 @@
 
 namespace dwg {
 
-bool BitReader::need(std::size_t count) {
-    if (failed_ || bit_ > bitEnd_ || bitEnd_ - bit_ < count) {
-        failed_ = true;
-        return false;
-    }
-    return true;
-}
-
 void BitReader::seekBit(std::size_t bit) {
     if (bit > bitEnd_) {
         failed_ = true;
@@ -33,33 +25,6 @@ void BitReader::setBitEnd(std::size_t bits) {
     if (bit_ > bitEnd_) failed_ = true;
 }
 
-std::uint64_t BitReader::bits(unsigned count) {
-    if (!need(count) || count == 0) return 0;
-    // Most reads take the eight bytes from the current one at once (values of up to 56 bits).
-    if (const std::size_t first = bit_ >> 3; count <= 56 && data_.size() - first >= 8) {
-        std::uint64_t word = 0;
-        for (std::size_t k = 0; k < 8; ++k) word = (word << 8) | data_[first + k];
-        const std::uint64_t value = (word << (bit_ & 7)) >> (64 - count);
-        bit_ += count;
-        return value;
-    }
-    std::uint64_t value = 0;
-    for (unsigned i = 0; i < count;) {
-        const std::size_t byte = bit_ >> 3;
-        const unsigned offset = bit_ & 7;
-        // Take as many bits of the current byte as are wanted.
-        const unsigned take = std::min(8 - offset, count - i);
-        const unsigned chunk = (data_[byte] >> (8 - offset - take)) & ((1u << take) - 1);
-        value = (value << take) | chunk;
-        bit_ += take;
-        i += take;
-    }
-    return value;
-}
-
-bool BitReader::B() { return bits(1) != 0; }
-std::uint8_t BitReader::BB() { return static_cast<std::uint8_t>(bits(2)); }
-
 std::uint8_t BitReader::B3() {
     std::uint8_t value = 0;
     for (int i = 0; i < 3; ++i) {
@@ -70,21 +35,23 @@ std::uint8_t BitReader::B3() {
     return value;
 }
 
-std::uint8_t BitReader::RC() { return static_cast<std::uint8_t>(bits(8)); }
-
+// Raw values are stored low byte first: the bits read high byte first, byte-swapped. At the
+// end of the stream the bytes that are there are still read, one by one.
 std::uint16_t BitReader::RS() {
+    if (has(16)) return __builtin_bswap16(static_cast<std::uint16_t>(bits(16)));
     const std::uint16_t low = RC();
     return static_cast<std::uint16_t>(low | (RC() << 8));
 }
 
 std::uint32_t BitReader::RL() {
+    if (has(32)) return __builtin_bswap32(static_cast<std::uint32_t>(bits(32)));
     const std::uint32_t low = RS();
     return low | (static_cast<std::uint32_t>(RS()) << 16);
 }
 
 double BitReader::RD() {
-    std::uint64_t raw = 0;
-    for (int i = 0; i < 8; ++i) raw |= static_cast<std::uint64_t>(RC()) << (8 * i);
+    const std::uint64_t low = RL();
+    const std::uint64_t raw = low | static_cast<std::uint64_t>(RL()) << 32;
     double value;
     std::memcpy(&value, &raw, sizeof value);
     return value;

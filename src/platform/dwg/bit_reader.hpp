@@ -3,7 +3,9 @@
 // compressed codes (bit shorts, bit doubles, modular chars, handle references...). Reading past
 // the end never touches memory outside the buffer: it marks the stream failed and gives zeros,
 // so a decoder checks failed() once at the end of an object instead of after every value.
+#include <bit>
 #include <cstddef>
+#include <cstring>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -106,7 +108,16 @@ public:
     std::string bytes(std::size_t count);
 
 private:
-    bool need(std::size_t count);
+    bool has(std::size_t count) const {
+        return !failed_ && bit_ <= bitEnd_ && bitEnd_ - bit_ >= count;
+    }
+    bool need(std::size_t count) {
+        if (!has(count)) {
+            failed_ = true;
+            return false;
+        }
+        return true;
+    }
 
     std::span<const std::uint8_t> data_;
     std::size_t bit_ = 0;
@@ -115,5 +126,31 @@ private:
     int codePage_ = 1252;
     bool failed_ = false;
 };
+
+// Inline, with the readers of a few bits: the decoders read most values a few bits at a time.
+inline std::uint64_t BitReader::bits(unsigned count) {
+    if (!need(count) || count == 0) return 0;
+    if (count > 56) {
+        const std::uint64_t high = bits(count - 32);
+        return (high << 32) | bits(32);
+    }
+    // Up to 56 bits come from one eight-byte load at the current byte. Near the end of the
+    // buffer the load takes the bytes there are: the zeros after them are never in the value.
+    const std::size_t first = bit_ >> 3;
+    std::uint64_t word = 0;
+    if (data_.size() - first >= sizeof word) {
+        std::memcpy(&word, data_.data() + first, sizeof word);
+    } else {
+        std::memcpy(&word, data_.data() + first, data_.size() - first);
+    }
+    if constexpr (std::endian::native == std::endian::little) word = __builtin_bswap64(word);
+    const std::uint64_t value = (word << (bit_ & 7)) >> (64 - count);
+    bit_ += count;
+    return value;
+}
+
+inline bool BitReader::B() { return bits(1) != 0; }
+inline std::uint8_t BitReader::BB() { return static_cast<std::uint8_t>(bits(2)); }
+inline std::uint8_t BitReader::RC() { return static_cast<std::uint8_t>(bits(8)); }
 
 }  // namespace dwg

@@ -383,7 +383,7 @@ bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<Kep
     drawing.out.tag(0, "ENDSEC");
     drawing.writeObjects();
     drawing.out.tag(0, "EOF");
-    dxf = drawing.out.text();
+    dxf = drawing.out.take();
     drawing.takeKept(kept);
     return true;
 }

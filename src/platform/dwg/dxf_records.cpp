@@ -11,34 +11,39 @@
 namespace dwg {
 
 void DxfText::tag(int code, std::string_view value) {
-    out_ += std::to_string(code);
+    char buffer[12];
+    out_.append(buffer, std::to_chars(buffer, buffer + sizeof buffer, code).ptr);
     out_ += '\n';
     // A value is one line: control characters (a line break inside an MTEXT) are written as
-    // a DXF file gives them, "^J" for a line feed.
-    for (const char c : value) {
-        if (static_cast<unsigned char>(c) < 0x20 && c != '\t') {
-            out_ += '^';
-            out_ += static_cast<char>(c + 0x40);
-        } else {
-            out_ += c;
-        }
+    // a DXF file gives them, "^J" for a line feed. The runs between them go in whole.
+    std::size_t run = 0;
+    for (std::size_t i = 0; i < value.size(); ++i) {
+        const char c = value[i];
+        if (static_cast<unsigned char>(c) >= 0x20 || c == '\t') continue;
+        out_.append(value.substr(run, i - run));
+        out_ += '^';
+        out_ += static_cast<char>(c + 0x40);
+        run = i + 1;
     }
+    out_.append(value.substr(run));
     out_ += '\n';
 }
 
 void DxfText::tag(int code, double value) {
-    char buffer[32];
-    auto end = std::to_chars(buffer, buffer + sizeof buffer, value).ptr;
-    std::string_view text(buffer, static_cast<std::size_t>(end - buffer));
+    char buffer[40];
+    auto end = std::to_chars(buffer, buffer + 32, value).ptr;
     // A whole number keeps a decimal point, as every DXF writer gives it.
-    if (text.find_first_of(".eEn") == std::string_view::npos) {
-        tag(code, std::string(text) + ".0");
-        return;
+    if (std::string_view(buffer, end).find_first_of(".eEn") == std::string_view::npos) {
+        *end++ = '.';
+        *end++ = '0';
     }
-    tag(code, text);
+    tag(code, std::string_view(buffer, end));
 }
 
-void DxfText::integer(int code, long long value) { tag(code, std::to_string(value)); }
+void DxfText::integer(int code, long long value) {
+    char buffer[24];
+    tag(code, std::string_view(buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr));
+}
 
 void DxfText::handle(int code, std::uint64_t value) {
     char buffer[20];

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 
 #include "platform/dwg/decode.hpp"
 
@@ -22,6 +23,7 @@ public:
     void point(int code, const Point2& p);
     void angle(int code, double radians);  // DXF gives angles in degrees
     const std::string& text() const { return out_; }
+    std::string take() { return std::move(out_); }  // the text, without a copy
 
 private:
     std::string out_;

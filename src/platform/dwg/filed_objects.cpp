@@ -29,10 +29,14 @@ std::span<const std::uint8_t> StoredObject(std::span<const std::uint8_t> objects
 
 }  // namespace
 
+bool KeepsFiledObjects(const DwgSections& sections) {
+    return sections.version == Version::kR2004 && (sections.codePage == 936 || sections.codePage == 1252);
+}
+
 void KeepFiledObjects(AcDbDatabase& db, const DwgSections& sections) {
     AcDbDatabase::DwgFiledObjects& filed = db.dwgFiledObjects();
     filed = {};
-    if (sections.version != Version::kR2004 || (sections.codePage != 936 && sections.codePage != 1252)) return;
+    if (!KeepsFiledObjects(sections)) return;
     std::vector<ObjectLocation> map;
     MapError error;
     if (!ParseObjectMap(sections.objectMap, map, error)) return;

@@ -16,6 +16,10 @@ namespace dwg {
 // FNV-1a over the bytes.
 std::uint64_t Fingerprint(std::span<const std::uint8_t> bytes);
 
+// Whether the objects of the drawing in `sections` are kept as stored: AC1018 files with texts in
+// code page 936 or 1252.
+bool KeepsFiledObjects(const DwgSections& sections);
+
 // After an AC1018 file with texts in code page 936 or 1252 has been read into `db`: keeps each
 // object the writer encodes from it, with its stored bytes. Other files keep nothing.
 void KeepFiledObjects(AcDbDatabase& db, const DwgSections& sections);

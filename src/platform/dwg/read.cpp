@@ -76,12 +76,12 @@ AcDb::AcDbDwgVersion DatabaseVersion(Version version) {
     return AcDb::kDHL_1018;
 }
 
-Acad::ErrorStatus ReadDwgSections(AcDbDatabase& db, const DwgSections& sections,
+namespace {
+
+// The database filled from the records the drawing was decoded into.
+Acad::ErrorStatus ReadDecodedText(AcDbDatabase& db, const std::string& text,
+                                  std::vector<KeptData>& kept, const DwgSections& sections,
                                   const std::string& name) {
-    std::string text;
-    std::vector<KeptData> kept;
-    MapError error;
-    if (!DwgToDxfText(sections, text, kept, error)) return Fail(db, name, error.offset, error.reason);
     const Acad::ErrorStatus status = dxf::ReadDxfBytes(db, text, name);
     if (status != Acad::eOk) {
         // The records are made here: a refusal is a fault of this reader, said as such.
@@ -97,6 +97,17 @@ Acad::ErrorStatus ReadDwgSections(AcDbDatabase& db, const DwgSections& sections,
     return Acad::eOk;
 }
 
+}  // namespace
+
+Acad::ErrorStatus ReadDwgSections(AcDbDatabase& db, const DwgSections& sections,
+                                  const std::string& name) {
+    std::string text;
+    std::vector<KeptData> kept;
+    MapError error;
+    if (!DwgToDxfText(sections, text, kept, error)) return Fail(db, name, error.offset, error.reason);
+    return ReadDecodedText(db, text, kept, sections, name);
+}
+
 Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::span<const std::uint8_t> file,
                                const std::string& name) {
     Version version;
@@ -108,7 +119,17 @@ Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::span<const std::uint8_t> f
     DwgContainer container;
     MapError error;
     if (!ReadDwgContainer(file, container, error)) return Fail(db, name, error.offset, error.reason);
-    return ReadDwgSections(db, SectionsOf(container, file), name);
+    DwgSections sections = SectionsOf(container, file);
+    std::string text;
+    std::vector<KeptData> kept;
+    if (!DwgToDxfText(sections, text, kept, error)) return Fail(db, name, error.offset, error.reason);
+    if (!KeepsFiledObjects(sections)) {
+        // The decompressed sections are as large as the file again: they are let go before the
+        // database fills unless its objects are to keep the bytes the file stored.
+        container = {};
+        sections = {sections.version, sections.maintenance, sections.codePage, {}, {}, {}, {}};
+    }
+    return ReadDecodedText(db, text, kept, sections, name);
 }
 
 }  // namespace dwg

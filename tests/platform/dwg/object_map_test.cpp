@@ -36,6 +36,25 @@ TEST(DwgCrc, known_value_of_the_format_polynomial) {
     EXPECT_EQ(dwg::Crc16(0, bytes), 0xBB3D);  // the check value of this polynomial
 }
 
+// The polynomial applied one bit at a time, as the format defines the CRC.
+std::uint16_t BitwiseCrc(std::uint16_t seed, const std::vector<std::uint8_t>& bytes) {
+    unsigned crc = seed;
+    for (std::uint8_t b : bytes) {
+        crc ^= b;
+        for (int k = 0; k < 8; ++k) crc = (crc & 1) ? (crc >> 1) ^ 0xA001 : crc >> 1;
+    }
+    return static_cast<std::uint16_t>(crc);
+}
+
+TEST(DwgCrc, blocks_of_eight_and_the_rest_give_the_bitwise_value_for_every_length) {
+    std::vector<std::uint8_t> bytes;
+    for (unsigned length = 0; length <= 33; ++length) {
+        EXPECT_EQ(dwg::Crc16(0xC0C1, bytes), BitwiseCrc(0xC0C1, bytes)) << length;
+        EXPECT_EQ(dwg::Crc16(0x1234, bytes), BitwiseCrc(0x1234, bytes)) << length;
+        bytes.push_back(static_cast<std::uint8_t>(length * 37 + 11));
+    }
+}
+
 TEST(DwgObjectMap, pairs_are_differences_and_each_page_starts_from_zero) {
     BitWriter first;
     first.UMC(1);
