@@ -15,8 +15,8 @@ void WriteExtendedData(BitWriter& d, const std::vector<ExtendedData>& extended) 
     d.BS(0);
 }
 
-void WriteOwnership(ObjectWriter& o, const ObjectCommon& common, bool ownerGiven, bool entity) {
-    if (ownerGiven) o.handles.H(OwnerReference(o.handle, common.owner, entity));
+void WriteOwnership(ObjectWriter& o, const ObjectCommon& common, bool ownerGiven) {
+    if (ownerGiven) o.handles.H(OwnerReference(o.handle, common.owner));
     for (std::uint64_t reactor : common.reactors) WriteHandle(o, kSoftPointer, reactor);
     if (common.extensionDictionary != 0) WriteHandle(o, kHardOwner, common.extensionDictionary);
 }
@@ -30,11 +30,11 @@ void WriteReactorsAndDictionaryFlag(BitWriter& d, const ObjectCommon& common) {
 
 }  // namespace
 
-HandleRef OwnerReference(std::uint64_t self, std::uint64_t owner, bool entity) {
+HandleRef OwnerReference(std::uint64_t self, std::uint64_t owner) {
     if (owner < self && self - owner < owner) {
         return self - owner == 1 ? HandleRef{kOneBack, 0} : HandleRef{kBack, self - owner};
     }
-    if (owner > self && !entity) {
+    if (owner > self) {
         return owner - self == 1 ? HandleRef{kOneAhead, 0} : HandleRef{kAhead, owner - self};
     }
     return {kSoftPointer, owner};
@@ -64,7 +64,7 @@ void WriteHandle(ObjectWriter& o, std::uint8_t code, std::uint64_t handle) {
 void WriteObjectCommon(ObjectWriter& o, const ObjectCommon& common) {
     WriteExtendedData(o.data, common.extended);
     WriteReactorsAndDictionaryFlag(o.data, common);
-    WriteOwnership(o, common, true, false);
+    WriteOwnership(o, common, true);
     if (o.data.version() < Version::kR2004 && common.extensionDictionary == 0) {
         WriteHandle(o, kHardOwner, 0);
     }
@@ -93,7 +93,7 @@ void WriteEntityCommon(ObjectWriter& o, const EntityCommon& common) {
     d.BS(common.invisible);
     d.RC(common.lineweight);
 
-    WriteOwnership(o, common, common.mode == 0, true);
+    WriteOwnership(o, common, common.mode == 0);
     if (v < Version::kR2004 && common.extensionDictionary == 0) WriteHandle(o, kHardOwner, 0);
     if (v < Version::kR2004 && !common.noLinks) {
         WriteHandle(o, kSoftPointer, common.previous);

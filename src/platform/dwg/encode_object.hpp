@@ -37,10 +37,10 @@ ObjectWriter BeginObject(std::int32_t type, std::uint64_t handle, Version versio
 ObjectWriter BeginEntity(std::int32_t type, const EntityCommon& common,
                          const EncodeOptions& options);
 void WriteHandle(ObjectWriter& o, std::uint8_t code, std::uint64_t handle);
-// The reference to an object's owner as AutoCAD codes it: by the distance back from the
-// object's handle where that distance is below the owner's handle; by the distance ahead for an
-// owner after an object that is not an entity; otherwise by the owner's handle.
-HandleRef OwnerReference(std::uint64_t self, std::uint64_t owner, bool entity);
+// The reference to an object's owner as AutoCAD codes it: by its distance from the object's
+// handle (ahead or back) where that distance is below the owner's handle, otherwise by the
+// owner's handle. The object's other references are absolute.
+HandleRef OwnerReference(std::uint64_t self, std::uint64_t owner);
 void WriteObjectCommon(ObjectWriter& o, const ObjectCommon& common);
 void WriteEntityCommon(ObjectWriter& o, const EntityCommon& common);
 // The object as the object data holds it: size (MS), values, handles, CRC.

@@ -59,6 +59,7 @@ public:
     using Entry = std::pair<int, std::string_view>;
     const std::vector<Entry>& tags() const { return m_tags; }
     void add(int code, std::string_view value);
+    void reserve(size_t tags) { m_tags.reserve(tags); }
     // Moves another list's tags after this one's.
     void append(DrawingTags&& other);
 

@@ -5,10 +5,14 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <map>
 #include <string>
 #include <vector>
 
+#include "platform/db/block_table_record.hpp"
 #include "platform/db/database.hpp"
+#include "platform/db/line.hpp"
+#include "platform/db/symbol_tables.hpp"
 #include "platform/dwg/write.hpp"
 #include "platform/dwg/write_context.hpp"
 #include "platform/dxf/dxf.hpp"
@@ -85,6 +89,58 @@ TEST(DwgRecordSource, generated_plate_drawing_written_from_tags_as_from_text) {
     ASSERT_EQ(dxf::ReadDxfFile(db, path), Acad::eOk);
     std::filesystem::remove(path);
     ExpectSameFile(db, 936, "plates");
+}
+
+// The tags of the DXF text of a drawing of `count` lines in model space.
+std::vector<dwg::SourceTag> LinesTags(AcDbDatabase& db, int count, std::string& text) {
+    AcDbBlockTable* blocks = nullptr;
+    db.getSymbolTable(blocks, AcDb::kForRead);
+    AcDbBlockTableRecord* model = nullptr;
+    blocks->getAt(ACDB_MODEL_SPACE, model, AcDb::kForWrite);
+    blocks->close();
+    for (int i = 0; i < count; ++i) {
+        auto* line = new AcDbLine(AcGePoint3d(i, 0, 0), AcGePoint3d(i, 10, 0));
+        line->setDatabaseDefaults(&db);
+        model->appendAcDbEntity(line);
+        line->close();
+    }
+    model->close();
+    dxf::WriteOptions options;
+    options.version = AcDb::kDHL_1032;
+    EXPECT_EQ(dxf::WriteDxfText(db, options, text), Acad::eOk);
+    std::vector<dwg::SourceTag> tags;
+    dxf::TagCursor cursor(text);
+    dxf::Tag tag;
+    while (cursor.next(tag)) tags.emplace_back(tag.code, tag.value);
+    return tags;
+}
+
+// Records without a handle take new ones in the records' order: two lines without one, in
+// different batches of a long list, get the same handles on two threads as on one.
+TEST(DwgRecordSource, records_without_handles_in_a_long_list_are_numbered_as_on_one_thread) {
+    AcDbDatabase db(true, false);
+    std::string text;
+    std::vector<dwg::SourceTag> tags = LinesTags(db, 9000, text);
+    // The handles of the 10th and the 8000th line go.
+    int lines = 0;
+    for (std::size_t i = 0; i + 1 < tags.size(); ++i) {
+        if (tags[i].first == 0 && tags[i].second == "LINE") ++lines;
+        if ((lines == 10 || lines == 8000) && tags[i].first == 0 && tags[i + 1].first == 5) {
+            tags.erase(tags.begin() + static_cast<std::ptrdiff_t>(i) + 1);
+        }
+    }
+    std::map<std::uint64_t, std::vector<std::uint8_t>> objects[2];
+    for (std::size_t threads : {1u, 2u}) {
+        dwg::SourceDrawing source;
+        std::string error;
+        ASSERT_TRUE(dwg::ReadSource(tags, source, error)) << error;
+        dwg::EncodedDrawing encoded;
+        encoded.context.threads = threads;
+        dwg::EncodeSource(source, 936, encoded);
+        objects[threads - 1] = std::move(encoded.context.objects);
+    }
+    EXPECT_GT(objects[0].size(), 9000u);
+    EXPECT_TRUE(objects[0] == objects[1]);
 }
 
 }  // namespace
