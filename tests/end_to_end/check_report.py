@@ -14,10 +14,13 @@
 
 Usage: check_report.py TAVRIK DWGVER WORKSHOP [SCREENSHOT]
 """
+import base64
 import json
 import os
 import pathlib
+import re
 import shutil
+import struct
 import subprocess
 import sys
 import tempfile
@@ -73,6 +76,12 @@ def check_json(report):
 
 def check_html(html):
     check(html.count("data:image/png;base64,") == 5, "previews: %d" % html.count("data:image/png;base64,"))
+    # Each preview is drawn 800 x 600 (the width and height of the PNG's header).
+    sizes = set()
+    for data in re.findall(r'src="data:image/png;base64,([^"]+)"', html):
+        png = base64.b64decode(data)
+        sizes.add(struct.unpack(">II", png[16:24]))
+    check(sizes == {(800, 600)}, "preview sizes: %s" % sizes)
     check("MP2305.dxf" in html and "MP2305-2.dxf" in html, "names missing in the HTML")
     # Nothing from outside: every source is inline data (Chromium does not log a missing file).
     check(html.count('src="') == html.count('src="data:image/png;base64,'), "the HTML loads outside files")
@@ -117,12 +126,14 @@ def main():
         shutil.copytree(workshop, prefix, symlinks=True)
         shutil.copy(dwgver, prefix / "drives/d/Mytool/application/dwgver.dll")
         tmp = pathlib.Path(scratch) / "tmp"
-        stale, live = "tavrik-report-%d" % ended_process_id(), "tavrik-report-%d" % os.getpid()
-        for folder in (stale, live):
+        ended = ended_process_id()
+        stale, live = "tavrik-report-%d" % ended, "tavrik-report-%d" % os.getpid()
+        other = "tavrik-report-%d-notes" % ended  # not a run's folder: the name goes on past the id
+        for folder in (stale, live, other):
             (tmp / folder).mkdir(parents=True)
             (tmp / folder / "before-0.png").write_bytes(b"left by a run")
         result = run_batch(tavrik, prefix, subprocess.PIPE, tmp)
-        check(scratch_folders(tmp) == [live], "scratch folders after the run: %s" % scratch_folders(tmp))
+        check(scratch_folders(tmp) == sorted([live, other]), "scratch folders after the run: %s" % scratch_folders(tmp))
         check(result.returncode == 0, "batch status %d: %s" % (result.returncode, result.stderr.decode(errors="replace")))
         logs = prefix / LOGS
         report_json, report_html = logs / "report.json", logs / "report.html"
