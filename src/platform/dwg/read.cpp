@@ -6,6 +6,7 @@
 
 #include "platform/dwg/container.hpp"
 #include "platform/dxf/dxf.hpp"
+#include "platform/dxf/record_feed.hpp"
 #include "platform/win/codepage.hpp"
 
 namespace dwg {
@@ -77,19 +78,21 @@ AcDb::AcDbDwgVersion DatabaseVersion(Version version) {
 
 namespace {
 
-// The database filled from the records the drawing was decoded into.
-Acad::ErrorStatus ReadDecodedText(AcDbDatabase& db, const std::string& text,
-                                  std::vector<KeptData>& kept, Version version,
-                                  const std::string& name) {
-    const Acad::ErrorStatus status = dxf::ReadDxfBytes(db, text, name);
-    if (status != Acad::eOk) {
+// The database filled from the records the drawing is decoded into, handed to the DXF reader
+// one at a time.
+Acad::ErrorStatus ReadRecords(AcDbDatabase& db, const DwgSections& sections, const std::string& name) {
+    std::vector<KeptData> kept;
+    MapError error;
+    dxf::RecordFeed feed(db, name);
+    if (!DwgToRecords(sections, feed, kept, error)) return Fail(db, name, error.offset, error.reason);
+    if (feed.finish() != Acad::eOk) {
         // The records are made here: a refusal is a fault of this reader, said as such.
         const std::wstring why = db.lastError();
         db.discardContents();
         db.setLastError(WideFromUtf8(name) + L": offset 0: the decoded drawing was refused: " + why);
         return Acad::eDwgNeedsRecovery;
     }
-    KeepFileVersion(db, version);
+    KeepFileVersion(db, sections.version);
     KeepWhole(db, kept);
     db.setLastError(L"");
     return Acad::eOk;
@@ -99,11 +102,7 @@ Acad::ErrorStatus ReadDecodedText(AcDbDatabase& db, const std::string& text,
 
 Acad::ErrorStatus ReadDwgSections(AcDbDatabase& db, const DwgSections& sections,
                                   const std::string& name) {
-    std::string text;
-    std::vector<KeptData> kept;
-    MapError error;
-    if (!DwgToDxfText(sections, text, kept, error)) return Fail(db, name, error.offset, error.reason);
-    return ReadDecodedText(db, text, kept, sections.version, name);
+    return ReadRecords(db, sections, name);
 }
 
 Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::span<const std::uint8_t> file,
@@ -114,19 +113,10 @@ Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::span<const std::uint8_t> f
                                      std::string(file.begin(), file.begin() + std::min<std::size_t>(6, file.size())) +
                                      "\")");
     }
-    std::string text;
-    std::vector<KeptData> kept;
-    {
-        // The decompressed sections are let go before the database fills: they are as large
-        // as the file again.
-        DwgContainer container;
-        MapError error;
-        if (!ReadDwgContainer(file, container, error) ||
-            !DwgToDxfText(SectionsOf(container, file), text, kept, error)) {
-            return Fail(db, name, error.offset, error.reason);
-        }
-    }
-    return ReadDecodedText(db, text, kept, version, name);
+    DwgContainer container;
+    MapError error;
+    if (!ReadDwgContainer(file, container, error)) return Fail(db, name, error.offset, error.reason);
+    return ReadRecords(db, SectionsOf(container, file), name);
 }
 
 }  // namespace dwg
