@@ -162,6 +162,8 @@ TEST_F(ConnectPline, switch_off_in_the_section_runs_all_the_same) {
     Red(AddLine(10, 0, 10, 10));
     Run(L"255 0 0;", L"0.05", L"0");
     EXPECT_EQ(Polylines().size(), 1u);
+    // The settings keep the switch forced on.
+    EXPECT_TRUE(CleanupGlobals->connectPline->BolOpen);
 }
 
 TEST_F(ConnectPline, tolerance_0_joins_nothing) {
@@ -276,6 +278,45 @@ TEST_F(ConnectPline, polyline_of_a_fork_that_no_piece_joined_stays_and_used_piec
     EXPECT_FALSE(IsGone(branch));
     // The branch's pieces were made for the chain and are gone again.
     EXPECT_EQ(LiveIds().length(), 2);
+}
+
+TEST_F(ConnectPline, polyline_with_ends_exactly_the_tolerance_apart_is_open_and_joins) {
+    AcDbObjectId open = Red(AddPolyline({0, 0, 10, 0, 10, 10, 0, 0.5}, false));
+    AcDbObjectId touching = Red(AddLine(0, 0, -10, 0));
+    Run(L"255 0 0;", L"0.5");
+    EXPECT_TRUE(IsGone(open));
+    EXPECT_TRUE(IsGone(touching));
+    EXPECT_EQ(Polylines().size(), 1u);
+}
+
+TEST_F(ConnectPline, erased_curve_gives_no_ends_and_joins_no_cluster) {
+    AcDbObjectId first = AddLine(0, 0, 10, 0);
+    AcDbObjectId erased = AddLine(10, 0, 20, 0);
+    Change(erased, [](AcDbEntity* e) { e->erase(); });
+    AcArray<AcDbObjectIdArray> clusters = ClusterCurvesByEnds(AcDbObjectIdArray{first, erased}, 0.05);
+    ASSERT_EQ(clusters.length(), 1);
+    EXPECT_EQ(clusters[0], AcDbObjectIdArray{first});
+}
+
+TEST_F(ConnectPline, entity_that_is_no_curve_is_passed_over_and_left_closed) {
+    AcDbObjectId line = AddLine(0, 0, 10, 0);
+    AcDbObjectId text = AddToDrawing(new AcDbText(AcGePoint3d(10, 0, 0), L"T"));
+    AcDbObjectIdArray used;
+    AcDbObjectId polyline = JoinChain(AcDbObjectIdArray{line, text}, AcDbObjectId(), used, 0.05);
+    ASSERT_FALSE(polyline.isNull());
+    EXPECT_EQ(used, AcDbObjectIdArray{line});
+    AcDbEntity* entity = nullptr;
+    ASSERT_EQ(acdbOpenAcDbEntity(entity, text, AcDb::kForWrite), Acad::eOk);
+    entity->close();
+}
+
+TEST_F(ConnectPline, erased_start_piece_does_not_open_and_gives_no_polyline) {
+    AcDbObjectId start = AddLine(100, 0, 110, 0);
+    AcDbObjectId next = AddLine(110, 0, 120, 0);
+    Change(start, [](AcDbEntity* e) { e->erase(); });
+    AcDbObjectIdArray used;
+    EXPECT_TRUE(JoinChain(AcDbObjectIdArray{start, next}, start, used, 0.05).isNull());
+    EXPECT_FALSE(IsGone(next));
 }
 
 }  // namespace

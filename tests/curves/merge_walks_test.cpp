@@ -152,6 +152,22 @@ TEST(BoxGrid, query_of_a_box_finds_it_in_its_own_cell_and_passes_over_far_cells)
     }
 }
 
+TEST(BoxGrid, reach_of_several_cells_widens_the_query_on_every_side) {
+    // Cells of about 8.5 units; a reach of 25 spans about three of them.
+    std::vector<FlatBox> boxes = BoxesInRows();
+    BoxGrid grid = BuildBoxGrid(boxes);
+    const double reach = 25.0;
+    for (size_t q = 0; q < boxes.size(); ++q) {
+        std::vector<size_t> found = BoxGridCandidates(grid, boxes[q], reach);
+        for (size_t i = 0; i < boxes.size(); ++i) {
+            double gapX = std::max(boxes[i].minX - boxes[q].maxX, boxes[q].minX - boxes[i].maxX);
+            double gapY = std::max(boxes[i].minY - boxes[q].maxY, boxes[q].minY - boxes[i].maxY);
+            if (gapX > reach || gapY > reach) continue;
+            EXPECT_NE(std::find(found.begin(), found.end(), i), found.end()) << "box " << i << " from " << q;
+        }
+    }
+}
+
 TEST(BoxGrid, query_over_everything_gives_every_index_once_in_order) {
     std::vector<FlatBox> boxes = BoxesInRows();
     BoxGrid grid = BuildBoxGrid(boxes);

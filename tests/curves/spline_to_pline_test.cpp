@@ -142,6 +142,32 @@ TEST_F(SplineToPline, spline_whose_half_returns_to_its_start_as_well_gives_no_po
     EXPECT_EQ(CountOfType(2004), 0);
 }
 
+TEST_F(SplineToPline, circle_whose_ends_lie_0_00001_or_more_apart_is_one_arc_span_refused_as_a_dot) {
+    // A circle from 45 degrees round to just short of its start. Ends closer than 0.00001: the
+    // first span is halved, and the two halves give a closed polyline. Ends farther apart: the
+    // whole circle is one arc span, whose two vertices stand closer than 0.02, so no polyline
+    // comes about and the spline stays.
+    struct Row {
+        const char* name;
+        double gap;
+        bool polyline;
+    };
+    const Row rows[] = {{"ends just inside 0.00001", 0.9e-5, true}, {"ends just outside 0.00001", 1.1e-5, false}};
+    for (const Row& row : rows) {
+        EraseAll();
+        double shortBy = row.gap / 5.0 * 180.0 / M_PI;
+        AcDbObjectId id = AddToDrawing(ArcSpline(P(0, 0, 0), 5.0, 45.0, 360.0 - shortBy));
+        Run();
+        EXPECT_EQ(IsGone(id), row.polyline) << row.name;
+        ASSERT_EQ(CountOfType(2004), row.polyline ? 1 : 0) << row.name;
+        if (row.polyline) {
+            Shape shape = OnlyPolyline();
+            EXPECT_TRUE(shape.closed) << row.name;
+            EXPECT_EQ(shape.vertices.size(), 2u) << row.name;
+        }
+    }
+}
+
 TEST_F(SplineToPline, complete_ellipse_stays_and_a_quarter_ellipse_becomes_a_polyline) {
     AcDbObjectId full = AddToDrawing(new AcDbEllipse(P(0, 0, 0), AcGeVector3d(0, 0, 1), AcGeVector3d(6, 0, 0), 0.5));
     AcDbObjectId quarter = AddToDrawing(

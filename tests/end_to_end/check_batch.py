@@ -372,7 +372,7 @@ def main():
             check_sheets.check_frames(doc, check)
             check_sheets.check_dimensions(doc, expected_views, check)
             check_sheets.check_texts_apart(doc, check)
-            check_sheets.check_readers(merged, scratch, check)
+            check_sheets.check_readers(merged, scratch, tavrik, check)
             check_cleanups(doc, settings)
             check_curves.check_curves(expected_curves, doc, settings, check)
             check_rules.check_no_line_on_line(export_spaces, doc, settings, check)

@@ -209,9 +209,28 @@ def check_texts_apart(doc, check):
     check(not on_top, "dimension texts on top of each other: %s" % on_top[:5])
 
 
-def check_readers(merged, scratch, check):
-    """LibreCAD's dxf2pdf converts the merged drawing, and ezdxf's drawing add-on renders it
-    (docs/render_drawing.py, which made the README's picture)."""
+# A checked-in picture is current when at most this share of its pixels (about a hundred)
+# differs from a fresh drawing by more than a quarter of the full intensity in some channel:
+# the same packages draw the same pixels, and one changed dimension text already changes
+# several dozen.
+STALE_PIXEL_SHARE = 0.0001
+
+
+def differing_share(picture, fresh):
+    """The share of pixels that differ by more than a quarter of full intensity; 1.0 when the
+    sizes differ."""
+    import matplotlib.image as image
+    import numpy
+    a, b = image.imread(picture)[..., :3], image.imread(fresh)[..., :3]
+    if a.shape != b.shape:
+        return 1.0
+    return float((numpy.abs(a - b).max(axis=2) > 0.25).mean())
+
+
+def check_readers(merged, scratch, tavrik, check):
+    """LibreCAD's dxf2pdf converts the merged drawing, ezdxf's drawing add-on renders it, and the
+    README's pictures of it (docs/workshop_merged.png by ezdxf, docs/workshop_render.png by
+    tavrik render) are the ones docs/make_pictures.sh draws from it now."""
     import os
     import pathlib
     import shutil
@@ -230,6 +249,15 @@ def check_readers(merged, scratch, check):
     sys.path.insert(0, str(docs))
     import render_drawing
     png = scratch / "merged.png"
-    status = render_drawing.render(str(merged), str(png), dpi=40)
+    status = render_drawing.render(str(merged), str(png), dpi=110)
     check(status == 0 and png.is_file() and png.stat().st_size > 10000,
           "ezdxf's drawing add-on did not render the merged drawing")
+    drawn = scratch / "render.png"
+    run = subprocess.run([tavrik, "render", str(merged), str(drawn), "--size", "1600x700"], capture_output=True)
+    check(run.returncode == 0, "tavrik render failed on the merged drawing: %s" % run.stderr[-500:])
+    for picture, fresh in ((docs / "workshop_merged.png", png), (docs / "workshop_render.png", drawn)):
+        if not fresh.is_file():
+            continue
+        share = differing_share(picture, fresh)
+        check(share <= STALE_PIXEL_SHARE, "%s is stale: %.3f%% of its pixels differ from the merged drawing's "
+              "picture (at most %.3f%%); run docs/make_pictures.sh" % (picture.name, share * 100, STALE_PIXEL_SHARE * 100))

@@ -151,6 +151,13 @@ TEST_F(RunSafety, run_after_a_killed_one_brings_back_the_hand_off_files_that_it_
     EXPECT_FALSE(fs::exists(handOff / "P-1.dxf")) << next.output;
 }
 
+TEST_F(RunSafety, lock_that_cannot_be_opened_refuses_the_run_with_its_name) {
+    fs::create_directories(prefix_ / "tavrik.lock");
+    Outcome run = Shell(Host("--script /dev/null"));
+    EXPECT_EQ(run.status, 1) << run.output;
+    EXPECT_TRUE(Says(run, (prefix_ / "tavrik.lock").string() + ": cannot open the lock")) << run.output;
+}
+
 // The recycle folder as a run of the batch leaves it: two versions of one drawing, one other file.
 class RecycleCommand : public RunSafety {
 protected:

@@ -222,4 +222,17 @@ TEST_F(Logs, LogOfAnotherPrefixTakesTheTextsWrittenUnderIt) {
     std::filesystem::remove_all(second);
 }
 
+TEST_F(Logs, TwoLogsWrittenInTurnsKeepTheirTextsWhenOneIsReplaced) {
+    WriteAt(kCgLogPath, "");
+    WriteAt(kMsgTxtPath, "");
+    AppendLogText(L"a", kCgLogPath);
+    AppendLogText(L"b", kMsgTxtPath);
+    std::filesystem::remove(ResolvePath(kMsgTxtPath));
+    WriteAt(kMsgTxtPath, "new");
+    AppendLogText(L"c", kMsgTxtPath);
+    AppendLogText(L"d", kCgLogPath);
+    EXPECT_EQ(ReadAt(kCgLogPath), "ad");
+    EXPECT_EQ(ReadAt(kMsgTxtPath), "newc");
+}
+
 }  // namespace

@@ -113,4 +113,11 @@ TEST_F(HoleConfig, present_file_is_logged_as_opened) {
     EXPECT_NE(CgLog().find(L"\n打开文件 "), std::wstring::npos);
 }
 
+TEST_F(HoleConfig, read_logs_its_start_and_the_path_before_opening_the_file) {
+    Read(L"[TYPE1]\r\n");
+    std::wstring path = kIni;
+    EXPECT_NE(CgLog().find(L"StartreRead开始处理 " + path + L"\n" + path + L"\n打开文件 " + path + L"\n"),
+              std::wstring::npos);
+}
+
 }  // namespace

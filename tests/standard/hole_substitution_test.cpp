@@ -198,11 +198,52 @@ TEST_F(HoleSubstitutionTest, diameter_off_by_more_than_tolerance_does_not_match)
     EXPECT_TRUE(Symbols().empty());
 }
 
+TEST_F(HoleSubstitutionTest, diameter_tolerance_bound_is_1e_05_inclusive) {
+    struct Row {
+        double diameter;
+        bool substituted;
+    };
+    for (Row row : {Row{3.000009, true}, Row{2.999991, true}, Row{3.000011, false}, Row{2.999989, false}}) {
+        hostDrawing_ = std::make_unique<AcDbDatabase>(true, true);
+        WriteIni(L"3.0,T3A,T3A,T3A,T3A,T3A,T3A\r\n");
+        Circle(AcGePoint3d(0, 0, 0), row.diameter);
+        Point(AcGePoint3d(0, 0, 0));
+        Run();
+        EXPECT_EQ(Symbols().size(), row.substituted ? 1u : 0u) << row.diameter;
+    }
+}
+
+// Of two circles of one diameter the sort exchanges the pair: the later one is the smallest.
+TEST_F(HoleSubstitutionTest, of_two_equal_circles_the_later_counts_as_the_smallest) {
+    WriteIni(kRow);
+    AcDbObjectId earlier = Circle(AcGePoint3d(0, 0, 0), 10, true);
+    AcDbObjectId later = Circle(AcGePoint3d(0, 0, 0), 10, false);
+    Point(AcGePoint3d(0, 0, 0));
+    Run();
+    EXPECT_EQ(Symbols(), (std::vector<std::wstring>{L"SD"}));
+    EXPECT_TRUE(Exists(earlier));
+    EXPECT_FALSE(Exists(later));
+}
+
+TEST_F(HoleSubstitutionTest, replaced_circle_is_erased_and_closed) {
+    WriteIni(kRow);
+    AcDbObjectId circle = Circle(AcGePoint3d(0, 0, 0), 10);
+    Point(AcGePoint3d(0, 0, 0));
+    Run();
+    AcDbEntity* entity = nullptr;
+    ASSERT_EQ(acdbOpenAcDbEntity(entity, circle, AcDb::kForRead, true), Acad::eOk);
+    EXPECT_TRUE(entity->isErased());
+    entity->close();
+}
+
 TEST_F(HoleSubstitutionTest, missing_library_file_is_reported_and_circle_stays) {
     WriteIni(L"10,NONE,NONE,NONE,NONE,NONE,NONE\r\n");
     AcDbObjectId circle = Circle(AcGePoint3d(0, 0, 0), 10);
     Point(AcGePoint3d(0, 0, 0));
+    testing::internal::CaptureStdout();
     Run();
+    std::wstring printed = WideFromUtf8(testing::internal::GetCapturedStdout());
+    EXPECT_NE(printed.find(L"\n找不到换孔文件 D:\\HOLES\\NONE.dwg"), std::wstring::npos);
     EXPECT_TRUE(Exists(circle));
     EXPECT_NE(CgLog().find(L"换孔文件未找到\n"), std::wstring::npos);
 }
@@ -215,7 +256,10 @@ TEST_F(HoleSubstitutionTest, missing_drawing_file_changes_nothing) {
     CollectPoints(hostDrawing_.get(), points);
     HoleSubstitution holes(points, kIni);
     holes.ReadHoleConfig(kIni);
+    testing::internal::CaptureStdout();
     holes.SubstituteHoles(hostDrawing_.get(), L"D:\\WORK\\MISSING.dwg", L"T");
+    std::wstring printed = WideFromUtf8(testing::internal::GetCapturedStdout());
+    EXPECT_NE(printed.find(L"\n未指到文件 D:\\WORK\\MISSING.dwg"), std::wstring::npos);
     EXPECT_TRUE(Exists(circle));
     EXPECT_EQ(holes.layerName, L"T");
 }

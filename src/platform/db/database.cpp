@@ -35,6 +35,7 @@ void AcDbDatabase::discardContents() {
     m_thumbnail.clear();
     m_acdsData.clear();
     m_dwgKept.clear();
+    m_dwgFiled = {};
 }
 
 // ---- Objects ----

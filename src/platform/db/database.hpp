@@ -143,6 +143,20 @@ public:
     const std::unordered_map<std::uint64_t, DwgKeptObject>& dwgKeptObjects() const {
         return m_dwgKept;
     }
+    // The objects of an AC1018 file as the file stored them (size, data and CRC), with a
+    // fingerprint of the DWG writer's own encoding of each right after the read. A DWG save
+    // whose encoding of an object still has that fingerprint (nothing the object holds has
+    // changed) writes the stored bytes instead, so that an unchanged object keeps its bits.
+    struct DwgFiledObjects {
+        int codePage = 0;  // the Windows code page of the file's texts
+        struct Filed {
+            std::uint64_t fingerprint = 0;
+            std::vector<std::uint8_t> bytes;
+        };
+        std::unordered_map<std::uint64_t, Filed> byHandle;
+    };
+    DwgFiledObjects& dwgFiledObjects() { return m_dwgFiled; }
+    const DwgFiledObjects& dwgFiledObjects() const { return m_dwgFiled; }
     // Version of the file read (AC1009 ... AC1032); the writer may keep it.
     AcDb::AcDbDwgVersion originalFileVersion() const { return m_fileVersion; }
     void setOriginalFileVersion(AcDb::AcDbDwgVersion v) { m_fileVersion = v; }
@@ -200,6 +214,7 @@ private:
     AcDbRawTags m_thumbnail;
     AcDbRawTags m_acdsData;
     std::unordered_map<std::uint64_t, DwgKeptObject> m_dwgKept;
+    DwgFiledObjects m_dwgFiled;
     AcDb::AcDbDwgVersion m_fileVersion = AcDb::kDHL_1018;
     std::wstring m_filename;
     std::wstring m_lastError;

@@ -75,6 +75,7 @@ struct Drawing {
         return it == byHandle.end() ? nullptr : &items[it->second];
     }
     void writeHeader();
+    void writeClasses();
     void writeTables();
     void writeTable(const char* name, std::int32_t recordType, std::uint64_t control);
     void writeBlocks();
@@ -174,6 +175,25 @@ void Drawing::index() {
         }
         if (item.entity && item.type != kBlock && item.type != kEndblk) owned[item.owner].push_back(i);
     }
+}
+
+// The drawing's classes in their order, so that a DWG written from the records numbers each
+// class as this file did.
+void Drawing::writeClasses() {
+    if (classes.empty()) return;
+    out.tag(0, "SECTION");
+    out.tag(2, "CLASSES");
+    for (const ClassRecord& c : classes) {
+        out.tag(0, "CLASS");
+        out.tag(1, c.dxfName);
+        out.tag(2, c.cppName);
+        out.tag(3, c.application);
+        out.tag(90, std::to_string(c.proxyFlags));
+        out.tag(91, std::to_string(c.instanceCount));
+        out.tag(280, c.wasZombie ? "1" : "0");
+        out.tag(281, c.isEntity ? "1" : "0");
+    }
+    out.tag(0, "ENDSEC");
 }
 
 void Drawing::writeHeader() {
@@ -356,6 +376,7 @@ bool WriteDrawing(Drawing& drawing, std::vector<KeptData>& kept, MapError& error
     if (!drawing.decode(error)) return false;
     drawing.index();
     drawing.writeHeader();
+    drawing.writeClasses();
     drawing.writeTables();
     drawing.writeBlocks();
     drawing.out.tag(0, "SECTION");

@@ -110,6 +110,9 @@ std::vector<std::uint8_t> FinishObject(ObjectWriter& o) {
         const unsigned count = static_cast<unsigned>(std::min<std::size_t>(8, handleBits - bit));
         d.bits(handles[bit / 8] >> (8 - count), count);
     }
+    // The last byte is filled with set bits, as AutoCAD fills it.
+    const unsigned rest = static_cast<unsigned>((8 - d.bitPosition() % 8) % 8);
+    d.bits((1u << rest) - 1, rest);
     const std::vector<std::uint8_t>& body = d.buffer();
     BitWriter size(d.version());
     size.MS(static_cast<std::uint32_t>(body.size()));

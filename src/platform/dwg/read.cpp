@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/dwg/container.hpp"
+#include "platform/dwg/filed_objects.hpp"
 #include "platform/dxf/dxf.hpp"
 #include "platform/dxf/record_feed.hpp"
 #include "platform/win/codepage.hpp"
@@ -94,6 +95,7 @@ Acad::ErrorStatus ReadRecords(AcDbDatabase& db, const DwgSections& sections, con
     }
     KeepFileVersion(db, sections.version);
     KeepWhole(db, kept);
+    KeepFiledObjects(db, sections);
     db.setLastError(L"");
     return Acad::eOk;
 }

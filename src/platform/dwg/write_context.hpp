@@ -9,6 +9,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "platform/db/database.hpp"
+#include "platform/dwg/classes.hpp"
 #include "platform/dwg/dxf_source.hpp"
 #include "platform/dwg/encode_object.hpp"
 #include "platform/dwg/hatch.hpp"
@@ -65,6 +67,18 @@ EntityCommon EntityCommonOf(const SourceRecord& r, std::uint64_t owner, WriteCon
 
 // The dimension variables of a new drawing, for those a record or the header does not give.
 DimensionVariables NewDrawingDimensionVariables();
+
+// A database turned into the objects, header variables and classes of an AC1018 file.
+struct EncodedDrawing {
+    WriteContext context;
+    HeaderVariables header;
+    std::vector<ClassRecord> classes;
+    std::int16_t measurement = 0;  // $MEASUREMENT, for the template section
+};
+
+// Encodes every object the database's DXF records give, in the code page given (936, else
+// 1252), with the objects of the file it was read from as they were not put back yet.
+Acad::ErrorStatus EncodeDrawing(AcDbDatabase& db, int codePage, EncodedDrawing& out);
 
 inline constexpr double kRadians = 0.017453292519943295;
 

@@ -6,6 +6,7 @@
 
 #include "platform/dwg/encode_header.hpp"
 #include "platform/dwg/encode_sections.hpp"
+#include "platform/dwg/filed_objects.hpp"
 #include "platform/dwg/r2004_file.hpp"
 #include "platform/dwg/write.hpp"
 #include "platform/dwg/write_tables.hpp"
@@ -156,7 +157,7 @@ void DictionariesOf(const std::vector<const SourceRecord*>& dictionaries, Header
 }
 
 // The classes the writer numbers objects by when the drawing's CLASSES section lacks them (a
-// drawing read from DWG has none): DXF name, C++ name, proxy flags.
+// drawing made in memory has none): DXF name, C++ name, proxy flags.
 struct KnownClass {
     const char* dxfName;
     const char* cppName;
@@ -241,8 +242,7 @@ bool IsSubEntity(const SourceRecord& r) {
 
 }  // namespace
 
-Acad::ErrorStatus WriteDwgBytes(AcDbDatabase& db, int codePage, std::vector<std::uint8_t>& out,
-                                DwgWriteReport& report) {
+Acad::ErrorStatus EncodeDrawing(AcDbDatabase& db, int codePage, EncodedDrawing& out) {
     dxf::WriteOptions options;
     options.version = AcDb::kDHL_1032;  // texts as UTF-8, turned into the code page here
     options.codePage = codePage;
@@ -255,13 +255,15 @@ Acad::ErrorStatus WriteDwgBytes(AcDbDatabase& db, int codePage, std::vector<std:
         db.setLastError(L"DWG writer: " + dxf::Wide(error));
         return Acad::eInvalidInput;
     }
-    WriteContext c;
+    WriteContext& c = out.context;
     c.options.version = Version::kR2004;
     c.options.codePage = codePage == 936 ? 936 : 1252;
     c.nextHandle = FirstFreeHandle(source);
     IndexNames(source, c);
-    HeaderVariables header = HeaderOf(source, c);
-    const std::vector<ClassRecord> classes = ClassesOf(source);
+    HeaderVariables& header = out.header;
+    header = HeaderOf(source, c);
+    out.classes = ClassesOf(source);
+    const std::vector<ClassRecord>& classes = out.classes;
     for (const ClassRecord& cls : classes) c.classNumbers.emplace(cls.dxfName, cls.number);
     c.dwgCodePage = DwgCodePageNumber(c.options.codePage);
     WriteTables(source, c, header.handles);
@@ -282,13 +284,26 @@ Acad::ErrorStatus WriteDwgBytes(AcDbDatabase& db, int codePage, std::vector<std:
     WriteDictionaries(dictionaries, c, withDefault);
     DictionariesOf(dictionaries, header);
     header.handseed = std::max(c.nextHandle, c.objects.empty() ? 1 : c.objects.rbegin()->first + 1);
+    out.measurement = Short(source, "$MEASUREMENT", 0);
+    return Acad::eOk;
+}
+
+Acad::ErrorStatus WriteDwgBytes(AcDbDatabase& db, int codePage, std::vector<std::uint8_t>& out,
+                                DwgWriteReport& report) {
+    EncodedDrawing encoded;
+    Acad::ErrorStatus es = EncodeDrawing(db, codePage, encoded);
+    if (es != Acad::eOk) return es;
+    WriteContext& c = encoded.context;
+    const HeaderVariables& header = encoded.header;
+    const std::vector<ClassRecord>& classes = encoded.classes;
+    PutBackFiledObjects(db, c);
 
     std::vector<ObjectLocation> map;
     std::vector<NamedSection> sections;
     sections.push_back({"AcDb:SummaryInfo", EncodeSummaryInfo()});
     sections.push_back({"AcDb:Preview", EncodePreview()});
     sections.push_back({"AcDb:RevHistory", EncodeRevisionHistory()});
-    sections.push_back({"AcDb:Template", EncodeTemplate(Short(source, "$MEASUREMENT", 0))});
+    sections.push_back({"AcDb:Template", EncodeTemplate(encoded.measurement)});
     sections.push_back({"AcDb:AcDbObjects", ObjectsSection(c, map)});
     sections.push_back({"AcDb:Handles", EncodeObjectMap(map)});
     sections.push_back({"AcDb:Classes", EncodeClassesSection(classes, c.options.version, c.options.codePage)});

@@ -62,8 +62,7 @@ tavrik::ge::Path3d PathOf(const AcDbPolyline& polyline) {
 }
 
 // Points along one segment: its ends for a straight one, arcSamples steps along an arc.
-void SampleSegment(const tavrik::ge::Path3d& path, size_t i, int arcSamples, std::vector<AcGePoint3d>& points) {
-    const auto& segment = path.segments[i];
+void SampleSegment(const tavrik::ge::PathSegment3d& segment, int arcSamples, std::vector<AcGePoint3d>& points) {
     int steps = segment.arc ? arcSamples : 1;
     for (int k = points.empty() ? 0 : 1; k <= steps; ++k)
         points.push_back(tavrik::ge::pointAt(segment, static_cast<double>(k) / steps));
@@ -72,7 +71,7 @@ void SampleSegment(const tavrik::ge::Path3d& path, size_t i, int arcSamples, std
 std::vector<AcGePoint3d> SamplePolyline(const AcDbPolyline& polyline, int arcSamples) {
     tavrik::ge::Path3d path = PathOf(polyline);
     std::vector<AcGePoint3d> points;
-    for (size_t i = 0; i < path.segments.size(); ++i) SampleSegment(path, i, arcSamples, points);
+    for (const tavrik::ge::PathSegment3d& segment : path.segments) SampleSegment(segment, arcSamples, points);
     if (points.empty() && polyline.numVerts() > 0) points.push_back(path.first);
     return points;
 }
@@ -84,7 +83,7 @@ void DrawWidePolyline(Canvas& canvas, const AcDbPolyline& polyline, const BlockC
     for (size_t i = 0; i < path.segments.size() && i < polyline.numVerts(); ++i) {
         const AcDbPolyline::Vertex& vertex = polyline.vertices()[i];
         std::vector<AcGePoint3d> points;
-        SampleSegment(path, i, arcSamples, points);
+        SampleSegment(path.segments[i], arcSamples, points);
         if (vertex.startWidth == 0.0 && vertex.endWidth == 0.0) StrokePath(canvas, context, pen, points, false);
         else FillPath(canvas, context, pen.color, {BandOutline(points, vertex.startWidth, vertex.endWidth)});
     }

@@ -72,4 +72,22 @@ TEST(InsertAnonymous, an_erased_block_frees_its_number) {
     EXPECT_TRUE(Has(target, L"*U3"));
 }
 
+TEST(InsertAnonymous, inserted_block_owns_its_entities_closed) {
+    AcDbDatabase source;
+    MakeSource(source);
+    AcDbDatabase target;
+    ASSERT_EQ(target.insert(AcGeMatrix3d::kIdentity, &source, false), Acad::eOk);
+    AcDbBlockTableRecord* block = nullptr;
+    ASSERT_EQ(acdbOpenObject(block, target.blockId(L"*U2"), AcDb::kForRead), Acad::eOk);
+    AcDbObjectIdArray ids = block->entityIds();
+    block->close();
+    ASSERT_EQ(ids.length(), 1);
+    // Closed by the insert: the copy opens for write.
+    AcDbLine* line = nullptr;
+    ASSERT_EQ(acdbOpenObject(line, ids[0], AcDb::kForWrite), Acad::eOk);
+    EXPECT_EQ(line->endPoint(), AcGePoint3d(1, 1, 0));
+    EXPECT_EQ(line->ownerId(), target.blockId(L"*U2"));
+    line->close();
+}
+
 }  // namespace

@@ -97,7 +97,8 @@ INSTANTIATE_TEST_SUITE_P(Names, SaveByName,
                          ::testing::Values(SaveCase{"plate.dwg", "AC1018"}, SaveCase{"PLATE.DWG", "AC1018"},
                                            SaveCase{"plate.Dwg", "AC1018"}, SaveCase{"plate.dxf", "  0\nSE"},
                                            SaveCase{"plate.dwg.dxf", "  0\nSE"},
-                                           SaveCase{"plate_dwg", "  0\nSE"}));
+                                           SaveCase{"plate_dwg", "  0\nSE"}, SaveCase{".dwg", "AC1018"},
+                                           SaveCase{"dwg", "  0\nSE"}));
 
 TEST(SaveAs2004, dwg_name_writes_ac1018_over_the_file_it_replaces_and_leaves_no_temporary) {
     const fs::path dir = dxftest::TempDir("save_2004");

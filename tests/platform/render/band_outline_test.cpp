@@ -32,6 +32,9 @@ TEST(RenderBands, band_of_no_point_one_point_or_one_place_is_empty) {
     EXPECT_TRUE(BandOutline({}, 1.0, 1.0).empty());
     EXPECT_TRUE(BandOutline({{1, 1, 0}}, 1.0, 1.0).empty());
     EXPECT_TRUE(BandOutline({{1, 1, 0}, {1, 1, 0}}, 1.0, 1.0).empty());
+    // Closer than 1e-12 is one place; 1e-11 apart already has a direction.
+    EXPECT_TRUE(BandOutline({{1, 1, 0}, {1 + 5e-13, 1, 0}}, 1.0, 1.0).empty());
+    EXPECT_EQ(BandOutline({{1, 1, 0}, {1 + 1e-11, 1, 0}}, 1.0, 1.0).size(), 4u);
 }
 
 TEST(RenderBands, point_whose_neighbours_coincide_is_left_out) {

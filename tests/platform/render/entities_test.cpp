@@ -2,6 +2,8 @@
 // arcs to their end, multiple inserts, attribute definitions outside blocks.
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "platform/render/picture.hpp"
 
 namespace {
@@ -58,6 +60,18 @@ TEST(RenderCurves, arc_is_drawn_up_to_its_end_angle) {
     // Just before the end, at 89 degrees.
     EXPECT_FALSE(IsBackgroundLight(Ink(picture, Column(50.7), 50)));
     EXPECT_TRUE(IsBackgroundLight(Ink(picture, Column(48), 50)));
+}
+
+// A point of the circle of centre (50, 50) and radius 40 at the given angle in degrees.
+bool InkOnCircleAt(const Picture& picture, double degrees) {
+    return InkNear(picture, 50.0 + 40.0 * std::cos(degrees * M_PI / 180), 50.0 + 40.0 * std::sin(degrees * M_PI / 180));
+}
+
+TEST(RenderCurves, arc_far_from_angle_zero_is_drawn_along_its_whole_sweep_and_no_further) {
+    // From 170 to 190 degrees: its parameters run from 2.97 to 3.32, not from 0.
+    Picture picture = Drawn("arc_from_170", "0\nARC\n8\n0\n10\n50\n20\n50\n40\n40\n50\n170\n51\n190\n");
+    for (double degrees : {172.0, 180.0, 188.0}) EXPECT_TRUE(InkOnCircleAt(picture, degrees)) << degrees;
+    for (double degrees : {160.0, 200.0}) EXPECT_FALSE(InkOnCircleAt(picture, degrees)) << degrees;
 }
 
 TEST(RenderBlocks, multiple_insert_draws_the_block_once_per_cell) {

@@ -51,6 +51,9 @@ TEST(MTextFormat, width_oblique_tracking_and_true_colour_are_read) {
     EXPECT_DOUBLE_EQ(look.tracking, 1.5);
     EXPECT_TRUE(look.hasTrueColor);
     EXPECT_EQ(look.trueColor, 255u);
+    auto unreadable = ParseMText(L"\\cred;a", 2.5)[0][0].look;
+    EXPECT_TRUE(unreadable.hasTrueColor);
+    EXPECT_EQ(unreadable.trueColor, 0u);  // a value that is no number is black
     auto back = ParseMText(L"\\c255;\\C3;a", 2.5)[0][0].look;
     EXPECT_FALSE(back.hasTrueColor);
     EXPECT_EQ(back.colorIndex, 3);
@@ -101,6 +104,14 @@ struct StackCase {
     const wchar_t* upper;
     const wchar_t* lower;
 };
+
+TEST(MTextFormat, backslash_that_ends_the_contents_inside_a_stack_is_kept_as_itself) {
+    auto runs = ParseMText(L"\\S1^2\\", 2.5)[0];
+    ASSERT_EQ(runs.size(), 1u);
+    EXPECT_EQ(runs[0].stack, StackKind::kTolerance);
+    EXPECT_EQ(runs[0].upper, L"1");
+    EXPECT_EQ(runs[0].lower, L"2\\");
+}
 
 TEST(MTextFormat, stack_is_split_at_its_first_unescaped_separator) {
     const StackCase cases[] = {

@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <cstdlib>
+
+#include "platform/win/faults.hpp"
 #include "platform/win/files.hpp"
 #include "platform/win/library.hpp"
 #include "prefix_fixture.hpp"
@@ -49,6 +53,7 @@ TEST_F(FileServices, ExistenceTestsTellFilesFromFolders) {
     EXPECT_FALSE(PathFileExistsW(L"D:\\dir\\g.txt"));
     EXPECT_EQ(GetFileAttributesW(L"D:\\dir") & FILE_ATTRIBUTE_DIRECTORY, FILE_ATTRIBUTE_DIRECTORY);
     EXPECT_EQ(GetFileAttributesW(L"D:\\nothing"), INVALID_FILE_ATTRIBUTES);
+    EXPECT_EQ(GetFileAttributesW(L"D:\\dir\\f.txt"), FILE_ATTRIBUTE_NORMAL);  // written by its owner
 }
 
 TEST_F(FileServices, AccessTakesANarrowPathInTheHostCodePage) {
@@ -64,6 +69,19 @@ TEST_F(FileServices, LoadLibraryFailsOnAMissingFileAndFindsExportsOfALoadedOne) 
     EXPECT_NE(GetProcAddress(c, "strlen"), nullptr);
     EXPECT_EQ(GetProcAddress(c, "no_such_export"), nullptr);
     EXPECT_TRUE(FreeLibrary(c));
+}
+
+TEST_F(FileServices, CopyFileOntoAFullDriveFailsAndKeepsTheTarget) {
+    WriteBytes("drives/d/a.dxf", "the export");
+    WriteBytes("drives/d/b.dxf", "converted");
+    ::setenv(kFullDriveVariable, "D", 1);
+    errno = 0;
+    BOOL copied = CopyFileW(L"D:\\b.dxf", L"D:\\a.dxf", FALSE);
+    int reason = errno;
+    ::unsetenv(kFullDriveVariable);
+    EXPECT_FALSE(copied);
+    EXPECT_EQ(reason, ENOSPC);
+    EXPECT_EQ(ReadBytes(prefix_ / "drives/d/a.dxf"), "the export");
 }
 
 }  // namespace

@@ -49,4 +49,12 @@ TEST_F(KilledCopy, next_copy_onto_the_target_removes_the_killed_ones_temporary) 
     EXPECT_EQ(ReadBytes(prefix_ / "drives/d/a.dxf"), "converted");
 }
 
+TEST_F(KilledCopy, temporary_name_without_a_process_id_is_left_alone) {
+    WriteBytes("drives/d/a.dxf", "the export as handed off");
+    WriteBytes("drives/d/b.dxf", "converted");
+    WriteBytes("drives/d/a.dxf.tmp", "somebody else's");
+    ASSERT_TRUE(CopyFileW(L"D:\\b.dxf", L"D:\\a.dxf", FALSE));
+    EXPECT_EQ(ReadBytes(prefix_ / "drives/d/a.dxf.tmp"), "somebody else's");
+}
+
 }  // namespace

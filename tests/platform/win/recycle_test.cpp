@@ -148,4 +148,53 @@ TEST_F(Recycle, recycle_days_that_is_not_a_number_fails_to_open_the_prefix) {
     EXPECT_NE(error.find("RecycleDays must be a number of days"), std::string::npos) << error;
 }
 
+TEST_F(Recycle, file_outside_the_prefix_needs_no_copy_before_it_is_overwritten) {
+    fs::path outside = prefix_.string() + "-outside.txt";
+    { std::ofstream(outside, std::ios::binary) << "not ours"; }
+    std::string error;
+    EXPECT_TRUE(RecycleCopy(outside, error)) << error;
+    EXPECT_TRUE(ListRecycle(prefix_).empty());
+    fs::remove(outside);
+}
+
+TEST_F(Recycle, copy_over_a_file_fails_when_the_old_one_cannot_be_kept) {
+    WriteBytes("drives/d/a.dxf", "old");
+    WriteBytes("drives/d/b.dxf", "new");
+    fs::remove_all(prefix_ / kRecycleFolderName);
+    WriteBytes(kRecycleFolderName, "a file where the recycle folder goes");
+    EXPECT_FALSE(CopyFileW(L"D:\\b.dxf", L"D:\\a.dxf", FALSE));
+    EXPECT_EQ(ReadBytes(prefix_ / "drives/d/a.dxf"), "old");
+}
+
+TEST_F(Recycle, restore_onto_a_folder_fails_and_keeps_the_folder) {
+    WriteBytes("drives/d/a.dxf", "kept");
+    ASSERT_TRUE(DeleteFileW(L"D:\\a.dxf"));
+    fs::create_directories(prefix_ / "drives/d/a.dxf");
+    std::vector<RecycledFile> files = ListRecycle(prefix_);
+    ASSERT_EQ(files.size(), 1u);
+    std::string error;
+    EXPECT_FALSE(RestoreRecycled(prefix_, files[0].item, error));
+    EXPECT_NE(error.find("a.dxf: cannot restore"), std::string::npos) << error;
+    EXPECT_TRUE(fs::is_directory(prefix_ / "drives/d/a.dxf"));
+}
+
+TEST_F(Recycle, deleted_file_of_the_same_size_with_other_bytes_keeps_its_own) {
+    WriteBytes("drives/d/a.dxf", "sheet one");
+    ASSERT_TRUE(DeleteFileW(L"D:\\a.dxf"));
+    WriteBytes("drives/d/b.dxf", "sheet two");
+    ASSERT_TRUE(DeleteFileW(L"D:\\b.dxf"));
+    std::vector<RecycledFile> files = ListRecycle(prefix_);
+    ASSERT_EQ(files.size(), 2u);
+    for (const RecycledFile& file : files)
+        EXPECT_EQ(ReadBytes(prefix_ / kRecycleFolderName / file.item),
+                  file.original == "drives/d/a.dxf" ? "sheet one" : "sheet two") << file.original;
+}
+
+TEST_F(Recycle, whole_file_read_replaces_what_the_string_held) {
+    WriteBytes("drives/d/a.txt", "text");
+    std::string bytes = "left over", error;
+    ASSERT_TRUE(ReadWholeFile(prefix_ / "drives/d/a.txt", bytes, error)) << error;
+    EXPECT_EQ(bytes, "text");
+}
+
 }  // namespace

@@ -1,0 +1,31 @@
+#pragma once
+// Objects of an AC1018 file kept as the file stored them, so that a save puts back the bits of
+// every object that has not changed since the read. "Not changed" is judged by the writer's own
+// encoding: the fingerprint of the object's encoding right after the read against the one at
+// the save. The writer's encoding of an object need not be AutoCAD's bit for bit (padding bits
+// and the choice between absolute and relative handle references differ) for this to hold.
+#include <cstdint>
+#include <span>
+
+#include "platform/db/database.hpp"
+#include "platform/dwg/drawing.hpp"
+#include "platform/dwg/write_context.hpp"
+
+namespace dwg {
+
+// FNV-1a over the bytes.
+std::uint64_t Fingerprint(std::span<const std::uint8_t> bytes);
+
+// Whether the objects of the drawing in `sections` are kept as stored: AC1018 files with texts in
+// code page 936 or 1252.
+bool KeepsFiledObjects(const DwgSections& sections);
+
+// After an AC1018 file with texts in code page 936 or 1252 has been read into `db`: keeps each
+// object the writer encodes from it, with its stored bytes. Other files keep nothing.
+void KeepFiledObjects(AcDbDatabase& db, const DwgSections& sections);
+
+// Replaces the writer's encoding of each object whose fingerprint is that of the read by the
+// bytes the file stored, when the file's code page is the one being written.
+void PutBackFiledObjects(const AcDbDatabase& db, WriteContext& c);
+
+}  // namespace dwg

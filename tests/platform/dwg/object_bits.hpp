@@ -1,0 +1,79 @@
+#pragma once
+// The objects of a DWG file by handle, as the bytes the file stores for each (after its size,
+// before its CRC), and the differences between two files object by object.
+#include <cstdint>
+#include <cstdio>
+#include <map>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "platform/dwg/container.hpp"
+#include "platform/dwg/object_map.hpp"
+#include "platform/dwg/object_stream.hpp"
+
+namespace dwg_test {
+
+struct StoredObject {
+    std::int32_t type = 0;
+    std::vector<std::uint8_t> bytes;
+};
+
+// Every object the map lists, by handle; empty when the file does not read.
+inline std::map<std::uint64_t, StoredObject> StoredObjects(std::span<const std::uint8_t> file) {
+    std::map<std::uint64_t, StoredObject> out;
+    dwg::DwgContainer container;
+    dwg::MapError error;
+    if (!dwg::ReadDwgContainer(file, container, error)) return out;
+    const dwg::DwgSections sections = dwg::SectionsOf(container, file);
+    std::vector<dwg::ObjectLocation> map;
+    if (!dwg::ParseObjectMap(sections.objectMap, map, error)) return out;
+    for (const dwg::ObjectLocation& at : map) {
+        dwg::ObjectStreams object;
+        if (!dwg::OpenObject(sections.objects, at.offset, sections.version, sections.codePage, object, error))
+            continue;
+        const std::size_t start = static_cast<std::size_t>(at.offset);
+        const std::size_t sizeBytes = object.size >= 0x8000 ? 4 : 2;
+        const auto bytes = sections.objects.subspan(start + sizeBytes, object.size);
+        out[at.handle] = {object.type, {bytes.begin(), bytes.end()}};
+    }
+    return out;
+}
+
+// The first bit at which two byte strings differ; their shorter length in bits when one is the
+// start of the other.
+inline std::size_t FirstDifferentBit(const std::vector<std::uint8_t>& a, const std::vector<std::uint8_t>& b) {
+    const std::size_t n = std::min(a.size(), b.size());
+    for (std::size_t i = 0; i < n; ++i) {
+        if (a[i] == b[i]) continue;
+        int bit = 0;
+        while (((a[i] ^ b[i]) & (0x80 >> bit)) == 0) ++bit;
+        return i * 8 + static_cast<std::size_t>(bit);
+    }
+    return n * 8;
+}
+
+// The objects of `original` that `written` holds with other bytes, one line each: handle,
+// type, both sizes and the first bit that differs. Objects `written` lacks are listed too.
+inline std::vector<std::string> ObjectDifferences(const std::map<std::uint64_t, StoredObject>& original,
+                                                  const std::map<std::uint64_t, StoredObject>& written) {
+    std::vector<std::string> out;
+    for (const auto& [handle, object] : original) {
+        char line[160];
+        const auto it = written.find(handle);
+        if (it == written.end()) {
+            std::snprintf(line, sizeof line, "%llX type %d: not written",
+                          static_cast<unsigned long long>(handle), object.type);
+        } else if (it->second.bytes != object.bytes) {
+            std::snprintf(line, sizeof line, "%llX type %d: %zu bytes, written %zu, from bit %zu",
+                          static_cast<unsigned long long>(handle), object.type, object.bytes.size(),
+                          it->second.bytes.size(), FirstDifferentBit(object.bytes, it->second.bytes));
+        } else {
+            continue;
+        }
+        out.push_back(line);
+    }
+    return out;
+}
+
+}  // namespace dwg_test
