@@ -25,4 +25,9 @@ end=$(date +%s.%N)
 awk -v s="$start" -v e="$end" '{ r = $3; w = $6 }
      END { t = e - s; printf "batch %.2f s, without the 2 s quit timer %.2f s; codec read + write %.2f s; ratio %.1fx\n",
                         t, t - 2, r + w, (t - 2) / (r + w) }' "$work/codec.txt"
+# The run report's time of the drawing: from the start of the run to the drawing's save, the
+# report's own work taken out (ProcessDrawing in wall time, with the load before it).
+report="$work/prefix/drives/d/Mytool/cad/report.json"
+[ -f "$report" ] && grep -o '"seconds": [0-9.]*' "$report" | head -n 1 |
+    awk '{ printf "ProcessDrawing %.2f s in wall time (the run report'"'"'s time of the drawing)\n", $2 }'
 TMPDIR="$work" "$build/bench/cleanup_bench" "$work/sheet.dxf"

@@ -13,9 +13,9 @@ drawing's database is closed (the line "关闭" of Cg.log), and the slope of tho
 second half of the drawings is given in KB per drawing. Two things stay by design. The module's
 own deliberate leak is one clean-up object per drawing that the pipeline never frees (a database
 pointer and two linetype names: about 150 bytes); the scratch databases it keeps on a failed
-read do not occur in this batch. The host's run report keeps each drawing's summary and its two
-PNG previews until it writes report.html at the end; the report's size per drawing is given
-beside the slope ("report KB/dr"), as the part of the slope that the report accounts for.
+read do not occur in this batch. The host's run report keeps each drawing's summary (counts
+and texts) until it writes its files at the end; its PNG previews wait on disk. The report's
+size per drawing is given beside the slope ("report KB/dr"); the previews are most of it.
 
 usage: /usr/bin/python3 soak_bench.py BUILD_DIR [N ...]      (default N: 25 50 100 200)
 """

@@ -474,8 +474,9 @@ def sheet_core_insert(msp, origin):
     m.arc((95.0, 5.0), 5.0, 315.0, 360.0)
     m.arc((95.0, 65.0), 5.0, 0.0, 90.0)
     m.arc((5.0, 65.0), 5.0, 90.0, 180.0)
+    # M6 tapped holes; the last one is tapped from the back: both its circles are dashed.
     for i, c in enumerate(((10.0, 10.0), (90.0, 10.0), (10.0, 60.0), (90.0, 60.0))):
-        s.tapped(m, c, 5.0, 6.0, mirrored=i == 0)
+        s.tapped(m, c, 5.0, 6.0, mirrored=i == 0, back=i == 3)
     m.circle((35.0, 35.0), 4.0)  # ejector pins
     m.circle((65.0, 35.0), 4.0)
     # Vent holes 2 in a grid: with them the view holds more circles than CIRCOUNT and gets its

@@ -1,6 +1,8 @@
 // The run report as files: report.json for scripts, report.html for people (one file, the
 // previews inline as PNG data, no outside resources).
 #include <cstdio>
+#include <fstream>
+#include <iterator>
 
 #include "run_report.hpp"
 
@@ -44,7 +46,9 @@ std::string DrawingJson(const DrawingReport& d) {
            ", \"holesReplaced\": " + std::to_string(d.holesReplaced) + ", \"log\": " + JsonList(d.logLines) + "}";
 }
 
-std::string Image(const std::string& png, const std::string& alt) {
+std::string Image(const std::filesystem::path& file, const std::string& alt) {
+    std::ifstream in(file, std::ios::binary);
+    std::string png{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
     if (png.empty()) return "<p class=\"none\">no preview</p>";
     return "<img alt=\"" + Html(alt) + "\" src=\"data:image/png;base64," + Base64(png) + "\">";
 }

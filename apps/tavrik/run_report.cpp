@@ -2,10 +2,13 @@
 // each drawing and the merged one when the batch saves it, and the lines of Cg.log.
 #include "run_report.hpp"
 
+#include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
+#include <cstdlib>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
@@ -109,18 +112,39 @@ DrawingFacts FactsOf(const AcDbDatabase& db) {
     return facts;
 }
 
-std::string Preview(const AcDbDatabase& db, const std::string& name) {
+// This run's previews wait in TMPDIR's folder "tavrik-report-PID" until the report is written.
+constexpr const char* kScratchStem = "tavrik-report-";
+
+fs::path TempFolder() {
     const char* tmp = std::getenv("TMPDIR");
-    fs::path file = fs::path(tmp ? tmp : "/tmp") / ("tavrik-report-" + std::to_string(::getpid()) + "-" + name + ".png");
+    return tmp ? tmp : "/tmp";
+}
+
+fs::path ScratchFolder() { return TempFolder() / (kScratchStem + std::to_string(::getpid())); }
+
+// Scratch folders of runs that were killed before they wrote their report: their process no
+// longer runs.
+void RemoveStaleScratchFolders() {
+    const std::string stem = kScratchStem;
+    std::error_code error;
+    for (const fs::directory_entry& entry : fs::directory_iterator(TempFolder(), error)) {
+        std::string name = entry.path().filename().string();
+        if (name.rfind(stem, 0) != 0 || name.find_first_not_of("0123456789", stem.size()) != std::string::npos) continue;
+        pid_t owner = static_cast<pid_t>(std::atol(name.c_str() + stem.size()));
+        std::error_code ignored;
+        if (owner > 0 && ::kill(owner, 0) != 0 && errno == ESRCH) fs::remove_all(entry.path(), ignored);
+    }
+}
+
+// Draws the drawing into the scratch folder; the file, or an empty path when it could not be drawn.
+fs::path Preview(const AcDbDatabase& db, const std::string& name) {
+    fs::path file = ScratchFolder() / (name + ".png");
     tavrik::render::Options options;
     options.width = 800;
     options.height = 600;
     std::string error;
     if (tavrik::render::RenderDrawing(db, file.string(), options, error) != 0) return {};
-    std::string bytes = ReadBytes(file);
-    std::error_code ignored;
-    fs::remove(file, ignored);
-    return bytes;
+    return file;
 }
 
 double DistanceToBox(const AcGePoint3d& p, const tavrik::render::Window& box) {
@@ -267,6 +291,19 @@ bool WriteReplacing(const fs::path& target, const std::string& bytes) {
     return !error;
 }
 
+// report.json and report.html beside Cg.log; none when the batch stopped early and left its
+// hand-off.
+void WriteReport(Watch& watch) {
+    std::error_code error;
+    if (fs::exists(watch.handOffLog, error)) return;
+    AssignLogLines(watch);
+    fs::path folder = watch.cgLog.parent_path();
+    fs::create_directories(folder, error);
+    bool ok = WriteReplacing(folder / "report.json", ReportJson(watch.report)) &&
+              WriteReplacing(folder / "report.html", ReportHtml(watch.report));
+    if (!ok) std::fprintf(stderr, "tavrik: cannot write the run report in %s\n", folder.c_str());
+}
+
 }  // namespace
 
 void BeginRunReport() {
@@ -277,6 +314,9 @@ void BeginRunReport() {
     std::vector<std::wstring> ugm = Lines(DecodeTextBytes(ReadBytes(watch.handOffLog)));
     if (ugm.size() < 2 || ugm[1].find(L'.') == std::wstring::npos) return;
     watch.active = true;
+    RemoveStaleScratchFolders();
+    std::error_code created;
+    fs::create_directories(ScratchFolder(), created);
     watch.mergedFolder = ResolvePath(ugm[0]).lexically_normal();
     if (!watch.mergedFolder.has_filename()) watch.mergedFolder = watch.mergedFolder.parent_path();
     watch.cgLog = ResolvePath(kLogFolder) / "Cg.log";
@@ -293,13 +333,8 @@ void BeginRunReport() {
 void FinishRunReport() {
     Watch& watch = TheWatch();
     dxf::SetDrawingSavedObserver(nullptr);
+    if (!watch.active) return;
+    WriteReport(watch);
     std::error_code error;
-    // A batch that stopped early leaves its hand-off: no report then.
-    if (!watch.active || fs::exists(watch.handOffLog, error)) return;
-    AssignLogLines(watch);
-    fs::path folder = watch.cgLog.parent_path();
-    fs::create_directories(folder, error);
-    bool ok = WriteReplacing(folder / "report.json", ReportJson(watch.report)) &&
-              WriteReplacing(folder / "report.html", ReportHtml(watch.report));
-    if (!ok) std::fprintf(stderr, "tavrik: cannot write the run report in %s\n", folder.c_str());
+    fs::remove_all(ScratchFolder(), error);
 }

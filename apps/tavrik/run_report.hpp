@@ -17,7 +17,9 @@ struct DrawingReport {
     bool finished = false;           // the batch saved it
     double seconds = 0.0;            // from the previous drawing's save (or the start) to its save
     DrawingSummary before, after;
-    std::string previewBefore, previewAfter;  // PNG bytes
+    // PNG files in the run's scratch folder (empty when none was drawn): a batch of many
+    // drawings keeps its previews on disk until the report is written, not in memory.
+    std::filesystem::path previewBefore, previewAfter;
     int sheets = 0;
     std::vector<std::string> frames;
     std::map<std::string, int> dimensionsPerView;  // by view layer: FRONT, LEFT, TOP
@@ -28,7 +30,7 @@ struct DrawingReport {
 struct RunReport {
     std::vector<DrawingReport> drawings;
     std::string mergedPath;  // as the batch named it
-    std::string mergedPreview;
+    std::filesystem::path mergedPreview;
     DrawingSummary merged;
     bool mergedSeen = false;
 };
@@ -36,7 +38,8 @@ struct RunReport {
 // Called by the host before the modules load: notes the hand-off's drawings and starts watching
 // saves. Without a hand-off it does nothing, and FinishRunReport writes nothing.
 void BeginRunReport();
-// Called when the host's loop has ended: writes the report when the hand-off is gone.
+// Called when the host's loop has ended: writes the report when the hand-off is gone, and
+// removes the previews' scratch folder.
 void FinishRunReport();
 
 // The report's two files, from what was gathered.

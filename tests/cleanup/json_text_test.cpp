@@ -203,6 +203,11 @@ TEST(JsonText, keys_inside_arrays_are_not_gathered) {
     EXPECT_EQ(Keys(Object(L"{\"a\":[{\"k\":1},{\"q\":2}],\"b\":3}")), (std::vector<std::wstring>{L"a", L"b"}));
 }
 
+TEST(JsonText, key_characters_between_brackets_are_left_out_of_its_name) {
+    // "a[b]c" gathers as "ac", which the member look-up finds at the first key's place.
+    EXPECT_EQ(Keys(Object(L"{\"ac\":5,\"a[b]c\":1}")), (std::vector<std::wstring>{L"ac", L"ac"}));
+}
+
 TEST(JsonText, parse_clears_the_name_of_a_reused_object) {
     JsonObject object;
     object.name = L"old";

@@ -117,6 +117,12 @@ TEST_F(LineDeviation, offset_zero_gives_a_copy_of_equal_length_and_the_source_go
     EXPECT_NEAR(boxes[0].maxPoint().x, 10.0, 1e-9);
 }
 
+TEST_F(LineDeviation, replaced_polyline_is_erased_and_closed) {
+    AcDbObjectId square = Square(1);
+    Run(L"[{\"Color\":\"255 0 0\"}]");
+    EXPECT_TRUE(IsErased(square));
+}
+
 TEST_F(LineDeviation, polyline_on_a_locked_layer_reads_no_layer_and_stays) {
     AcDbObjectId square = Square(1);
     LayerState(L"DEV", 7, true);

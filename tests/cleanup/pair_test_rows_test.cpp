@@ -118,6 +118,19 @@ TEST_F(PairTestRows, arcs_need_radii_strictly_within_the_tolerance_and_centres_w
     }
 }
 
+TEST_F(PairTestRows, arcs_whose_radii_differ_by_exactly_the_tolerance_stay_though_one_lies_on_the_other) {
+    // The narrow arc runs within the band of the wide one's circle about the angle 180.
+    struct Row {
+        double radius;
+        PairVerdict verdict;
+    };
+    tCurve wide = Arc(0, 0, 5, kQuarter, 3 * kQuarter);
+    for (Row row : {Row{5.4999, PairVerdict::secondDies}, Row{5.5, PairVerdict::none}}) {
+        tCurve narrow = Arc(0.25, 0, row.radius, 2 * kQuarter - 0.15, 2 * kQuarter + 0.15);
+        EXPECT_EQ(CurvePairTest(wide, narrow, 0.5), row.verdict) << row.radius;
+    }
+}
+
 TEST_F(PairTestRows, circles_with_centres_and_radii_within_the_tolerance_bounds_included) {
     struct Row {
         double x, radius;
@@ -147,6 +160,14 @@ TEST_F(PairTestRows, lines_meet_no_arc_circle_or_spline_row) {
     tCurve arc = Arc(5, 0, 5, 2 * kQuarter, 4 * kQuarter);
     tCurve spline = SplineRecord({AcGePoint3d(0, 0, 0), AcGePoint3d(10, 0, 0)});
     for (const tCurve* other : {&circle, &arc, &spline}) {
+        EXPECT_EQ(CurvePairTest(line, *other, 0.5), PairVerdict::none) << other->typeCode;
+        EXPECT_EQ(CurvePairTest(*other, line, 0.5), PairVerdict::none) << other->typeCode;
+    }
+    // A line's record has its centre at the origin and radius 0: a small circle or arc there is
+    // near it, and still no row compares them.
+    tCurve dot = Circle(0, 0, 0.25);
+    tCurve bend = Arc(0, 0, 0.25, 0, kQuarter);
+    for (const tCurve* other : {&dot, &bend}) {
         EXPECT_EQ(CurvePairTest(line, *other, 0.5), PairVerdict::none) << other->typeCode;
         EXPECT_EQ(CurvePairTest(*other, line, 0.5), PairVerdict::none) << other->typeCode;
     }

@@ -569,6 +569,25 @@ TEST(ChordBulge, true_midpoint_gives_the_tangent_of_a_quarter_angle_and_another_
     EXPECT_GT(off, 0.0);
 }
 
+TEST(ChordBulge, sign_turns_on_a_strictly_positive_cross_product) {
+    // Over the chord from (0,0) to (10,0) a mid point at height y gives the cross product -10 y.
+    struct Case {
+        const char* name;
+        double y;
+        bool positive;
+    };
+    const Case cases[] = {
+        {"cross product just above 0", -1e-3, true},
+        {"cross product on 0", 0.0, false},
+        {"cross product just below 0", 1e-3, false},
+    };
+    for (const auto& c : cases) {
+        double bulge = ChordBulge(P(0, 0, 0), P(5, c.y, 0), P(10, 0, 0));
+        EXPECT_EQ(!std::signbit(bulge), c.positive) << c.name;
+        EXPECT_NEAR(std::fabs(bulge), std::fabs(c.y) / 5.0, 1e-7) << c.name;
+    }
+}
+
 TEST(ChordBulge, straight_run_is_a_negative_zero) {
     double bulge = ChordBulge(P(0, 0, 0), P(5, 0, 0), P(10, 0, 0));
     EXPECT_EQ(bulge, 0.0);

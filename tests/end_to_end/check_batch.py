@@ -9,6 +9,8 @@
   left, the first diameter sign of each text reads %%c, entities stand on the layer of the file
   number and the colour rows ([FILLAY], [SCRSET]), layers are converted by table ([CONVERT]),
   dimensions stand on the DIM layer;
+- each marked hole carries its symbol on the layer of its smallest circle, which is gone
+  (check_holes);
 - Cg.log holds the expected trace, line for line; Log.log holds, for each drawing, the start and
   end lines of the clean-ups in the order the pipeline runs them; msg.txt, the hand-off files and
   the single drawings are gone;
@@ -28,6 +30,7 @@ import ezdxf
 from ezdxf import recover
 
 import check_curves
+import check_holes
 import check_rules
 import check_sheets
 import dimension_rules
@@ -250,6 +253,15 @@ def part_geometry(paths, settings, standard):
     return found
 
 
+def final_layer_of(settings, standard):
+    """For an export and its model space: the layer each entity ends on in the merged drawing."""
+    def layer_for(path, msp):
+        target = standard.target_layer(path)
+        modified = check_rules.modified_colours(msp, settings, changed_colour, nearest_colour_index)
+        return lambda entity: cleaned_signature(entity, settings, standard, target, modified.get(id(entity)))[1]
+    return layer_for
+
+
 def merged_signature(entity):
     kind, layer, points = signature(entity)
     if kind in ("CIRCLE", "ARC"):
@@ -354,6 +366,8 @@ def main():
         expected_curves = check_curves.exported_curves(exports, settings, CONSTRUCTION)
         export_spaces = [ezdxf.readfile(p).modelspace() for p in exports]
         expected_views = dimension_rules.expected_views(exports, standard.path)
+        hole_ini = next(prefix.glob("drives/d/CZTools/config/*/CAD/CAD_hole.ini"))
+        expected_holes = check_holes.expected_holes(exports, prefix, hole_ini, final_layer_of(settings, standard))
 
         status, out, err = run_host(tavrik, prefix)
         check(status == 0, "first run: status %s, stderr: %s" % (status, err))
@@ -374,10 +388,13 @@ def main():
             check_sheets.check_texts_apart(doc, check)
             check_sheets.check_readers(merged, scratch, tavrik, check)
             check_cleanups(doc, settings)
-            check_curves.check_curves(expected_curves, doc, settings, check)
+            check_curves.check_curves(expected_curves, doc, settings, check_rules.chained_colours(settings, nearest_colour_index), check)
+            check_rules.check_curve_colours(export_spaces, doc, settings, changed_colour, nearest_colour_index,
+                                            CONSTRUCTION, check)
             check_rules.check_no_line_on_line(export_spaces, doc, settings, check)
             check_rules.check_chains(export_spaces, doc, settings, nearest_colour_index, check)
             check_rules.check_deviation(export_spaces, doc, settings, nearest_colour_index, check)
+            check_holes.check_holes(expected_holes, doc, check)
             check_texts(doc, expected_texts)
             check_standard(doc, standard)
 

@@ -3,7 +3,9 @@
 - every exported line, arc, spline and ellipse still runs where it ran: points sampled along it
   lie within the tolerance of some curve of the merged drawing (Z flattened);
 - no spline is left: those that are lines or arcs within tolerance became lines, arcs and
-  circles, the free-form ones polylines of arcs and lines;
+  circles, the free-form ones polylines of arcs and lines; an ellipse that is a circle or an arc
+  of one became a circle or an arc, a complete true ellipse stays, a partial one became a
+  polyline (pieces of the colours that the chains join may end in a polyline all the same);
 - a line broken into collinear pieces is one line: pieces that touch lie on the same entity;
 - an arc in pieces is one arc or circle: pieces of one circle that touch lie on the same entity;
 - the polylines that replace splines follow them: their vertices and points between lie within
@@ -105,6 +107,47 @@ def exported_curves(paths, settings, construction):
     return curves
 
 
+def deviation(points, fit):
+    return max(fit(p) for p in points)
+
+
+def circle_through(a, b, c):
+    """Centre and radius of the circle through three points in the plane, or None."""
+    d = 2.0 * (a.x * (b.y - c.y) + b.x * (c.y - a.y) + c.x * (a.y - b.y))
+    if abs(d) < 1e-12:
+        return None
+    ux = ((a.x ** 2 + a.y ** 2) * (b.y - c.y) + (b.x ** 2 + b.y ** 2) * (c.y - a.y) + (c.x ** 2 + c.y ** 2) * (a.y - b.y)) / d
+    uy = ((a.x ** 2 + a.y ** 2) * (c.x - b.x) + (b.x ** 2 + b.y ** 2) * (a.x - c.x) + (c.x ** 2 + c.y ** 2) * (b.x - a.x)) / d
+    return (ux, uy), math.hypot(a.x - ux, a.y - uy)
+
+
+def expected_kinds(curve, settings, chained_colours):
+    """The kinds of entity that may carry an exported spline or ellipse in the merged drawing, or
+    None where the curve lies too near a tolerance to say. Clear cases only: a curve within half
+    a tolerance is a line or an arc, one beyond twice the tolerance of both is free form."""
+    line_tolerance = float(settings.get("SplineToLineAndArc", {}).get("ToleranceLine", "0") or 0)
+    arc_tolerance = float(settings.get("SplineToLineAndArc", {}).get("ToleranceArc", "0") or 0)
+    points = list(curve.flattening(FLATTENING))
+    first, last = points[0], points[-1]
+    closed = (last - first).magnitude < 1e-9
+    chained = {"LWPOLYLINE"} if curve.dxf.get("color", 256) in chained_colours else set()
+    off_line = deviation(points, lambda p: segment_distance(p, first, last)) if not closed else math.inf
+    picks = (points[0], points[len(points) // 3], points[2 * len(points) // 3]) if closed else \
+        (first, points[len(points) // 2], last)
+    circle = circle_through(*picks)
+    off_arc = math.inf if circle is None else \
+        deviation(points, lambda p: abs(math.hypot(p.x - circle[0][0], p.y - circle[0][1]) - circle[1]))
+    if off_line <= 0.5 * line_tolerance:
+        return {"LINE"} | chained
+    if off_arc <= 0.5 * arc_tolerance:
+        return ({"CIRCLE"} if closed else {"ARC"}) | chained
+    if off_line <= 2.0 * line_tolerance or off_arc <= 2.0 * arc_tolerance:
+        return None
+    if curve.dxftype() == "ELLIPSE" and closed:
+        return {"ELLIPSE"}
+    return {"LWPOLYLINE"}
+
+
 def lines_touch(a, b):
     """Two exported lines of one slope family whose ends lie within 0.02 of each other's segment."""
     def slope(e):
@@ -126,7 +169,7 @@ def arcs_touch(a, b, tolerance):
     return any((p - q).magnitude < tolerance for p in ends[:2] for q in ends[2:])
 
 
-def check_curves(curves, doc, settings, check):
+def check_curves(curves, doc, settings, chained_colours, check):
     arc_tolerance = float(settings.get("LineAndArcMerged", {}).get("Tolerance", "0") or 0)
     merged = [e for e in doc.modelspace() if chain_of(e) is not None]
     grid = SegmentGrid(merged)
@@ -146,6 +189,16 @@ def check_curves(curves, doc, settings, check):
 
     left = [(e.dxf.layer, e.dxf.handle) for e in doc.modelspace() if e.dxftype() == "SPLINE"]
     check(not left, "splines left in the merged drawing: %s" % left[:5])
+
+    wrong = []
+    for curve, carrier in zip(curves, carriers):
+        if curve.dxftype() not in ("SPLINE", "ELLIPSE"):
+            continue
+        kinds = expected_kinds(curve, settings, chained_colours)
+        found = {merged[i].dxftype() for i in carrier}
+        if kinds is not None and not kinds & found:
+            wrong.append((curve.dxftype(), curve.dxf.layer, sorted(kinds), sorted(found)))
+    check(not wrong, "splines and ellipses not rebuilt as the kind they are (curve, layer, expected, found): %s" % wrong[:5])
 
     lines = [i for i, c in enumerate(curves) if c.dxftype() == "LINE"]
     apart = [(curves[i].dxf.start, curves[j].dxf.start) for i in lines for j in lines

@@ -4,6 +4,9 @@
   time, previews before and after, counts before and after, sheets, frame, dimensions per view,
   holes replaced and its lines of Cg.log; the merged drawing with its path and preview;
 - a second run, which has no hand-off and stops early, leaves the report as it was;
+- the previews wait in a scratch folder of the run in TMPDIR until the report is written, and
+  the folder is gone afterwards, as are the scratch folders of runs that were killed (their
+  process has ended), while one of a running process stays;
 - the report opens in headless Chromium without a message in its console, and its screenshot is
   written where SCREENSHOT says. The browser check is skipped only on a machine without chromium
   outside CI (the environment variable CI set makes a missing chromium a failure); a page that
@@ -31,8 +34,20 @@ def check(condition, message):
         failures.append(message)
 
 
-def run_batch(tavrik, prefix, stdin=subprocess.DEVNULL):
-    return subprocess.run([tavrik, "--prefix", str(prefix)], stdin=stdin, capture_output=True, timeout=300)
+def run_batch(tavrik, prefix, stdin=subprocess.DEVNULL, tmp=None):
+    env = dict(os.environ, TMPDIR=str(tmp)) if tmp else None
+    return subprocess.run([tavrik, "--prefix", str(prefix)], stdin=stdin, capture_output=True, timeout=300, env=env)
+
+
+def ended_process_id():
+    """The id of a process that has ended: no running process has it."""
+    child = subprocess.Popen(["true"])
+    child.wait()
+    return child.pid
+
+
+def scratch_folders(tmp):
+    return sorted(p.name for p in tmp.iterdir() if p.name.startswith("tavrik-report-"))
 
 
 def check_json(report):
@@ -101,7 +116,13 @@ def main():
         prefix = pathlib.Path(scratch) / "prefix"
         shutil.copytree(workshop, prefix, symlinks=True)
         shutil.copy(dwgver, prefix / "drives/d/Mytool/application/dwgver.dll")
-        result = run_batch(tavrik, prefix, subprocess.PIPE)
+        tmp = pathlib.Path(scratch) / "tmp"
+        stale, live = "tavrik-report-%d" % ended_process_id(), "tavrik-report-%d" % os.getpid()
+        for folder in (stale, live):
+            (tmp / folder).mkdir(parents=True)
+            (tmp / folder / "before-0.png").write_bytes(b"left by a run")
+        result = run_batch(tavrik, prefix, subprocess.PIPE, tmp)
+        check(scratch_folders(tmp) == [live], "scratch folders after the run: %s" % scratch_folders(tmp))
         check(result.returncode == 0, "batch status %d: %s" % (result.returncode, result.stderr.decode(errors="replace")))
         logs = prefix / LOGS
         report_json, report_html = logs / "report.json", logs / "report.html"

@@ -4,6 +4,9 @@ workshop's CAD_line.ini promise of the merged drawing:
 - colours follow the position rules of [ModifyColor] StrJson: an entity whose box lies inside
   the box of a chain of lines and arcs on a rule's layer takes the rule's colour for solid or
   for other linetypes, unless its colour is excluded (modelled here for the part geometry);
+- the lines and arcs take the colours of the rules as well: the colour table of StrChangeColor,
+  then the position rules; a line or arc of the merged drawing that carries an exported one has
+  its colour (the layer's colour where the exported one was ByLayer and merged);
 - no line lies on another line;
 - the pieces of the colours of [ConnectPline] ColorInspect are polylines, not lines or arcs;
 - the polylines of [LineDeviation] are offset: each stands shrunk by its rule's offset, and the
@@ -105,6 +108,45 @@ def segment_holds(p, a, b, t):
     return abs((p.x - a.x) * dy - (p.y - a.y) * dx) / length < t
 
 
+def carries(piece, e):
+    """A merged line or arc that runs over the exported line or arc e; a nearly flat arc may have
+    become a line."""
+    if piece.dxftype() == "LINE" and e.dxftype() == "LINE":
+        return all(segment_holds(p, piece.dxf.start, piece.dxf.end, SAME) for p in (e.dxf.start, e.dxf.end))
+    if piece.dxftype() == "LINE" and e.dxftype() == "ARC":
+        sweep = (e.dxf.end_angle - e.dxf.start_angle) % 360.0
+        points = [e.start_point, e.end_point] + list(e.vertices([e.dxf.start_angle + sweep * 0.5]))
+        return all(segment_holds(p, piece.dxf.start, piece.dxf.end, SAME) for p in points)
+    if piece.dxftype() in ("ARC", "CIRCLE") and e.dxftype() == "ARC":
+        a, b = piece.ocs().to_wcs(piece.dxf.center), e.ocs().to_wcs(e.dxf.center)
+        return abs(piece.dxf.radius - e.dxf.radius) < SAME and math.hypot(a.x - b.x, a.y - b.y) < SAME
+    return False
+
+
+def check_curve_colours(exports_msp, doc, settings, changed_colour, nearest, construction, check):
+    """Each exported line and arc that the chains leave is carried by a merged line or arc of the
+    colour that the rules give it."""
+    listed = chained_colours(settings, nearest)
+    short = float(settings.get("DeleteSmallLineAndPoint", {}).get("Tolerance", "0") or 0)
+    pieces = [e for e in doc.modelspace() if e.dxftype() in ("LINE", "ARC", "CIRCLE")]
+    wrong, compared = [], 0
+    for msp in exports_msp:
+        layer_colours = {layer.dxf.name: abs(layer.dxf.color) for layer in msp.doc.layers}
+        modified = modified_colours(msp, settings, changed_colour, nearest)
+        for e in msp:
+            if e.dxftype() not in ("LINE", "ARC") or e.dxf.layer.upper() in construction:
+                continue
+            if e.dxf.get("color", 256) in listed or (e.dxftype() == "LINE" and (e.dxf.end - e.dxf.start).magnitude < short):
+                continue
+            colour = modified.get(id(e), changed_colour(e, settings))
+            allowed = {colour, layer_colours.get(e.dxf.layer)} if colour == 256 else {colour}
+            found = [g.dxf.get("color", 256) for g in pieces if carries(g, e)]
+            compared += 1
+            if not set(found) & allowed:
+                wrong.append((e.dxftype(), e.dxf.layer, sorted(allowed), found))
+    check(compared > 0 and not wrong, "lines and arcs off the colour of the rules (kind, layer, expected, found): %s" % wrong[:5])
+
+
 def check_no_line_on_line(exports_msp, doc, settings, check):
     """No line of the exports' geometry lies on another: the lines of the merged drawing whose
     ends are those of an exported line are compared with all lines (lines that the batch adds
@@ -131,11 +173,16 @@ def check_no_line_on_line(exports_msp, doc, settings, check):
     check(not on, "lines that lie on another line: %s" % on[:3])
 
 
+def chained_colours(settings, nearest):
+    """The colour indices of [ConnectPline] ColorInspect, whose pieces the chains join."""
+    text = settings.get("ConnectPline", {}).get("ColorInspect", "")
+    return {rgb_index(c, nearest) for c in text.split(";")[:-1]}
+
+
 def check_chains(exports_msp, doc, settings, nearest, check):
     """Every exported line or arc of a listed colour that meets another such piece is part of a
     polyline of the merged drawing: its mid point lies on a polyline and on no line or arc."""
-    text = settings.get("ConnectPline", {}).get("ColorInspect", "")
-    listed = {rgb_index(c, nearest) for c in text.split(";")[:-1]}
+    listed = chained_colours(settings, nearest)
     polylines = [e for e in doc.modelspace().query("LWPOLYLINE")]
     pieces = [e for e in doc.modelspace() if e.dxftype() in ("LINE", "ARC")]
     loose, chained = [], 0

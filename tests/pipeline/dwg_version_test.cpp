@@ -32,8 +32,35 @@ TEST_F(DwgVersion, to_version_writes_dxf_for_a_dxf_target_and_reads_dwg_sources)
 }
 
 TEST_F(DwgVersion, to_version_of_a_missing_source_fails_and_writes_nothing) {
+    testing::internal::CaptureStderr();
     EXPECT_NE(ConvertDwgVersion(HandOff(L"none.dwg"), HandOff(L"out.dwg"), 8, 0), 0);
+    const std::string said = testing::internal::GetCapturedStderr();
     EXPECT_FALSE(std::filesystem::exists(ResolvePath(HandOff(L"out.dwg"))));
+    // The reason, after the library's name, names the source.
+    EXPECT_EQ(said.rfind("dwgver: ", 0), 0u) << said;
+    EXPECT_NE(said.find("none.dwg"), std::string::npos) << said;
+}
+
+TEST_F(DwgVersion, to_version_into_a_missing_folder_fails_and_says_why) {
+    SaveExport(HandOff(L"P-1.dxf"));
+    testing::internal::CaptureStderr();
+    EXPECT_NE(ConvertDwgVersion(HandOff(L"P-1.dxf"), HandOff(L"none\\P-1.dwg"), 8, 0), 0);
+    const std::string said = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(said.rfind("dwgver: " + ResolvePath(HandOff(L"none\\P-1.dwg")).string() + ":0: DXF008 ", 0), 0u)
+        << said;
+}
+
+// What the DWG cannot hold of the source is named on standard error, a line each.
+TEST_F(DwgVersion, to_version_names_what_the_dwg_leaves_out) {
+    const std::filesystem::path source = ResolvePath(HandOff(L"x.dxf"));
+    std::filesystem::create_directories(source.parent_path());
+    std::filesystem::copy_file("/work/shared/corpus/dxf/x0292430_c.dxf", source);
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(ConvertDwgVersion(HandOff(L"x.dxf"), HandOff(L"x.dwg"), 8, 0), 0);
+    const std::string said = testing::internal::GetCapturedStderr();
+    const std::string prefix = "dwgver: " + ResolvePath(HandOff(L"x.dwg")).string() + ": 1 DIMSTYLE variable ";
+    EXPECT_EQ(said, prefix + "270 record(s) not written (no DWG encoder)\n" + prefix +
+                        "287 record(s) not written (no DWG encoder)\n");
 }
 
 TEST_F(DwgVersion, processed_export_with_a_dwg_name_is_saved_as_dwg) {

@@ -48,6 +48,22 @@ TEST_F(HoleConfig, row_fields_are_upper_case_with_layer_and_type_number) {
     EXPECT_EQ(hole.typeNumber, 12);
 }
 
+TEST_F(HoleConfig, section_state_is_that_of_the_last_section_line) {
+    struct Case {
+        const wchar_t* text;
+        int section;
+    };
+    const Case cases[] = {
+        {L"// no section yet\r\n", -1},
+        {L"[BLKPATH]\r\n", 0},
+        {L"[SCRSET]\r\n", 1},
+        {L"[DASHL]\r\n", 2},
+        {L"[TYPE7]\r\n", 17},
+        {L"[TYPE42]\r\n[DASHL]\r\nHIDDEN,DASHED\r\n", 2},
+    };
+    for (const Case& c : cases) EXPECT_EQ(Read(c.text).section, c.section) << c.text;
+}
+
 TEST_F(HoleConfig, type100_line_is_an_ordinary_line_of_the_preceding_section) {
     HoleSubstitution holes = Read(L"[TYPE7]\r\nLAYER,H7\r\n[TYPE100]\r\n4,a,b,c,d,e,f\r\n");
     ASSERT_EQ(holes.holes.size(), 1u);

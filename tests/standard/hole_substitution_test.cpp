@@ -161,6 +161,36 @@ TEST_F(HoleSubstitutionTest, three_circles_use_smallest_and_largest_and_make_one
     EXPECT_TRUE(Exists(large));
 }
 
+TEST_F(HoleSubstitutionTest, three_circles_drawn_largest_first_take_the_smallest) {
+    WriteIni(kRow);
+    AcDbObjectId large = Circle(AcGePoint3d(0, 0, 0), 16);
+    AcDbObjectId middle = Circle(AcGePoint3d(0, 0, 0), 12);
+    AcDbObjectId small = Circle(AcGePoint3d(0, 0, 0), 10, true);
+    Point(AcGePoint3d(0, 0, 0));
+    Run();
+    EXPECT_EQ(Symbols(), (std::vector<std::wstring>{L"DS"}));
+    EXPECT_FALSE(Exists(small));
+    EXPECT_TRUE(Exists(middle));
+    EXPECT_TRUE(Exists(large));
+}
+
+TEST_F(HoleSubstitutionTest, circles_whose_centres_lie_up_to_0_001_apart_are_one_hole) {
+    // The 10 circle alone is a solid one-circle hole; with the 16 circle it is a two-circle hole.
+    struct Row {
+        double offset;
+        const wchar_t* symbol;
+    };
+    for (Row row : {Row{0.0009, L"BS"}, Row{0.001, L"BS"}, Row{0.0011, L"S1"}}) {
+        hostDrawing_ = std::make_unique<AcDbDatabase>(true, true);
+        WriteIni(kRow);
+        Circle(AcGePoint3d(0, 0, 0), 10);
+        Circle(AcGePoint3d(row.offset, 0, 0), 16);
+        Point(AcGePoint3d(0, 0, 0));
+        Run();
+        EXPECT_EQ(Symbols(), (std::vector<std::wstring>{row.symbol})) << row.offset;
+    }
+}
+
 TEST_F(HoleSubstitutionTest, same_result_whichever_member_comes_last_in_drawing_order) {
     WriteIni(kRow);
     AcDbObjectId large = Circle(AcGePoint3d(0, 0, 0), 16);
@@ -246,6 +276,20 @@ TEST_F(HoleSubstitutionTest, missing_library_file_is_reported_and_circle_stays) 
     EXPECT_NE(printed.find(L"\n找不到换孔文件 D:\\HOLES\\NONE.dwg"), std::wstring::npos);
     EXPECT_TRUE(Exists(circle));
     EXPECT_NE(CgLog().find(L"换孔文件未找到\n"), std::wstring::npos);
+}
+
+TEST_F(HoleSubstitutionTest, drawing_without_tables_gives_100_and_without_a_model_space_16) {
+    HoleSubstitution holes(AcArray<tPt>(), kIni);
+    AcDbDatabase empty(false, true);
+    EXPECT_EQ(holes.SubstituteHoles(&empty, kDrawing, L"TARGET"), 100);
+    AcDbBlockTable* table = nullptr;
+    ASSERT_EQ(hostDrawing_->getBlockTable(table, AcDb::kForRead), Acad::eOk);
+    AcDbBlockTableRecord* model = nullptr;
+    ASSERT_EQ(table->getAt(L"*Model_Space", model, AcDb::kForWrite), Acad::eOk);
+    table->close();
+    model->erase();
+    model->close();
+    EXPECT_EQ(holes.SubstituteHoles(hostDrawing_.get(), kDrawing, L"TARGET"), 16);
 }
 
 TEST_F(HoleSubstitutionTest, missing_drawing_file_changes_nothing) {

@@ -77,16 +77,12 @@ std::uint64_t SourceRecord::owner() const {
 }
 
 SourceRecord SourceRecord::subclass(std::string_view marker) const {
-    SourceRecord out{type, {}};
-    bool inside = false;
-    for (const auto& [c, v] : tags) {
-        if (c == 100) {
-            inside = v == marker;
-        } else if (inside) {
-            out.tags.emplace_back(c, v);
-        }
-    }
-    return out;
+    std::size_t begin = 0;
+    while (begin < tags.size() && !(tags[begin].first == 100 && tags[begin].second == marker)) ++begin;
+    if (begin < tags.size()) ++begin;
+    std::size_t end = begin;
+    while (end < tags.size() && tags[end].first != 100) ++end;
+    return {type, tags.subspan(begin, end - begin)};
 }
 
 const SourceRecord* SourceDrawing::variable(std::string_view name) const {
@@ -99,35 +95,36 @@ const SourceRecord* SourceDrawing::variable(std::string_view name) const {
 namespace {
 
 // Splits the tags into records at each 0 tag.
-bool Records(std::string_view dxf, std::vector<SourceRecord>& out, std::string& error) {
-    dxf::TagCursor cursor(dxf);
-    dxf::Tag tag;
-    while (cursor.next(tag)) {
-        if (tag.code == 0) {
-            out.push_back({tag.value, {}});
-        } else if (!out.empty()) {
-            out.back().tags.emplace_back(tag.code, tag.value);
-        }
+std::vector<SourceRecord> Records(std::span<const SourceTag> tags) {
+    std::vector<SourceRecord> out;
+    std::size_t i = 0;
+    while (i < tags.size() && tags[i].first != 0) ++i;
+    while (i < tags.size()) {
+        std::size_t end = i + 1;
+        while (end < tags.size() && tags[end].first != 0) ++end;
+        out.push_back({tags[i].second, tags.subspan(i + 1, end - i - 1)});
+        i = end;
     }
-    error = cursor.error();
-    return error.empty();
+    return out;
 }
 
+// The variables of the HEADER section: each a 9 tag with its name and the tags up to the next.
 void ReadHeader(const SourceRecord& section, SourceDrawing& out) {
-    for (const auto& [code, value] : section.tags) {
-        if (code == 9) {
-            out.header.push_back({value, {}});
-        } else if (code != 2 && !out.header.empty()) {
-            out.header.back().second.tags.emplace_back(code, value);
-        }
+    const std::span<const SourceTag> tags = section.tags;
+    std::size_t i = 0;
+    while (i < tags.size() && tags[i].first != 9) ++i;
+    while (i < tags.size()) {
+        std::size_t end = i + 1;
+        while (end < tags.size() && tags[end].first != 9) ++end;
+        out.header.push_back({tags[i].second, {"", tags.subspan(i + 1, end - i - 1)}});
+        i = end;
     }
 }
 
 }  // namespace
 
-bool ReadSource(std::string_view dxf, SourceDrawing& out, std::string& error) {
-    std::vector<SourceRecord> records;
-    if (!Records(dxf, records, error)) return false;
+bool ReadSource(std::span<const SourceTag> tags, SourceDrawing& out, std::string& error) {
+    std::vector<SourceRecord> records = Records(tags);
     std::string_view section;
     for (SourceRecord& r : records) {
         if (r.type == "SECTION") {

@@ -3,6 +3,7 @@
 // section (header variables, tables, blocks, entities, objects). The DXF writer gives every
 // object its handle and adds what a drawing needs, so the DWG writer starts from its records.
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -12,10 +13,13 @@
 
 namespace dwg {
 
-// One record: its type (the 0 tag) and the tags after it.
+// A group code and its value's text.
+using SourceTag = std::pair<int, std::string_view>;
+
+// One record: its type (the 0 tag) and the tags after it, a range of the drawing's tags.
 struct SourceRecord {
     std::string_view type;
-    std::vector<std::pair<int, std::string_view>> tags;
+    std::span<const SourceTag> tags;
 
     // The first tag of a code; empty when there is none.
     bool has(int code) const;
@@ -32,7 +36,7 @@ struct SourceRecord {
     // groups.
     std::uint64_t owner() const;
     // The tags of one subclass, from its marker to the next (a record of one subclass only,
-    // for codes that several subclasses use).
+    // for codes that several subclasses use); none when the record lacks the marker.
     SourceRecord subclass(std::string_view marker) const;
 };
 
@@ -59,9 +63,9 @@ struct SourceDrawing {
     const SourceRecord* variable(std::string_view name) const;
 };
 
-// Reads the DXF text (which must outlive the result). False with the reason when the text is
-// not the DXF of a drawing.
-bool ReadSource(std::string_view dxf, SourceDrawing& out, std::string& error);
+// Groups the tags of a drawing's DXF records (whose values must outlive the result). False with
+// the reason when they are not the records of a drawing.
+bool ReadSource(std::span<const SourceTag> tags, SourceDrawing& out, std::string& error);
 
 // A handle's hexadecimal text; 0 for none.
 std::uint64_t ParseHandle(std::string_view text);

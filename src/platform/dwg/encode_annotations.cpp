@@ -264,7 +264,7 @@ std::vector<std::uint8_t> EncodeGroup(const GroupRecord& g, const EncodeOptions&
     d.BS(g.unnamed);
     d.BS(g.selectable);
     d.BL(static_cast<std::int32_t>(g.entities.size()));
-    for (std::uint64_t entity : g.entities) WriteHandle(o, kSoftPointer, entity);
+    for (std::uint64_t entity : g.entities) WriteHandle(o, kHardPointer, entity);
     return FinishObject(o);
 }
 

@@ -28,19 +28,24 @@ unsigned NextCodePoint(std::string_view text, std::size_t& i) {
 
 void BitWriter::alignToByte() { bit_ = (bit_ + 7) & ~std::size_t{7}; bytes_.resize(bit_ / 8); }
 
-// A byte at a time: what fits in the current byte, then whole bytes, then the rest. The bytes
-// are added one by one: a vector's resize is a call for each value, and values are many.
+// What fits in the last byte begun, then whole bytes, then the rest at the top of a new byte.
+// The buffer always ends at the byte that holds the last bit written, so a byte begun is the
+// last one. Bytes are added one by one: a vector's resize is a call for each value, and values
+// are many.
 void BitWriter::bits(std::uint64_t value, unsigned count) {
-    const std::size_t needed = (bit_ + count + 7) / 8;
-    while (bytes_.size() < needed) bytes_.push_back(0);
-    while (count > 0) {
-        const unsigned room = 8 - static_cast<unsigned>(bit_ & 7);
+    const auto used = static_cast<unsigned>(bit_ & 7);
+    bit_ += count;
+    if (used != 0 && count > 0) {
+        const unsigned room = 8 - used;
         const unsigned take = count < room ? count : room;
-        const auto chunk = static_cast<unsigned>((value >> (count - take)) & ((1u << take) - 1));
-        bytes_[bit_ >> 3] |= static_cast<std::uint8_t>(chunk << (room - take));
-        bit_ += take;
         count -= take;
+        bytes_.back() |= static_cast<std::uint8_t>(((value >> count) & ((1u << take) - 1)) << (room - take));
     }
+    while (count >= 8) {
+        count -= 8;
+        bytes_.push_back(static_cast<std::uint8_t>(value >> count));
+    }
+    if (count > 0) bytes_.push_back(static_cast<std::uint8_t>(value << (8 - count)));
 }
 
 void BitWriter::patchBits(std::size_t position, std::uint64_t value, unsigned count) {

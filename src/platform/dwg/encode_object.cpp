@@ -16,7 +16,7 @@ void WriteExtendedData(BitWriter& d, const std::vector<ExtendedData>& extended) 
 }
 
 void WriteOwnership(ObjectWriter& o, const ObjectCommon& common, bool ownerGiven) {
-    if (ownerGiven) WriteHandle(o, kSoftPointer, common.owner);
+    if (ownerGiven) o.handles.H(OwnerReference(o.handle, common.owner));
     for (std::uint64_t reactor : common.reactors) WriteHandle(o, kSoftPointer, reactor);
     if (common.extensionDictionary != 0) WriteHandle(o, kHardOwner, common.extensionDictionary);
 }
@@ -29,6 +29,16 @@ void WriteReactorsAndDictionaryFlag(BitWriter& d, const ObjectCommon& common) {
 }
 
 }  // namespace
+
+HandleRef OwnerReference(std::uint64_t self, std::uint64_t owner) {
+    if (owner < self && self - owner < owner) {
+        return self - owner == 1 ? HandleRef{kOneBack, 0} : HandleRef{kBack, self - owner};
+    }
+    if (owner > self) {
+        return owner - self == 1 ? HandleRef{kOneAhead, 0} : HandleRef{kAhead, owner - self};
+    }
+    return {kSoftPointer, owner};
+}
 
 ObjectWriter BeginObject(std::int32_t type, std::uint64_t handle, Version version,
                          int codePage) {

@@ -11,9 +11,11 @@
 
 namespace dwg {
 
-// Handle reference codes a writer uses: references are written as absolute handles.
+// Handle reference codes a writer uses: absolute handles, and for an object's owner the
+// distance from the object's own handle (one ahead, one back, ahead by, back by).
 enum HandleCode : std::uint8_t {
-    kSoftOwner = 2, kHardOwner = 3, kSoftPointer = 4, kHardPointer = 5
+    kSoftOwner = 2, kHardOwner = 3, kSoftPointer = 4, kHardPointer = 5,
+    kOneAhead = 6, kOneBack = 8, kAhead = 0xA, kBack = 0xC
 };
 
 struct EncodeOptions {
@@ -35,6 +37,10 @@ ObjectWriter BeginObject(std::int32_t type, std::uint64_t handle, Version versio
 ObjectWriter BeginEntity(std::int32_t type, const EntityCommon& common,
                          const EncodeOptions& options);
 void WriteHandle(ObjectWriter& o, std::uint8_t code, std::uint64_t handle);
+// The reference to an object's owner as AutoCAD codes it: by its distance from the object's
+// handle (ahead or back) where that distance is below the owner's handle, otherwise by the
+// owner's handle. The object's other references are absolute.
+HandleRef OwnerReference(std::uint64_t self, std::uint64_t owner);
 void WriteObjectCommon(ObjectWriter& o, const ObjectCommon& common);
 void WriteEntityCommon(ObjectWriter& o, const EntityCommon& common);
 // The object as the object data holds it: size (MS), values, handles, CRC.

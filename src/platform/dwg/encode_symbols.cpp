@@ -175,7 +175,7 @@ std::vector<std::uint8_t> EncodeLayout(const LayoutRecord& l, const EncodeOption
     d.BD3(l.extmax);
     if (options.version >= Version::kR2004) {
         d.BL(static_cast<std::int32_t>(l.viewports.size()));
-        WriteHandle(o, kSoftPointer, l.plot.plotView);
+        WriteHandle(o, kHardPointer, l.plot.plotView);
     }
     WriteHandle(o, kSoftPointer, l.block);
     WriteHandle(o, kSoftPointer, l.viewport);
@@ -210,7 +210,7 @@ std::vector<std::uint8_t> EncodePlotSettings(const ObjectCommon& common, const P
     ObjectWriter o = BeginObject(type, common.handle, options.version, options.codePage);
     WriteObjectCommon(o, common);
     WritePlotSettings(o.data, plot);
-    if (options.version >= Version::kR2004) WriteHandle(o, kSoftPointer, plot.plotView);
+    if (options.version >= Version::kR2004) WriteHandle(o, kHardPointer, plot.plotView);
     return FinishObject(o);
 }
 

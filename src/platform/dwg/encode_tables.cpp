@@ -64,7 +64,8 @@ std::vector<std::uint8_t> EncodeDictionary(const DictionaryRecord& dictionary, s
     d.RC(dictionary.hardOwner);
     for (const auto& [name, handle] : dictionary.entries) {
         d.T(name);
-        WriteHandle(o, dictionary.hardOwner ? kHardOwner : kSoftOwner, handle);
+        // Whatever the dictionary's flag says, AutoCAD refers to its entries as soft owner.
+        WriteHandle(o, kSoftOwner, handle);
     }
     if (dictionary.withDefault) WriteHandle(o, kHardPointer, dictionary.defaultEntry);
     return FinishObject(o);

@@ -15,6 +15,7 @@
 #include "platform/dwg/encode_object.hpp"
 #include "platform/dwg/hatch.hpp"
 #include "platform/dwg/header.hpp"
+#include "platform/dwg/write.hpp"
 
 namespace dwg {
 
@@ -32,6 +33,7 @@ struct WriteContext {
     std::map<std::string, int> leftOut;  // record type: how many
     std::map<std::string, std::int32_t, std::less<>> classNumbers;  // DXF name: object type
     int dwgCodePage = 30;  // the file header's number of the texts' code page
+    std::size_t threads = 1;  // that encode a long list of entities, a batch each
 
     std::uint64_t handleOf(const SourceRecord& r, int code = 5);
     static std::uint64_t find(const std::unordered_map<std::string, std::uint64_t>& table,
@@ -79,6 +81,13 @@ struct EncodedDrawing {
 // Encodes every object the database's DXF records give, in the code page given (936, else
 // 1252), with the objects of the file it was read from as they were not put back yet.
 Acad::ErrorStatus EncodeDrawing(AcDbDatabase& db, int codePage, EncodedDrawing& out);
+// The same from the records already grouped (the records give up their tag lists), on as many
+// threads as out.context says.
+void EncodeSource(SourceDrawing& source, int codePage, EncodedDrawing& out);
+// The file's bytes: the encoded objects (those unchanged since the read put back as the file
+// stored them), the object map, classes and header in their pages. What the file does not hold
+// of the database goes to report.
+std::vector<std::uint8_t> AssembleDwg(const AcDbDatabase& db, EncodedDrawing& encoded, DwgWriteReport& report);
 
 inline constexpr double kRadians = 0.017453292519943295;
 

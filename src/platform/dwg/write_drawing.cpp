@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <thread>
 #include <unistd.h>
 
 #include "platform/dwg/encode_header.hpp"
@@ -242,19 +243,7 @@ bool IsSubEntity(const SourceRecord& r) {
 
 }  // namespace
 
-Acad::ErrorStatus EncodeDrawing(AcDbDatabase& db, int codePage, EncodedDrawing& out) {
-    dxf::WriteOptions options;
-    options.version = AcDb::kDHL_1032;  // texts as UTF-8, turned into the code page here
-    options.codePage = codePage;
-    std::string text;
-    Acad::ErrorStatus es = dxf::WriteDxfText(db, options, text);
-    if (es != Acad::eOk) return es;
-    SourceDrawing source;
-    std::string error;
-    if (!ReadSource(text, source, error)) {
-        db.setLastError(L"DWG writer: " + dxf::Wide(error));
-        return Acad::eInvalidInput;
-    }
+void EncodeSource(SourceDrawing& source, int codePage, EncodedDrawing& out) {
     WriteContext& c = out.context;
     c.options.version = Version::kR2004;
     c.options.codePage = codePage == 936 ? 936 : 1252;
@@ -285,14 +274,27 @@ Acad::ErrorStatus EncodeDrawing(AcDbDatabase& db, int codePage, EncodedDrawing& 
     DictionariesOf(dictionaries, header);
     header.handseed = std::max(c.nextHandle, c.objects.empty() ? 1 : c.objects.rbegin()->first + 1);
     out.measurement = Short(source, "$MEASUREMENT", 0);
+}
+
+Acad::ErrorStatus EncodeDrawing(AcDbDatabase& db, int codePage, EncodedDrawing& out) {
+    dxf::WriteOptions options;
+    options.version = AcDb::kDHL_1032;  // texts as UTF-8, turned into the code page here
+    options.codePage = codePage;
+    dxf::DrawingTags tags;
+    Acad::ErrorStatus es = dxf::WriteDxfTags(db, options, tags);
+    if (es != Acad::eOk) return es;
+    SourceDrawing source;
+    std::string error;
+    if (!ReadSource(tags.tags(), source, error)) {
+        db.setLastError(L"DWG writer: " + dxf::Wide(error));
+        return Acad::eInvalidInput;
+    }
+    out.context.threads = std::min(std::max(std::thread::hardware_concurrency(), 1u), 4u);
+    EncodeSource(source, codePage, out);
     return Acad::eOk;
 }
 
-Acad::ErrorStatus WriteDwgBytes(AcDbDatabase& db, int codePage, std::vector<std::uint8_t>& out,
-                                DwgWriteReport& report) {
-    EncodedDrawing encoded;
-    Acad::ErrorStatus es = EncodeDrawing(db, codePage, encoded);
-    if (es != Acad::eOk) return es;
+std::vector<std::uint8_t> AssembleDwg(const AcDbDatabase& db, EncodedDrawing& encoded, DwgWriteReport& report) {
     WriteContext& c = encoded.context;
     const HeaderVariables& header = encoded.header;
     const std::vector<ClassRecord>& classes = encoded.classes;
@@ -309,7 +311,7 @@ Acad::ErrorStatus WriteDwgBytes(AcDbDatabase& db, int codePage, std::vector<std:
     sections.push_back({"AcDb:Classes", EncodeClassesSection(classes, c.options.version, c.options.codePage)});
     sections.push_back({"AcDb:AuxHeader", EncodeAuxHeader(header.tdcreate, header.tdupdate, header.handseed)});
     sections.push_back({"AcDb:Header", EncodeHeaderSection(header, c.options.version, c.options.codePage)});
-    out = AssembleR2004(std::move(sections), DwgCodePageNumber(c.options.codePage));
+    std::vector<std::uint8_t> out = AssembleR2004(std::move(sections), DwgCodePageNumber(c.options.codePage));
     report.leftOut = c.leftOut;
     // Every object of the database that the file does not hold, by its record type: the kinds
     // without an encoder, and any object the drawing's records did not carry.
@@ -317,6 +319,15 @@ Acad::ErrorStatus WriteDwgBytes(AcDbDatabase& db, int codePage, std::vector<std:
         if (!stub.object || stub.object->isErased() || c.written(stub.handle.value())) continue;
         ++report.leftOut[dxf::TypeName(*stub.object)];
     }
+    return out;
+}
+
+Acad::ErrorStatus WriteDwgBytes(AcDbDatabase& db, int codePage, std::vector<std::uint8_t>& out,
+                                DwgWriteReport& report) {
+    EncodedDrawing encoded;
+    Acad::ErrorStatus es = EncodeDrawing(db, codePage, encoded);
+    if (es != Acad::eOk) return es;
+    out = AssembleDwg(db, encoded, report);
     return Acad::eOk;
 }
 

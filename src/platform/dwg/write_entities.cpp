@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
+#include <thread>
 
 #include "platform/dwg/encode_blocks.hpp"
 #include "platform/dwg/encode_curves.hpp"
@@ -391,15 +392,99 @@ std::size_t EntityWriter::write(std::size_t i, std::uint64_t owner,
 
 }  // namespace
 
-std::vector<std::uint64_t> WriteEntities(const std::vector<SourceRecord>& records,
-                                         std::uint64_t owner, WriteContext& c) {
+namespace {
+
+// Records of one batch encoded on a helper thread.
+constexpr std::size_t kEntityBatch = 4096;
+
+struct EntityBatch {
+    std::size_t begin = 0, end = 0;
+    WriteContext part;  // the names of the drawing; the batch's objects and what it left out
     std::vector<std::uint64_t> top;
+};
+
+// Writes the records from begin to end (a record that starts an entity, or the end).
+void WriteRange(const std::vector<SourceRecord>& records, std::size_t begin, std::size_t end,
+                std::uint64_t owner, WriteContext& c, std::vector<std::uint64_t>& top) {
     EntityWriter writer{records, c};
-    for (std::size_t i = 0; i < records.size();) {
+    for (std::size_t i = begin; i < end;) {
         const std::uint64_t recordOwner = records[i].owner() != 0 ? records[i].owner() : owner;
         i = writer.write(i, recordOwner, top);
     }
+}
+
+bool IsOwnedRecord(const SourceRecord& r) {
+    return r.type == "ATTRIB" || r.type == "VERTEX" || r.type == "SEQEND";
+}
+
+// Batches of about kEntityBatch records, each starting at an entity of its own (attributes,
+// vertices and their SEQEND stay with their owner), with a context holding what the writer
+// reads: the drawing's names and the options.
+std::vector<EntityBatch> Batches(const std::vector<SourceRecord>& records, WriteContext& c) {
+    std::map<std::uint64_t, std::vector<std::uint8_t>> objects = std::move(c.objects);
+    std::map<std::string, int> leftOut = std::move(c.leftOut);
+    c.objects.clear();
+    c.leftOut.clear();
+    std::vector<EntityBatch> batches;
+    for (std::size_t begin = 0; begin < records.size();) {
+        std::size_t end = std::min(records.size(), begin + kEntityBatch);
+        while (end < records.size() && IsOwnedRecord(records[end])) ++end;
+        batches.push_back({begin, end, c, {}});
+        begin = end;
+    }
+    c.objects = std::move(objects);
+    c.leftOut = std::move(leftOut);
+    return batches;
+}
+
+// The batches' objects, counts and entities after the writer's own, in the batches' order.
+std::vector<std::uint64_t> Gathered(std::vector<EntityBatch>& batches, WriteContext& c) {
+    std::vector<std::uint64_t> top;
+    for (EntityBatch& batch : batches) {
+        while (!batch.part.objects.empty()) {
+            auto node = batch.part.objects.extract(batch.part.objects.begin());
+            auto placed = c.objects.insert(std::move(node));
+            if (!placed.inserted) placed.position->second = std::move(placed.node.mapped());
+        }
+        for (const auto& [type, count] : batch.part.leftOut) c.leftOut[type] += count;
+        top.insert(top.end(), batch.top.begin(), batch.top.end());
+    }
     return top;
+}
+
+}  // namespace
+
+// A long list is encoded a batch per thread, as the DXF writer makes its records. The file is
+// the one a single thread writes: unless a batch had to give a record a new handle (numbered
+// in the records' order), in which case the list is written again on one thread.
+std::vector<std::uint64_t> WriteEntities(const std::vector<SourceRecord>& records,
+                                         std::uint64_t owner, WriteContext& c) {
+    std::vector<std::uint64_t> top;
+    const std::size_t threads = c.threads;
+    if (threads < 2 || records.size() < 2 * kEntityBatch) {
+        WriteRange(records, 0, records.size(), owner, c, top);
+        return top;
+    }
+    std::vector<EntityBatch> batches = Batches(records, c);
+    for (std::size_t first = 0; first < batches.size(); first += threads) {
+        std::vector<std::thread> helpers;
+        const std::size_t last = std::min(batches.size(), first + threads);
+        for (std::size_t k = first + 1; k < last; ++k) {
+            helpers.emplace_back([&records, &batch = batches[k], owner] {
+                WriteRange(records, batch.begin, batch.end, owner, batch.part, batch.top);
+            });
+        }
+        EntityBatch& own = batches[first];
+        WriteRange(records, own.begin, own.end, owner, own.part, own.top);
+        for (std::thread& helper : helpers) helper.join();
+    }
+    const bool numbered = std::any_of(batches.begin(), batches.end(),
+                                      [&](const EntityBatch& b) { return b.part.nextHandle != c.nextHandle; });
+    if (numbered) {
+        WriteRange(records, 0, records.size(), owner, c, top);
+        return top;
+    }
+    return Gathered(batches, c);
 }
 
 }  // namespace dwg

@@ -36,7 +36,7 @@ public:
     }
 
 private:
-    const std::vector<std::pair<int, std::string_view>>& tags_;
+    std::span<const SourceTag> tags_;
     std::size_t i_ = 0;
 };
 

@@ -252,9 +252,19 @@ std::vector<std::string> MissingNames(const SourceDrawing& source, int code,
                                       std::unordered_map<std::string, std::uint64_t>& table,
                                       WriteContext& c) {
     std::vector<std::string> missing;
-    for (const SourceRecord& r : source.entities) NoteName(r, code, table, c, missing);
+    // Entities in a row mostly name the same: a name is looked up when it changes.
+    std::string_view last;
+    bool any = false;
+    auto note = [&](const SourceRecord& r) {
+        const std::string_view name = r.text(code);
+        if (any && name == last) return;
+        NoteName(r, code, table, c, missing);
+        last = name;
+        any = true;
+    };
+    for (const SourceRecord& r : source.entities) note(r);
     for (const SourceBlock& block : source.blocks) {
-        for (const SourceRecord& r : block.entities) NoteName(r, code, table, c, missing);
+        for (const SourceRecord& r : block.entities) note(r);
     }
     return missing;
 }

@@ -2,8 +2,11 @@
 // The drawing-file codec: reads DXF (R12 to 2018, ASCII and binary) into a database and writes
 // a database as ASCII DXF, keeping what the database does not model.
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "platform/db/database.hpp"
 
@@ -48,6 +51,28 @@ std::map<std::string, int> LeftOutOfDxf(const AcDbDatabase& db);
 
 // Writes the database to text. Objects made in memory take handles from $HANDSEED.
 Acad::ErrorStatus WriteDxfText(AcDbDatabase& db, const WriteOptions& options, std::string& out);
+
+// The tags of a drawing as the writer makes them, without the text around them: for a writer
+// of another format that starts from the records. The values' characters are the list's own.
+class DrawingTags {
+public:
+    using Entry = std::pair<int, std::string_view>;
+    const std::vector<Entry>& tags() const { return m_tags; }
+    void add(int code, std::string_view value);
+    void reserve(size_t tags) { m_tags.reserve(tags); }
+    // Moves another list's tags after this one's.
+    void append(DrawingTags&& other);
+
+private:
+    std::vector<Entry> m_tags;
+    // Values are copied into blocks that never move, so that the views stay valid.
+    std::vector<std::unique_ptr<char[]>> m_blocks;
+    char* m_free = nullptr;
+    size_t m_left = 0;
+};
+
+// The tags WriteDxfText would write as text, in the same order and with the same values.
+Acad::ErrorStatus WriteDxfTags(AcDbDatabase& db, const WriteOptions& options, DrawingTags& out);
 // Writes atomically: a temporary file beside the target, then a rename over it. The
 // temporary files that saves of the target by processes no longer running left are removed.
 Acad::ErrorStatus WriteDxfFile(AcDbDatabase& db, const std::string& path,

@@ -75,8 +75,11 @@ constexpr size_t kFlushBytes = 256 << 10;
 
 class Writer {
 public:
-    Writer(AcDbDatabase& db, const WriteOptions& options, std::string& out, std::FILE* file)
-        : m_db(db), m_options(options), m_out(out), m_file(file) {
+    // The output goes to the file when there is one, to the tags when they are given, and
+    // otherwise stays in out.
+    Writer(AcDbDatabase& db, const WriteOptions& options, std::string& out, std::FILE* file,
+           DrawingTags* tags = nullptr)
+        : m_db(db), m_options(options), m_out(out), m_file(file), m_tags(tags) {
         AcDb::AcDbDwgVersion read = db.originalFileVersion();
         m_version = options.keepVersion ? read : options.version;
         if (m_version == AcDb::kDHL_Unknown) m_version = AcDb::kDHL_1018;
@@ -132,6 +135,8 @@ private:
     const WriteOptions& m_options;
     std::string& m_out;
     std::FILE* m_file;  // null when the text stays in m_out
+    DrawingTags* m_tags;
+    std::string m_value;  // a value formatted for m_tags
     bool m_failed = false;
     AcDb::AcDbDwgVersion m_version;
     bool m_r12;
@@ -168,8 +173,18 @@ void Writer::code(int code) {
 }
 
 void Writer::tag(int code, std::string_view value) {
+    const bool encode = m_textCodePage != 65001 && KindOfCode(code) == ValueKind::kString;
+    if (m_tags) {
+        if (encode) {
+            m_value.clear();
+            EncodeText(value, m_textCodePage, m_value);
+            value = m_value;
+        }
+        m_tags->add(code, value);
+        return;
+    }
     this->code(code);
-    if (m_textCodePage != 65001 && KindOfCode(code) == ValueKind::kString)
+    if (encode)
         EncodeText(value, m_textCodePage, m_out);
     else
         m_out.append(value);
@@ -179,6 +194,12 @@ void Writer::tag(int code, std::string_view value) {
 void Writer::field(const Field& f) {
     if (f.kind == Field::Kind::kText) {
         tag(f.code, f.text);
+        return;
+    }
+    if (m_tags) {
+        m_value.clear();
+        AppendField(f, m_value);
+        m_tags->add(f.code, m_value);
         return;
     }
     code(f.code);
@@ -656,25 +677,30 @@ void Writer::blockEntities(const AcDbBlockTableRecord& block) {
     const AcDbObjectIdArray& ids = block.entityIds();
     size_t count = static_cast<size_t>(ids.length());
     size_t helpers = std::min<size_t>(std::max(std::thread::hardware_concurrency(), 1u), 4) - 1;
-    if (!m_file || helpers == 0 || count < 2 * kEntityBatch) {
+    if ((!m_file && !m_tags) || helpers == 0 || count < 2 * kEntityBatch) {
         entityBatch(ids, 0, count);
         return;
     }
     std::vector<std::string> texts(helpers);
+    std::vector<DrawingTags> tags(helpers);
     for (size_t begin = 0; begin < count;) {
         std::vector<std::thread> threads;
         for (size_t h = 0; h < helpers; ++h) {
             size_t from = std::min(count, begin + (h + 1) * kEntityBatch);
             size_t to = std::min(count, from + kEntityBatch);
             texts[h].clear();
-            threads.emplace_back([this, &ids, &text = texts[h], from, to] {
-                Writer helper(m_db, m_options, text, nullptr);
+            threads.emplace_back([this, &ids, &text = texts[h], &part = tags[h], from, to] {
+                Writer helper(m_db, m_options, text, nullptr, m_tags ? &part : nullptr);
                 helper.entityBatch(ids, from, to);
             });
         }
         entityBatch(ids, begin, std::min(count, begin + kEntityBatch));
         for (size_t h = 0; h < helpers; ++h) {
             threads[h].join();
+            if (m_tags) {
+                m_tags->append(std::move(tags[h]));
+                continue;
+            }
             if (m_out.size() >= kFlushBytes) flush();
             m_out += texts[h];
         }
@@ -784,6 +810,36 @@ Acad::ErrorStatus WriteDxfText(AcDbDatabase& db, const WriteOptions& options, st
     out.clear();
     Writer writer(db, options, out, nullptr);
     writer.write();
+    return Acad::eOk;
+}
+
+void DrawingTags::add(int code, std::string_view value) {
+    // Blocks of 1 MB, or one of its own for a longer value.
+    constexpr size_t kBlock = 1 << 20;
+    if (value.size() > m_left) {
+        const size_t size = std::max(kBlock, value.size());
+        m_blocks.push_back(std::make_unique<char[]>(size));
+        m_free = m_blocks.back().get();
+        m_left = size;
+    }
+    if (!value.empty()) std::memcpy(m_free, value.data(), value.size());
+    m_tags.emplace_back(code, std::string_view(m_free, value.size()));
+    m_free += value.size();
+    m_left -= value.size();
+}
+
+void DrawingTags::append(DrawingTags&& other) {
+    m_tags.insert(m_tags.end(), other.m_tags.begin(), other.m_tags.end());
+    for (auto& block : other.m_blocks) m_blocks.push_back(std::move(block));
+    other = DrawingTags();
+}
+
+Acad::ErrorStatus WriteDxfTags(AcDbDatabase& db, const WriteOptions& options, DrawingTags& out) {
+    out = DrawingTags();
+    // Records hold about twenty tags: the list is laid out once for most drawings.
+    out.reserve(db.stubs().size() * 24);
+    std::string unused;
+    Writer(db, options, unused, nullptr, &out).write();
     return Acad::eOk;
 }
 

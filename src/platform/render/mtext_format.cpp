@@ -3,6 +3,7 @@
 #include "platform/render/mtext_format.hpp"
 
 #include <cwchar>
+#include <sstream>
 
 namespace tavrik::render {
 
@@ -65,15 +66,18 @@ void SetWidth(Reader& r, const std::wstring& text) {
     r.look().widthFactor = relative ? r.look().widthFactor * v : v;
 }
 
-// \f family|b1|i0|c134|p34: bold and italic; the other fields do not change the look.
+// \f family|b1|i0|c134|p34: bold and italic, each on only for the field "b1" or "i1" (a field
+// "b0" or a bare "b", wherever it stands, is off); the family name and the other fields do not
+// change the look.
 void SetFontFlags(Reader& r, const std::wstring& text) {
-    size_t bar = text.find(L'|');
     r.look().bold = false;
     r.look().italic = false;
-    for (; bar != std::wstring::npos && bar + 2 < text.size(); bar = text.find(L'|', bar + 1)) {
-        bool on = text[bar + 2] == L'1';
-        if (text[bar + 1] == L'b') r.look().bold = on;
-        else if (text[bar + 1] == L'i') r.look().italic = on;
+    std::wistringstream fields(text);
+    std::wstring field;
+    std::getline(fields, field, L'|');  // the family name
+    while (std::getline(fields, field, L'|')) {
+        if (field.starts_with(L'b')) r.look().bold = field == L"b1";
+        else if (field.starts_with(L'i')) r.look().italic = field == L"i1";
     }
 }
 

@@ -3,9 +3,12 @@
 // back.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "platform/dxf/support.hpp"
 #include "platform/db/block_table_record.hpp"
@@ -13,7 +16,12 @@
 #include "platform/db/line.hpp"
 #include "platform/db/symbol_tables.hpp"
 #include "platform/dwg/write.hpp"
+#include "platform/dxf/dxf.hpp"
 #include "platform/dxf/model.hpp"
+#include "platform/win/faults.hpp"
+#include "platform/win/host_state.hpp"
+#include "platform/win/paths.hpp"
+#include "platform/win/recycle.hpp"
 
 namespace {
 
@@ -123,6 +131,94 @@ TEST(SaveAs2004, dwg_save_into_a_missing_folder_fails_and_names_the_file) {
     EXPECT_EQ(acdbSaveAs2004(&db, target.wstring().c_str()), Acad::eFileAccessErr);
     EXPECT_NE(db.lastError().find(L"export.dwg"), std::wstring::npos);
     EXPECT_FALSE(fs::exists(target));
+    fs::remove_all(dir);
+}
+
+TEST(SaveAs2004, dwg_save_over_a_folder_fails_and_says_so) {
+    const fs::path dir = dxftest::TempDir("save_folder");
+    const fs::path target = dir / "export.dwg";
+    fs::create_directories(target);
+    AcDbDatabase db(true, false);
+    DrawLine(db);
+    EXPECT_EQ(acdbSaveAs2004(&db, target.wstring().c_str()), Acad::eFileAccessErr);
+    EXPECT_EQ(db.lastError(), target.wstring() + L":0: DXF008 cannot save: a folder stands at that name");
+    EXPECT_TRUE(fs::is_directory(target));
+    fs::remove_all(dir);
+}
+
+TEST(SaveAs2004, dwg_save_to_a_full_drive_fails_and_says_so) {
+    const fs::path target = DriveFolder(L'Q') / "full.dwg";
+    ::setenv(kFullDriveVariable, "Q", 1);
+    AcDbDatabase db(true, false);
+    DrawLine(db);
+    const Acad::ErrorStatus es = acdbSaveAs2004(&db, target.wstring().c_str());
+    ::unsetenv(kFullDriveVariable);
+    EXPECT_EQ(es, Acad::eFileAccessErr);
+    EXPECT_EQ(db.lastError(), target.wstring() + L":0: DXF008 cannot write: No space left on device");
+    EXPECT_FALSE(fs::exists(target));
+}
+
+// Inside the prefix the drawing a save replaces is first kept in the recycle folder: where a
+// file stands in the folder's place, the save fails, says why, and the old drawing stays.
+TEST(SaveAs2004, dwg_save_that_cannot_keep_the_replaced_drawing_fails_and_leaves_it) {
+    const fs::path dir = dxftest::TempDir("save_recycle");
+    const fs::path target = dir / "export.dwg";
+    std::ofstream(target) << "old";
+    std::ofstream(dir / kRecycleFolderName) << "not a folder";
+    const fs::path prefix = Host().prefix;
+    Host().prefix = dir;
+    AcDbDatabase db(true, false);
+    DrawLine(db);
+    const Acad::ErrorStatus es = acdbSaveAs2004(&db, target.wstring().c_str());
+    Host().prefix = prefix;
+    EXPECT_EQ(es, Acad::eFileAccessErr);
+    const std::wstring expected =
+        target.wstring() + L":0: DXF008 " + target.wstring() + L": cannot keep a copy in the recycle folder: ";
+    EXPECT_EQ(db.lastError().substr(0, expected.size()), expected) << dxf::Utf8(db.lastError());
+    EXPECT_EQ(FirstBytes(target, 6), "old");
+    fs::remove_all(dir);
+}
+
+// The drawings the observer was told of, with whether the file was there when it was told.
+std::vector<std::pair<AcDbDatabase*, std::string>>& Told() {
+    static std::vector<std::pair<AcDbDatabase*, std::string>> told;
+    return told;
+}
+
+void NoteSaved(AcDbDatabase& db, const std::string& path) {
+    Told().push_back({&db, path + (FirstBytes(path, 6) == "AC1018" ? " written" : " missing")});
+}
+
+TEST(SaveAs2004, dwg_save_tells_the_observer_once_written_and_a_failed_one_does_not) {
+    const fs::path dir = dxftest::TempDir("save_observer");
+    const fs::path target = dir / "told.dwg";
+    Told().clear();
+    dxf::SetDrawingSavedObserver(NoteSaved);
+    AcDbDatabase db(true, false);
+    DrawLine(db);
+    EXPECT_EQ(acdbSaveAs2004(&db, (dir / "none" / "x.dwg").wstring().c_str()), Acad::eFileAccessErr);
+    EXPECT_TRUE(Told().empty());
+    EXPECT_EQ(acdbSaveAs2004(&db, target.wstring().c_str()), Acad::eOk);
+    dxf::SetDrawingSavedObserver(nullptr);
+    ASSERT_EQ(Told().size(), 1u);
+    EXPECT_EQ(Told()[0].first, &db);
+    EXPECT_EQ(Told()[0].second, target.string() + " written");
+    fs::remove_all(dir);
+}
+
+// A save that leaves values out of the DWG says so on standard error, a line each.
+TEST(SaveAs2004, dwg_save_names_what_it_leaves_out) {
+    const fs::path dir = dxftest::TempDir("save_left_out");
+    const fs::path target = dir / "x0292430_c.dwg";
+    AcDbDatabase db(false, true);
+    ASSERT_EQ(dxf::ReadDxfFile(db, "/work/shared/corpus/dxf/x0292430_c.dxf"), Acad::eOk);
+    ::testing::internal::CaptureStderr();
+    const Acad::ErrorStatus es = db.saveAs(target.wstring().c_str());
+    const std::string said = ::testing::internal::GetCapturedStderr();
+    EXPECT_EQ(es, Acad::eOk);
+    const std::string prefix = "saveAs: " + target.string() + ": 1 DIMSTYLE variable ";
+    EXPECT_EQ(said, prefix + "270 record(s) not written (no DWG encoder)\n" + prefix +
+                        "287 record(s) not written (no DWG encoder)\n");
     fs::remove_all(dir);
 }
 

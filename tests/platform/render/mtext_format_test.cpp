@@ -82,6 +82,10 @@ TEST(MTextFormat, font_flags_are_read_from_every_field_after_any_family_name) {
         {L"\\fArial||b1|i1;a", true, true},    // an empty field before the flags
         {L"\\fArial|b;a", false, false},       // a flag without its digit is off
         {L"\\fArial|b1|i;a", true, false},
+        {L"\\fArial|i1|i;a", false, false},   // a bare flag in the last field is off too
+        {L"\\fArial|b|i1;a", false, true},    // and so is one before another field
+        {L"\\fArial|b0|i1|c134;a", false, true},
+        {L"\\fb1|i1;a", false, true},          // a family name that reads as a flag is a name
     };
     for (const FontFlagsCase& c : cases) {
         auto runs = ParseMText(c.contents, 2.5)[0];
