@@ -143,17 +143,14 @@ public:
     const std::unordered_map<std::uint64_t, DwgKeptObject>& dwgKeptObjects() const {
         return m_dwgKept;
     }
-    // The objects of an AC1018 file as the file stored them (size, data and CRC), with a
-    // fingerprint of the DWG writer's own encoding of each right after the read. A DWG save
-    // whose encoding of an object still has that fingerprint (nothing the object holds has
-    // changed) writes the stored bytes instead, so that an unchanged object keeps its bits.
+    // The sections of the AC1018 file the database was read from (header variables, classes,
+    // object map, objects; decompressed), so that a DWG save can give each object that has not
+    // changed since the read the bits the file stored: the save reads them again and compares
+    // the writer's encoding of each object of that read with its encoding of the object now.
     struct DwgFiledObjects {
-        int codePage = 0;  // the Windows code page of the file's texts
-        struct Filed {
-            std::uint64_t fingerprint = 0;
-            std::vector<std::uint8_t> bytes;
-        };
-        std::unordered_map<std::uint64_t, Filed> byHandle;
+        int codePage = 0;     // the Windows code page of the file's texts; 0 when nothing is kept
+        int maintenance = 0;  // the file header's maintenance release
+        std::vector<std::uint8_t> header, classes, objectMap, objects;
     };
     DwgFiledObjects& dwgFiledObjects() { return m_dwgFiled; }
     const DwgFiledObjects& dwgFiledObjects() const { return m_dwgFiled; }

@@ -94,6 +94,7 @@ bool Drawing::decode(MapError& error) {
     std::vector<ObjectLocation> map;
     if (!ParseObjectMap(sections.objectMap, map, error)) return false;
     items.reserve(map.size());
+    out.expectObjects(map.size());
     for (const auto& loc : map) {
         if (!decodeOne(loc, error)) return false;
     }
@@ -367,9 +368,11 @@ void Drawing::takeKept(std::vector<KeptData>& kept) {
 
 }  // namespace
 
-bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<KeptData>& kept,
-                  MapError& error) {
-    Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}, {}};
+namespace {
+
+// The drawing decoded and written out as its records, in the order the DXF reader builds a
+// database from.
+bool WriteDrawing(Drawing& drawing, std::vector<KeptData>& kept, MapError& error) {
     if (!drawing.decode(error)) return false;
     drawing.index();
     drawing.writeHeader();
@@ -383,9 +386,25 @@ bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<Kep
     drawing.out.tag(0, "ENDSEC");
     drawing.writeObjects();
     drawing.out.tag(0, "EOF");
-    dxf = drawing.out.take();
+    drawing.out.flush();
     drawing.takeKept(kept);
     return true;
+}
+
+}  // namespace
+
+bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<KeptData>& kept,
+                  MapError& error) {
+    Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}, {}};
+    if (!WriteDrawing(drawing, kept, error)) return false;
+    dxf = drawing.out.take();
+    return true;
+}
+
+bool DwgToRecords(const DwgSections& sections, dxf::RecordFeed& feed, std::vector<KeptData>& kept,
+                  MapError& error) {
+    Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}, DxfText(&feed)};
+    return WriteDrawing(drawing, kept, error);
 }
 
 }  // namespace dwg

@@ -9,6 +9,7 @@
 
 #include "platform/dwg/bit_reader.hpp"
 #include "platform/dwg/object_map.hpp"
+#include "platform/dxf/record_feed.hpp"
 
 namespace dwg {
 
@@ -38,6 +39,9 @@ struct KeptData {
 // does not decode. The objects whose records are their head only are appended to `kept`
 // (symbol table records and control objects are written whole and are not among them).
 bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<KeptData>& kept,
+                  MapError& error);
+// The same records handed to the feed one at a time, as they are made.
+bool DwgToRecords(const DwgSections& sections, dxf::RecordFeed& feed, std::vector<KeptData>& kept,
                   MapError& error);
 
 }  // namespace dwg

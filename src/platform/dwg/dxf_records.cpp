@@ -10,10 +10,22 @@
 
 namespace dwg {
 
-void DxfText::tag(int code, std::string_view value) {
+void DxfText::tag(int code, std::string_view text) {
+    if (feed_ != nullptr) {
+        if (code == 0) flush();
+        const std::size_t begin = out_.size();
+        value(text);
+        spans_.push_back({code, begin, out_.size()});
+        return;
+    }
     char buffer[12];
     out_.append(buffer, std::to_chars(buffer, buffer + sizeof buffer, code).ptr);
     out_ += '\n';
+    value(text);
+    out_ += '\n';
+}
+
+void DxfText::value(std::string_view value) {
     // A value is one line: control characters (a line break inside an MTEXT) are written as
     // a DXF file gives them, "^J" for a line feed. The runs between them go in whole.
     std::size_t run = 0;
@@ -26,7 +38,16 @@ void DxfText::tag(int code, std::string_view value) {
         run = i + 1;
     }
     out_.append(value.substr(run));
-    out_ += '\n';
+}
+
+void DxfText::flush() {
+    if (feed_ == nullptr || spans_.empty()) return;
+    tags_.clear();
+    const std::string_view values = out_;
+    for (const Span& s : spans_) tags_.push_back({s.code, values.substr(s.begin, s.end - s.begin), 0});
+    feed_->record(tags_);
+    spans_.clear();
+    out_.clear();
 }
 
 void DxfText::tag(int code, double value) {
@@ -47,10 +68,9 @@ void DxfText::integer(int code, long long value) {
 
 void DxfText::handle(int code, std::uint64_t value) {
     char buffer[20];
-    auto end = std::to_chars(buffer, buffer + sizeof buffer, value, 16).ptr;
-    std::string text(buffer, end);
-    for (auto& c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-    tag(code, text);
+    char* end = std::to_chars(buffer, buffer + sizeof buffer, value, 16).ptr;
+    for (char* c = buffer; c != end; ++c) *c = static_cast<char>(std::toupper(static_cast<unsigned char>(*c)));
+    tag(code, std::string_view(buffer, end));
 }
 
 void DxfText::point(int code, const Point3& p) {

@@ -7,14 +7,19 @@
 #include <string_view>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include "platform/dwg/decode.hpp"
+#include "platform/dxf/record_feed.hpp"
 
 namespace dwg {
 
-// ASCII DXF text being written: one group code and value a pair of lines.
+// DXF records being written: as the text of an ASCII DXF file, one group code and value a pair
+// of lines, or, given a feed, handed to the feed a record at a time without being made text.
 class DxfText {
 public:
+    DxfText() = default;
+    explicit DxfText(dxf::RecordFeed* feed) : feed_(feed) {}
     void tag(int code, std::string_view value);
     void tag(int code, double value);
     void integer(int code, long long value);
@@ -22,11 +27,25 @@ public:
     void point(int code, const Point3& p);
     void point(int code, const Point2& p);
     void angle(int code, double radians);  // DXF gives angles in degrees
+    // About how many objects the records will make (the feed's database grows once).
+    void expectObjects(std::size_t count) {
+        if (feed_ != nullptr) feed_->reserve(count);
+    }
+    // Hands the record being written to the feed (each 0 tag does it for the one before).
+    void flush();
     const std::string& text() const { return out_; }
     std::string take() { return std::move(out_); }  // the text, without a copy
 
 private:
-    std::string out_;
+    void value(std::string_view value);
+    struct Span {
+        int code;
+        std::size_t begin, end;  // of the value in out_
+    };
+    std::string out_;  // the text, or the values of the record being written
+    dxf::RecordFeed* feed_ = nullptr;
+    std::vector<Span> spans_;
+    std::vector<dxf::Tag> tags_;
 };
 
 // What the records need to turn handles into the names DXF uses.

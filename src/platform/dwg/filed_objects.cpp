@@ -1,9 +1,11 @@
 #include "platform/dwg/filed_objects.hpp"
 
+#include <unordered_map>
 #include <vector>
 
 #include "platform/dwg/object_map.hpp"
 #include "platform/dwg/object_stream.hpp"
+#include "platform/dwg/read.hpp"
 
 namespace dwg {
 
@@ -37,11 +39,37 @@ void KeepFiledObjects(AcDbDatabase& db, const DwgSections& sections) {
     AcDbDatabase::DwgFiledObjects& filed = db.dwgFiledObjects();
     filed = {};
     if (!KeepsFiledObjects(sections)) return;
+    filed.codePage = sections.codePage;
+    filed.maintenance = sections.maintenance;
+    filed.header.assign(sections.header.begin(), sections.header.end());
+    filed.classes.assign(sections.classes.begin(), sections.classes.end());
+    filed.objectMap.assign(sections.objectMap.begin(), sections.objectMap.end());
+    filed.objects.assign(sections.objects.begin(), sections.objects.end());
+}
+
+namespace {
+
+struct Filed {
+    std::uint64_t fingerprint = 0;       // of the writer's encoding right after the read
+    std::span<const std::uint8_t> bytes;  // as the file stored them
+};
+
+// Each object of the kept sections read again, by handle: the fingerprint of the writer's
+// encoding of it and its stored bytes. The read is the one the database was filled by, so the
+// encoding is the one the writer gave the object right after it; the database need not be
+// encoded at every read for it.
+std::unordered_map<std::uint64_t, Filed> FiledAtRead(const AcDbDatabase::DwgFiledObjects& filed) {
+    std::unordered_map<std::uint64_t, Filed> out;
+    const DwgSections sections{Version::kR2004, filed.maintenance, filed.codePage, filed.header,
+                               filed.classes,    filed.objectMap,   filed.objects};
     std::vector<ObjectLocation> map;
     MapError error;
-    if (!ParseObjectMap(sections.objectMap, map, error)) return;
+    AcDbDatabase read(false, true);
     EncodedDrawing encoded;
-    if (EncodeDrawing(db, sections.codePage, encoded) != Acad::eOk) return;
+    if (!ParseObjectMap(sections.objectMap, map, error) || ReadDwgSections(read, sections, "") != Acad::eOk ||
+        EncodeDrawing(read, sections.codePage, encoded) != Acad::eOk) {
+        return out;
+    }
     const auto& objects = encoded.context.objects;
     for (const ObjectLocation& at : map) {
         const auto ours = objects.find(at.handle);
@@ -51,17 +79,22 @@ void KeepFiledObjects(AcDbDatabase& db, const DwgSections& sections) {
         // A custom kind numbered otherwise by the written classes cannot keep its stored bytes.
         StoredObject(ours->second, 0, sections, ourType);
         if (stored.empty() || storedType != ourType) continue;
-        filed.byHandle[at.handle] = {Fingerprint(ours->second), {stored.begin(), stored.end()}};
+        out[at.handle] = {Fingerprint(ours->second), stored};
     }
-    filed.codePage = sections.codePage;
+    return out;
 }
+
+}  // namespace
 
 void PutBackFiledObjects(const AcDbDatabase& db, WriteContext& c) {
     const AcDbDatabase::DwgFiledObjects& filed = db.dwgFiledObjects();
     if (filed.codePage != c.options.codePage) return;
+    const std::unordered_map<std::uint64_t, Filed> atRead = FiledAtRead(filed);
     for (auto& [handle, bytes] : c.objects) {
-        const auto it = filed.byHandle.find(handle);
-        if (it != filed.byHandle.end() && it->second.fingerprint == Fingerprint(bytes)) bytes = it->second.bytes;
+        const auto it = atRead.find(handle);
+        if (it != atRead.end() && it->second.fingerprint == Fingerprint(bytes)) {
+            bytes.assign(it->second.bytes.begin(), it->second.bytes.end());
+        }
     }
 }
 

@@ -2,7 +2,9 @@
 // Objects of an AC1018 file kept as the file stored them, so that a save puts back the bits of
 // every object that has not changed since the read. "Not changed" is judged by the writer's own
 // encoding: the fingerprint of the object's encoding right after the read against the one at
-// the save. The writer's encoding of an object need not be AutoCAD's bit for bit (padding bits
+// the save. The read keeps the file's sections only; the save reads them again for the
+// encoding right after the read, so that a read that is not saved as DWG costs no encoding.
+// The writer's encoding of an object need not be AutoCAD's bit for bit (padding bits
 // and the choice between absolute and relative handle references differ) for this to hold.
 #include <cstdint>
 #include <span>
@@ -20,12 +22,13 @@ std::uint64_t Fingerprint(std::span<const std::uint8_t> bytes);
 // code page 936 or 1252.
 bool KeepsFiledObjects(const DwgSections& sections);
 
-// After an AC1018 file with texts in code page 936 or 1252 has been read into `db`: keeps each
-// object the writer encodes from it, with its stored bytes. Other files keep nothing.
+// After an AC1018 file with texts in code page 936 or 1252 has been read into `db`: keeps the
+// sections it was read from. Other files keep nothing.
 void KeepFiledObjects(AcDbDatabase& db, const DwgSections& sections);
 
-// Replaces the writer's encoding of each object whose fingerprint is that of the read by the
-// bytes the file stored, when the file's code page is the one being written.
+// Replaces the writer's encoding of each object whose fingerprint is that of the read (the kept
+// sections read again and encoded) by the bytes the file stored, when the file's code page is
+// the one being written.
 void PutBackFiledObjects(const AcDbDatabase& db, WriteContext& c);
 
 }  // namespace dwg

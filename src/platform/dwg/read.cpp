@@ -7,6 +7,7 @@
 #include "platform/dwg/container.hpp"
 #include "platform/dwg/filed_objects.hpp"
 #include "platform/dxf/dxf.hpp"
+#include "platform/dxf/record_feed.hpp"
 #include "platform/win/codepage.hpp"
 
 namespace dwg {
@@ -78,12 +79,14 @@ AcDb::AcDbDwgVersion DatabaseVersion(Version version) {
 
 namespace {
 
-// The database filled from the records the drawing was decoded into.
-Acad::ErrorStatus ReadDecodedText(AcDbDatabase& db, const std::string& text,
-                                  std::vector<KeptData>& kept, const DwgSections& sections,
-                                  const std::string& name) {
-    const Acad::ErrorStatus status = dxf::ReadDxfBytes(db, text, name);
-    if (status != Acad::eOk) {
+// The database filled from the records the drawing is decoded into, handed to the DXF reader
+// one at a time.
+Acad::ErrorStatus ReadRecords(AcDbDatabase& db, const DwgSections& sections, const std::string& name) {
+    std::vector<KeptData> kept;
+    MapError error;
+    dxf::RecordFeed feed(db, name);
+    if (!DwgToRecords(sections, feed, kept, error)) return Fail(db, name, error.offset, error.reason);
+    if (feed.finish() != Acad::eOk) {
         // The records are made here: a refusal is a fault of this reader, said as such.
         const std::wstring why = db.lastError();
         db.discardContents();
@@ -101,11 +104,7 @@ Acad::ErrorStatus ReadDecodedText(AcDbDatabase& db, const std::string& text,
 
 Acad::ErrorStatus ReadDwgSections(AcDbDatabase& db, const DwgSections& sections,
                                   const std::string& name) {
-    std::string text;
-    std::vector<KeptData> kept;
-    MapError error;
-    if (!DwgToDxfText(sections, text, kept, error)) return Fail(db, name, error.offset, error.reason);
-    return ReadDecodedText(db, text, kept, sections, name);
+    return ReadRecords(db, sections, name);
 }
 
 Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::span<const std::uint8_t> file,
@@ -119,17 +118,7 @@ Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::span<const std::uint8_t> f
     DwgContainer container;
     MapError error;
     if (!ReadDwgContainer(file, container, error)) return Fail(db, name, error.offset, error.reason);
-    DwgSections sections = SectionsOf(container, file);
-    std::string text;
-    std::vector<KeptData> kept;
-    if (!DwgToDxfText(sections, text, kept, error)) return Fail(db, name, error.offset, error.reason);
-    if (!KeepsFiledObjects(sections)) {
-        // The decompressed sections are as large as the file again: they are let go before the
-        // database fills unless its objects are to keep the bytes the file stored.
-        container = {};
-        sections = {sections.version, sections.maintenance, sections.codePage, {}, {}, {}, {}};
-    }
-    return ReadDecodedText(db, text, kept, sections, name);
+    return ReadRecords(db, SectionsOf(container, file), name);
 }
 
 }  // namespace dwg

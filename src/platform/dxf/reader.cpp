@@ -33,6 +33,8 @@
 #include "platform/dxf/mapped_file.hpp"
 #include "platform/dxf/model.hpp"
 #include "platform/dxf/table_records.hpp"
+#include "platform/dxf/record_feed.hpp"
+#include "platform/dxf/record_walk.hpp"
 #include "platform/dxf/tagger.hpp"
 
 namespace dxf {
@@ -77,13 +79,6 @@ bool LooksLikeDxf(std::string_view head) {
 
 namespace {
 
-struct ReadError {
-    DxfError error = DxfError::kNone;
-    int line = 0;
-    std::string reason;
-    Acad::ErrorStatus status = Acad::eOk;
-};
-
 // What the header tells about the records after it.
 struct FileFacts {
     AcDb::AcDbDwgVersion version = AcDb::kDHL_1009;
@@ -104,125 +99,16 @@ bool ParseHandle(std::string_view text, std::uint64_t& value) {
     return true;
 }
 
-bool ValidNumber(ValueKind kind, std::string_view v) {
-    if (kind == ValueKind::kDouble) {
-        double d;
-        return IsPlainDecimal(v) || ParseDouble(v, d);
-    }
-    if (IsIntegerKind(kind)) {
-        long long i;
-        double d;
-        return ParseInteger(v, i) || (ParseDouble(v, d) && std::floor(d) == d);
-    }
-    return true;
-}
-
-// Walks the records of the text: the 0 tag and every tag up to the next 0, checking each tag's
-// group code and number on the way. A bad tag ends the walk with error() set. Nothing after
-// EOF is read.
-class RecordReader {
-public:
-    explicit RecordReader(std::string_view text) : m_cursor(text) { m_has = take(m_pending); }
-    bool next(std::vector<Tag>& record) {
-        record.clear();
-        while (m_has && m_pending.code == 999) m_has = take(m_pending);
-        if (!m_has) return false;
-        record.push_back(m_pending);
-        if (m_pending.code == 0 && m_pending.value == "EOF") {
-            m_has = false;
-            return true;
-        }
-        while ((m_has = take(m_pending)) && m_pending.code != 0)
-            if (m_pending.code != 999) record.push_back(m_pending);
-        return m_error.error == DxfError::kNone;
-    }
-    const ReadError& error() const { return m_error; }
-    int lastLine() const { return m_lastLine; }
-
-private:
-    bool take(Tag& tag) {
-        if (!m_cursor.next(tag)) {
-            const std::string& e = m_cursor.error();
-            if (!e.empty())
-                m_error = {e.rfind("file ends", 0) == 0 ? DxfError::kTruncated : DxfError::kBadGroupCode,
-                           m_cursor.line(), e};
-            return false;
-        }
-        m_lastLine = tag.line;
-        ValueKind kind = KindOfCode(tag.code);
-        if (kind == ValueKind::kInvalid)
-            m_error = {DxfError::kBadGroupCode, tag.line, "unknown group code " + std::to_string(tag.code)};
-        else if (!ValidNumber(kind, tag.value))
-            m_error = {DxfError::kBadNumber, tag.line + 1,
-                       "value '" + std::string(tag.value.substr(0, 40)) + "' of group code " +
-                           std::to_string(tag.code) + " is not a number"};
-        return m_error.error == DxfError::kNone;
-    }
-    TagCursor m_cursor;
-    Tag m_pending;
-    bool m_has = false;
-    int m_lastLine = 0;
-    ReadError m_error;
-};
-
-// The order of sections and records: sections named, not nested, closed, and the file ended
-// by EOF outside them. Tags before the first section are allowed (comments, stray values).
-class SectionOrder {
-public:
-    // Checks a record; the current section is then section().
-    ReadError enter(const std::vector<Tag>& record) {
-        const Tag& head = record[0];
-        if (head.code != 0) {
-            if (!m_names.empty()) return outside(head);
-            return {};
-        }
-        if (head.value == "SECTION") {
-            if (!m_section.empty()) return {DxfError::kBadStructure, head.line, "SECTION inside section " + std::string(m_section)};
-            if (record.size() < 2 || record[1].code != 2)
-                return {DxfError::kBadStructure, record.size() < 2 ? head.line : record[1].line, "SECTION without a name"};
-            m_section = record[1].value;
-            m_names.push_back(m_section);
-            return {};
-        }
-        if (head.value == "ENDSEC") {
-            if (m_section.empty()) return {DxfError::kBadStructure, head.line, "ENDSEC outside a section"};
-            m_section = {};
-            return record.size() > 1 ? outside(record[1]) : ReadError{};
-        }
-        if (head.value == "EOF") {
-            if (!m_section.empty()) return {DxfError::kTruncated, head.line, "EOF inside section " + std::string(m_section)};
-            m_ended = true;
-            return {};
-        }
-        if (m_section.empty())
-            return {DxfError::kBadStructure, head.line, "record " + std::string(head.value.substr(0, 40)) + " outside a section"};
-        return {};
-    }
-    std::string_view section() const { return m_section; }
-    // What the whole file lacks, once it has been read to its last line.
-    ReadError finish(AcDb::AcDbDwgVersion version, int lastLine) const {
-        if (!m_ended) return {DxfError::kTruncated, lastLine, "the file ends before EOF"};
-        if (!has("ENTITIES")) return {DxfError::kMissingSection, lastLine, "no ENTITIES section"};
-        if (version >= AcDb::kDHL_1015)
-            for (const char* needed : {"TABLES", "BLOCKS", "OBJECTS"})
-                if (!has(needed)) return {DxfError::kMissingSection, lastLine, std::string("no ") + needed + " section"};
-        return {};
-    }
-
-private:
-    static ReadError outside(const Tag& t) {
-        return {DxfError::kBadStructure, t.line, "group code " + std::to_string(t.code) + " outside a section"};
-    }
-    bool has(std::string_view name) const { return std::find(m_names.begin(), m_names.end(), name) != m_names.end(); }
-    std::string_view m_section;  // in the text, which stays mapped while it is read
-    std::vector<std::string_view> m_names;
-    bool m_ended = false;
-};
-
 class Builder {
 public:
     explicit Builder(AcDbDatabase& db) : m_db(db) {}
+    // Reads the records of a whole text.
     ReadError build(std::string_view text, MappedFile* file);
+    // Builds from one record (its tags checked); ended() once EOF has been met.
+    ReadError take(std::span<const Tag> record);
+    bool ended() const { return m_order.ended(); }
+    // After the last record, at the line given: what the drawing lacks, and the names resolved.
+    ReadError finish(int lastLine);
 
 private:
     // ---- tags ----
@@ -234,11 +120,11 @@ private:
     static AcDbHandle handleOf(const AcDbRawTags& tags);
 
     // ---- sections ----
-    void readHeader(const std::vector<Tag>& record);
-    void readTableRecord(const std::vector<Tag>& record);
-    void readBlockRecord(const std::vector<Tag>& record);
-    void readEntityRecord(const std::vector<Tag>& record);
-    void readObjectRecord(const std::vector<Tag>& record);
+    void readHeader(std::span<const Tag> record);
+    void readTableRecord(std::span<const Tag> record);
+    void readBlockRecord(std::span<const Tag> record);
+    void readEntityRecord(std::span<const Tag> record);
+    void readObjectRecord(std::span<const Tag> record);
 
     // ---- objects ----
     // Adds an object under its record's handle; one without gets a provisional handle.
@@ -253,6 +139,7 @@ private:
     void resolveNames();
 
     AcDbDatabase& m_db;
+    SectionOrder m_order;
     FileFacts m_facts;
     std::uint64_t m_nextHandle = 1;
     // Handles given to objects whose records had none. The file has not named them yet; if a
@@ -449,7 +336,7 @@ AcDbBlockTableRecord* Builder::blockRecordNamed(const std::wstring& name) {
     return record;
 }
 
-void Builder::readTableRecord(const std::vector<Tag>& record) {
+void Builder::readTableRecord(std::span<const Tag> record) {
     std::string_view type = record[0].value;
     if (type == "TABLE") {
         m_tableName = record.size() > 1 && record[1].code == 2 ? std::string(record[1].value) : "";
@@ -489,7 +376,7 @@ void Builder::attachEntity(AcDbEntity* e, AcDbObjectId id) {
     owner->attachEntity(id);
 }
 
-void Builder::readEntityRecord(const std::vector<Tag>& record) {
+void Builder::readEntityRecord(std::span<const Tag> record) {
     std::string_view type = record[0].value;
     if (type == "SEQEND") {
         AcDbRawTags tags;
@@ -559,7 +446,7 @@ void Builder::readEntityRecord(const std::vector<Tag>& record) {
     }
 }
 
-void Builder::readBlockRecord(const std::vector<Tag>& record) {
+void Builder::readBlockRecord(std::span<const Tag> record) {
     std::string_view type = record[0].value;
     if (type == "BLOCK") {
         AcDbRawTags tags;
@@ -600,7 +487,7 @@ void Builder::readBlockRecord(const std::vector<Tag>& record) {
     readEntityRecord(record);
 }
 
-void Builder::readObjectRecord(const std::vector<Tag>& record) {
+void Builder::readObjectRecord(std::span<const Tag> record) {
     std::string_view type = record[0].value;
     AcDbObject* o = nullptr;
     if (type == "DICTIONARY" || type == "ACDBDICTIONARYWDFLT") o = new AcDbDictionary();
@@ -620,7 +507,7 @@ void Builder::readObjectRecord(const std::vector<Tag>& record) {
     m_firstObject = false;
 }
 
-void Builder::readHeader(const std::vector<Tag>& record) {
+void Builder::readHeader(std::span<const Tag> record) {
     // The version and code page first: they decide how the values, these included, read.
     for (size_t i = 2; i + 1 < record.size(); ++i) {
         if (record[i].code != 9) continue;
@@ -669,36 +556,29 @@ void Builder::resolveNames() {
     }
 }
 
-ReadError Builder::build(std::string_view text, MappedFile* file) {
-    // A record takes some two hundred bytes of a drawing file.
-    m_db.reserveObjects(text.size() / 200);
-    RecordReader reader(text);
-    SectionOrder order;
-    std::vector<Tag> record;
-    while (reader.next(record)) {
-        if (file) file->releaseBefore(record[0].value.data());
-        if (ReadError e = order.enter(record); e.error != DxfError::kNone) return e;
-        std::string_view type = record[0].value;
-        std::string_view section = order.section();
-        if (record[0].code != 0 || type == "ENDSEC") continue;
-        if (type == "EOF") break;
-        if (type == "SECTION") {
-            if (section == "HEADER") readHeader(record);
-            // The section's own tags after its name belong to what is kept of it.
-            if (section == "ACDSDATA")
-                toRawTags(std::span<const Tag>(record).subspan(2), m_db.acdsDataSection(), nullptr);
-            continue;
-        }
-        if (section == "CLASSES") toRawTags(record, m_db.classesSection(), nullptr);
-        else if (section == "TABLES") readTableRecord(record);
-        else if (section == "BLOCKS") readBlockRecord(record);
-        else if (section == "ENTITIES") readEntityRecord(record);
-        else if (section == "OBJECTS") readObjectRecord(record);
-        else if (section == "THUMBNAILIMAGE") toRawTags(record, m_db.thumbnailSection(), nullptr);
-        else if (section == "ACDSDATA") toRawTags(record, m_db.acdsDataSection(), nullptr);
+ReadError Builder::take(std::span<const Tag> record) {
+    if (ReadError e = m_order.enter(record); e.error != DxfError::kNone) return e;
+    std::string_view type = record[0].value;
+    std::string_view section = m_order.section();
+    if (record[0].code != 0 || type == "ENDSEC" || type == "EOF") return {};
+    if (type == "SECTION") {
+        if (section == "HEADER") readHeader(record);
+        // The section's own tags after its name belong to what is kept of it.
+        if (section == "ACDSDATA") toRawTags(record.subspan(2), m_db.acdsDataSection(), nullptr);
+        return {};
     }
-    if (reader.error().error != DxfError::kNone) return reader.error();
-    if (ReadError e = order.finish(m_facts.version, reader.lastLine()); e.error != DxfError::kNone) return e;
+    if (section == "CLASSES") toRawTags(record, m_db.classesSection(), nullptr);
+    else if (section == "TABLES") readTableRecord(record);
+    else if (section == "BLOCKS") readBlockRecord(record);
+    else if (section == "ENTITIES") readEntityRecord(record);
+    else if (section == "OBJECTS") readObjectRecord(record);
+    else if (section == "THUMBNAILIMAGE") toRawTags(record, m_db.thumbnailSection(), nullptr);
+    else if (section == "ACDSDATA") toRawTags(record, m_db.acdsDataSection(), nullptr);
+    return {};
+}
+
+ReadError Builder::finish(int lastLine) {
+    if (ReadError e = m_order.finish(m_facts.version, lastLine); e.error != DxfError::kNone) return e;
     // Every drawing has its two layout blocks, whatever the file held.
     blockRecordNamed(ACDB_MODEL_SPACE);
     blockRecordNamed(ACDB_PAPER_SPACE);
@@ -706,6 +586,34 @@ ReadError Builder::build(std::string_view text, MappedFile* file) {
     m_db.setOriginalFileVersion(m_facts.version);
     if (m_db.handseed().value() < m_nextHandle) m_db.setHandseed(AcDbHandle(m_nextHandle));
     return {};
+}
+
+ReadError Builder::build(std::string_view text, MappedFile* file) {
+    // A record takes some two hundred bytes of a drawing file.
+    m_db.reserveObjects(text.size() / 200);
+    RecordReader reader(text);
+    std::vector<Tag> record;
+    while (!ended() && reader.next(record)) {
+        if (file) file->releaseBefore(record[0].value.data());
+        if (ReadError e = take(record); e.error != DxfError::kNone) return e;
+    }
+    if (reader.error().error != DxfError::kNone) return reader.error();
+    return finish(reader.lastLine());
+}
+
+// The database of a read that ended with `e`: emptied, with the reason said, when e is an error.
+Acad::ErrorStatus Conclude(AcDbDatabase& db, const std::string& name, const ReadError& e) {
+    if (e.error == DxfError::kNone) {
+        db.setLastError(L"");
+        return Acad::eOk;
+    }
+    db.discardContents();  // no part of a bad file is used as if it were the drawing
+    char code[16];
+    std::snprintf(code, sizeof code, "DXF%03d", static_cast<int>(e.error));
+    db.setLastError(Wide(name + ":" + std::to_string(e.line) + ": " + code + " " + e.reason));
+    return e.error == DxfError::kMissingSection ? Acad::eMissingDxfSection
+           : e.error == DxfError::kBadGroupCode ? Acad::eInvalidDxfCode
+                                                : Acad::eBadDxfFile;
 }
 
 }  // namespace
@@ -739,18 +647,46 @@ Acad::ErrorStatus ReadBytes(AcDbDatabase& db, std::string_view bytes, const std:
     if (text.substr(0, 3) == "\xEF\xBB\xBF") text.remove_prefix(3);
     ReadError e = Builder(db).build(text, mapped);
     if (changed()) e = {DxfError::kTruncated, 0, kChanged};
-    if (e.error != DxfError::kNone) {
-        db.discardContents();  // no part of a bad file is used as if it were the drawing
-        Acad::ErrorStatus status = e.error == DxfError::kMissingSection ? Acad::eMissingDxfSection
-                                   : e.error == DxfError::kBadGroupCode ? Acad::eInvalidDxfCode
-                                                                        : Acad::eBadDxfFile;
-        return fail(e.error, e.line, e.reason, status);
-    }
-    db.setLastError(L"");
-    return Acad::eOk;
+    return Conclude(db, name, e);
 }
 
 }  // namespace
+
+struct RecordFeed::State {
+    State(AcDbDatabase& d, std::string n) : db(d), name(std::move(n)), builder(d) {}
+    AcDbDatabase& db;
+    std::string name;
+    Builder builder;
+    std::vector<Tag> tags;  // the record's, without comments
+    ReadError error;
+    int line = 0;  // of the last value
+};
+
+RecordFeed::RecordFeed(AcDbDatabase& db, std::string name)
+    : m_state(std::make_unique<State>(db, std::move(name))) {}
+
+void RecordFeed::reserve(std::size_t objects) { m_state->db.reserveObjects(objects); }
+
+RecordFeed::~RecordFeed() = default;
+
+void RecordFeed::record(std::span<const Tag> tags) {
+    State& s = *m_state;
+    if (s.error.error != DxfError::kNone || s.builder.ended()) return;
+    s.tags.clear();
+    for (Tag tag : tags) {
+        tag.line = s.line + 1;
+        s.line += 2;
+        if (KindOfCode(tag.code) != ValueKind::kString) tag.value = TrimBlanks(tag.value);
+        if ((s.error = CheckTag(tag)).error != DxfError::kNone) return;
+        if (tag.code != 999) s.tags.push_back(tag);
+    }
+    if (!s.tags.empty()) s.error = s.builder.take(s.tags);
+}
+
+Acad::ErrorStatus RecordFeed::finish() {
+    State& s = *m_state;
+    return Conclude(s.db, s.name, s.error.error != DxfError::kNone ? s.error : s.builder.finish(s.line - 1));
+}
 
 Acad::ErrorStatus ReadDxfBytes(AcDbDatabase& db, std::string_view bytes, const std::string& name) {
     return ReadBytes(db, bytes, name, nullptr);

@@ -75,15 +75,13 @@ bool TagCursor::readLine(std::string_view& line) {
     return true;
 }
 
-namespace {
-std::string_view Trim(std::string_view s) {
+std::string_view TrimBlanks(std::string_view s) {
     if (s.empty() || (s.front() != ' ' && s.front() != '\t' && s.back() != ' ' && s.back() != '\t'))
         return s;
     while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
     while (!s.empty() && (s.back() == ' ' || s.back() == '\t')) s.remove_suffix(1);
     return s;
 }
-}  // namespace
 
 // A group code of up to four digits, the common case, read without the general conversion.
 bool ShortCode(std::string_view t, int& code) {
@@ -101,7 +99,7 @@ bool TagCursor::next(Tag& tag) {
     std::string_view codeLine;
     if (!readLine(codeLine)) return false;
     tag.line = m_line;
-    std::string_view t = Trim(codeLine);
+    std::string_view t = TrimBlanks(codeLine);
     int code = 0;
     if (!ShortCode(t, code)) {
         auto [ptr, ec] = std::from_chars(t.data(), t.data() + t.size(), code);
@@ -117,7 +115,7 @@ bool TagCursor::next(Tag& tag) {
     }
     tag.code = code;
     ValueKind kind = KindOfCode(code);
-    tag.value = (kind == ValueKind::kString) ? value : Trim(value);
+    tag.value = (kind == ValueKind::kString) ? value : TrimBlanks(value);
     return true;
 }
 

@@ -16,9 +16,12 @@ inline bool IsIntegerKind(ValueKind k) {
            k == ValueKind::kBool;
 }
 
+// The value without the blanks (spaces, tabs) around it, as numbers are read.
+std::string_view TrimBlanks(std::string_view s);
+
 struct Tag {
     int code = 0;
-    std::string_view value;  // as the file has it; trimmed for numbers
+    std::string_view value;  // as the file has it; trimmed for every kind but strings
     int line = 0;            // line of the group code (ASCII text)
 };
 

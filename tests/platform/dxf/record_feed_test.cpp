@@ -1,0 +1,129 @@
+// Records handed to the reader one at a time build what the same records read as a file build,
+// and are checked and refused as a file's are (same reason, same line).
+#include "platform/dxf/record_feed.hpp"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "platform/dxf/dxf.hpp"
+#include "platform/dxf/tagger.hpp"
+#include "platform/win/codepage.hpp"
+
+namespace {
+
+// Hands the text's records to a feed as its tags come, split at each 0 tag.
+Acad::ErrorStatus Feed(AcDbDatabase& db, std::string_view text, const std::string& name) {
+    dxf::RecordFeed feed(db, name);
+    dxf::TagCursor cursor(text);
+    std::vector<dxf::Tag> record;
+    dxf::Tag tag;
+    while (cursor.next(tag)) {
+        if (tag.code == 0 && !record.empty()) {
+            feed.record(record);
+            record.clear();
+        }
+        record.push_back(tag);
+    }
+    if (!record.empty()) feed.record(record);
+    return feed.finish();
+}
+
+std::string Written(AcDbDatabase& db) {
+    std::string out;
+    EXPECT_EQ(dxf::WriteDxfText(db, {}, out), Acad::eOk);
+    return out;
+}
+
+std::string FileText(const std::string& name) {
+    std::ifstream in("/work/shared/corpus/dxf/" + name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+TEST(DxfRecordFeed, corpus_drawings_fed_build_what_their_files_build) {
+    for (const char* name : {"example_2018.dxf", "example_r12.dxf", "hatches_2.dxf", "dim_sample.dxf"}) {
+        SCOPED_TRACE(name);
+        const std::string text = FileText(name);
+        ASSERT_FALSE(text.empty());
+        AcDbDatabase read(false, true), fed(false, true);
+        ASSERT_EQ(dxf::ReadDxfBytes(read, text, name), Acad::eOk);
+        ASSERT_EQ(Feed(fed, text, name), Acad::eOk) << Utf8FromWide(fed.lastError());
+        EXPECT_EQ(fed.stubs().size(), read.stubs().size());
+        EXPECT_EQ(Written(fed), Written(read));
+    }
+}
+
+const std::string kHead = "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1015\n0\nENDSEC\n";
+const std::string kTail =
+    "0\nSECTION\n2\nTABLES\n0\nENDSEC\n0\nSECTION\n2\nBLOCKS\n0\nENDSEC\n"
+    "0\nSECTION\n2\nOBJECTS\n0\nENDSEC\n0\nEOF\n";
+
+std::string Drawing(const std::string& entities) {
+    return kHead + "0\nSECTION\n2\nENTITIES\n" + entities + "0\nENDSEC\n" + kTail;
+}
+
+struct Case {
+    const char* behaviour;
+    std::string text;
+};
+
+// Each drawing is read both ways; the status and the message must be the same.
+TEST(DxfRecordFeed, records_are_checked_and_refused_as_a_files_are) {
+    const Case cases[] = {
+        {"a line", Drawing("0\nLINE\n5\n2A\n8\n0\n10\n1.5\n20\n2\n30\n0\n11\n3\n21\n4\n31\n0\n")},
+        {"blanks around a number", Drawing("0\nLINE\n5\n2A\n8\n0\n10\n  1.5 \n20\n\t2\n30\n0\n")},
+        {"a comment between tags", Drawing("0\nLINE\n999\nnote\n5\n2A\n8\n0\n10\n1\n")},
+        {"a number that is not one", Drawing("0\nLINE\n5\n2A\n8\n0\n10\nx1\n")},
+        {"an unknown group code", Drawing("0\nLINE\n5\n2A\n85\n1\n")},
+        {"no ENTITIES section", kHead + kTail},
+        {"records after EOF", Drawing("") + "0\nLINE\n10\nbad\n"},
+        {"no EOF", kHead + "0\nSECTION\n2\nENTITIES\n0\nENDSEC\n"},
+        {"a record outside a section", kHead + "0\nLINE\n" + kTail},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.behaviour);
+        AcDbDatabase read(false, true), fed(false, true);
+        const Acad::ErrorStatus expected = dxf::ReadDxfBytes(read, c.text, "t.dxf");
+        EXPECT_EQ(Feed(fed, c.text, "t.dxf"), expected);
+        EXPECT_EQ(Utf8FromWide(fed.lastError()), Utf8FromWide(read.lastError()));
+        EXPECT_EQ(fed.stubs().size(), read.stubs().size());
+        if (expected == Acad::eOk) {
+            EXPECT_EQ(Written(fed), Written(read));
+        }
+    }
+}
+
+TEST(DxfRecordFeed, bad_number_names_the_line_of_its_value) {
+    AcDbDatabase db(false, true);
+    EXPECT_EQ(Feed(db, Drawing("0\nLINE\n5\n2A\n8\n0\n10\nx1\n"), "t.dxf"), Acad::eBadDxfFile);
+    // Header 10 lines, ENTITIES 4, then LINE: its 10 is on line 21, the value on line 22.
+    EXPECT_EQ(Utf8FromWide(db.lastError()), "t.dxf:22: DXF005 value 'x1' of group code 10 is not a number");
+    EXPECT_TRUE(db.stubs().empty());
+}
+
+// The feed takes values as a decoder makes them: blanks around a number are dropped as a file's
+// are, those of a text kept.
+TEST(DxfRecordFeed, blanks_around_a_fed_number_are_dropped_and_a_texts_kept) {
+    AcDbDatabase fed(false, true), read(false, true);
+    ASSERT_EQ(dxf::ReadDxfBytes(read, Drawing("0\nTEXT\n5\n2A\n8\n0\n10\n1.5\n20\n2\n30\n0\n40\n1\n1\n a \n"), "t.dxf"),
+              Acad::eOk);
+    dxf::RecordFeed feed(fed, "t.dxf");
+    auto record = [&](std::initializer_list<dxf::Tag> tags) { feed.record(std::vector<dxf::Tag>(tags)); };
+    record({{0, "SECTION"}, {2, "HEADER"}, {9, "$ACADVER"}, {1, "AC1015"}});
+    record({{0, "ENDSEC"}});
+    record({{0, "SECTION"}, {2, "ENTITIES"}});
+    record({{0, "TEXT"}, {5, "2A"}, {8, "0"}, {10, " 1.5\t"}, {20, "2 "}, {30, "0"}, {40, "1"}, {1, " a "}});
+    record({{0, "ENDSEC"}});
+    for (const char* section : {"TABLES", "BLOCKS", "OBJECTS"}) {
+        record({{0, "SECTION"}, {2, section}});
+        record({{0, "ENDSEC"}});
+    }
+    record({{0, "EOF"}});
+    ASSERT_EQ(feed.finish(), Acad::eOk) << Utf8FromWide(fed.lastError());
+    EXPECT_EQ(Written(fed), Written(read));
+}
+
+}  // namespace
