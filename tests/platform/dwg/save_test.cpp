@@ -108,6 +108,27 @@ INSTANTIATE_TEST_SUITE_P(Names, SaveByName,
                                            SaveCase{"plate_dwg", "  0\nSE"}, SaveCase{".dwg", "AC1018"},
                                            SaveCase{"dwg", "  0\nSE"}));
 
+struct NameCase {
+    const char* name;
+    bool dwg;
+};
+
+class DwgName : public ::testing::TestWithParam<NameCase> {};
+
+// The name asks for DWG when its last four characters are ".dwg" in any case; a shorter name
+// never does.
+TEST_P(DwgName, ends_in_dot_dwg) { EXPECT_EQ(dwg::NamesDwgFile(GetParam().name), GetParam().dwg); }
+
+INSTANTIATE_TEST_SUITE_P(Names, DwgName,
+                         ::testing::Values(NameCase{"", false}, NameCase{"x", false}, NameCase{"dwg", false},
+                                           NameCase{".dwg", true}, NameCase{".DwG", true}, NameCase{"a.dwg", true},
+                                           NameCase{"adwg", false}, NameCase{"a.dwg ", false},
+                                           NameCase{"a.dxf", false}),
+                         [](const auto& info) {
+                             std::string name = "name_" + std::to_string(info.index);
+                             return name;
+                         });
+
 TEST(SaveAs2004, dwg_name_writes_ac1018_over_the_file_it_replaces_and_leaves_no_temporary) {
     const fs::path dir = dxftest::TempDir("save_2004");
     const fs::path target = dir / "export.dwg";
