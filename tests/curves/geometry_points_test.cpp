@@ -365,6 +365,12 @@ TEST(SamplesFitCircle, fewer_than_3_points_never_fit) {
     EXPECT_FALSE(SamplesFitCircle(AcGePoint3dArray{}, 1.0));
 }
 
+TEST(SamplesFitCircle, points_whose_circle_is_refused_never_fit) {
+    // The first two points lie less than 0.001 apart in y: no circle, though all lie on one.
+    AcGePoint3dArray points{P(0, 0, 0), P(10, 0.0005, 0), P(5, 5, 0)};
+    EXPECT_FALSE(SamplesFitCircle(points, 100.0));
+}
+
 TEST(SamplesFitCircle, points_off_z_0_fail_by_their_z) {
     AcGePoint3dArray level{P(0, 5, 3), P(4, 3, 3), P(4, -3, 3)};
     EXPECT_FALSE(SamplesFitCircle(level, 0.5));
