@@ -1,5 +1,6 @@
 #include "platform/dwg/dxf_source.hpp"
 
+#include <algorithm>
 #include <charconv>
 
 #include "platform/dxf/tagger.hpp"
@@ -77,12 +78,10 @@ std::uint64_t SourceRecord::owner() const {
 }
 
 SourceRecord SourceRecord::subclass(std::string_view marker) const {
-    std::size_t begin = 0;
-    while (begin < tags.size() && !(tags[begin].first == 100 && tags[begin].second == marker)) ++begin;
-    if (begin < tags.size()) ++begin;
-    std::size_t end = begin;
-    while (end < tags.size() && tags[end].first != 100) ++end;
-    return {type, tags.subspan(begin, end - begin)};
+    const auto isMarker = [](const SourceTag& t) { return t.first == 100; };
+    auto begin = std::find(tags.begin(), tags.end(), SourceTag{100, marker});
+    if (begin != tags.end()) ++begin;
+    return {type, {begin, std::find_if(begin, tags.end(), isMarker)}};
 }
 
 const SourceRecord* SourceDrawing::variable(std::string_view name) const {
@@ -94,31 +93,31 @@ const SourceRecord* SourceDrawing::variable(std::string_view name) const {
 
 namespace {
 
+// The runs of tags that each start with a tag of the code: the name (its value) and the tags
+// after it up to the next run. Tags before the first run belong to none.
+template <typename Add>
+void Runs(std::span<const SourceTag> tags, int code, Add add) {
+    const auto starts = [code](const SourceTag& t) { return t.first == code; };
+    auto at = std::find_if(tags.begin(), tags.end(), starts);
+    while (at != tags.end()) {
+        const auto end = std::find_if(at + 1, tags.end(), starts);
+        add(at->second, std::span<const SourceTag>(at + 1, end));
+        at = end;
+    }
+}
+
 // Splits the tags into records at each 0 tag.
 std::vector<SourceRecord> Records(std::span<const SourceTag> tags) {
     std::vector<SourceRecord> out;
-    std::size_t i = 0;
-    while (i < tags.size() && tags[i].first != 0) ++i;
-    while (i < tags.size()) {
-        std::size_t end = i + 1;
-        while (end < tags.size() && tags[end].first != 0) ++end;
-        out.push_back({tags[i].second, tags.subspan(i + 1, end - i - 1)});
-        i = end;
-    }
+    Runs(tags, 0, [&](std::string_view type, std::span<const SourceTag> rest) { out.push_back({type, rest}); });
     return out;
 }
 
 // The variables of the HEADER section: each a 9 tag with its name and the tags up to the next.
 void ReadHeader(const SourceRecord& section, SourceDrawing& out) {
-    const std::span<const SourceTag> tags = section.tags;
-    std::size_t i = 0;
-    while (i < tags.size() && tags[i].first != 9) ++i;
-    while (i < tags.size()) {
-        std::size_t end = i + 1;
-        while (end < tags.size() && tags[end].first != 9) ++end;
-        out.header.push_back({tags[i].second, {"", tags.subspan(i + 1, end - i - 1)}});
-        i = end;
-    }
+    Runs(section.tags, 9, [&](std::string_view name, std::span<const SourceTag> rest) {
+        out.header.push_back({name, {"", rest}});
+    });
 }
 
 }  // namespace
