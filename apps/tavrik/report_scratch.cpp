@@ -3,11 +3,13 @@
 // only.
 #include "report_scratch.hpp"
 
+#include <cctype>
 #include <cstdint>
 #include <cstring>
 #include <iterator>
 #include <optional>
 
+#include "platform/dxf/model.hpp"
 #include "platform/win/codepage.hpp"
 
 namespace fs = std::filesystem;
@@ -222,4 +224,79 @@ bool TextLines::Next(std::wstring& line) {
     line = utf8_ ? WideFromUtf8(bytes) : WideFromAnsi(bytes);
     if (!line.empty() && line.back() == L'\r') line.pop_back();
     return true;
+}
+
+int LastListed(const ReportScratch& scratch, const std::function<bool(const fs::path&)>& matches) {
+    int found = -1;
+    VisitListedFiles(scratch.List(), [&](int index, const fs::path& file) {
+        if (matches(file)) found = index;
+    });
+    return found;
+}
+
+void SplitLogLines(const ReportScratch& scratch, const fs::path& cgLog, std::uintmax_t start) {
+    TextLines lines(cgLog, start);
+    std::ofstream out;
+    int current = -1;
+    for (std::wstring line; lines.Next(line);) {
+        size_t begins = line.find(L"开始处理");
+        if (begins != std::wstring::npos) {
+            int named = LastListed(scratch, [&](const fs::path& file) {
+                return line.find(dxf::Wide(file.filename().string()), begins) != std::wstring::npos;
+            });
+            if (named >= 0 && named != current) {
+                current = named;
+                out.close();
+                out.clear();
+                out.open(scratch.Log(current), std::ios::binary | std::ios::app);
+            }
+        }
+        if (current >= 0) out << dxf::Utf8(line) << '\n';
+    }
+}
+
+namespace {
+
+void LoadLogLines(const ReportScratch& scratch, int index, DrawingReport& drawing) {
+    std::ifstream in(scratch.Log(index), std::ios::binary);
+    for (std::string text; std::getline(in, text);) {
+        drawing.logLines.push_back(text);
+        std::wstring line = dxf::Wide(text);
+        if (line.find(L"查找图框") != std::wstring::npos) ++drawing.sheets;
+        size_t frame = line.find(L"图框名为:");
+        if (frame != std::wstring::npos) {
+            std::string name = dxf::Utf8(line.substr(frame + 5));
+            size_t end = AsciiLower(name).find(".dwg");
+            drawing.frames.push_back(end == std::string::npos ? name : name.substr(0, end + 4));
+        }
+    }
+}
+
+fs::path ListedFile(const ReportScratch& scratch, int wanted) {
+    fs::path found;
+    VisitListedFiles(scratch.List(), [&](int index, const fs::path& file) {
+        if (index == wanted) found = file;
+    });
+    return found;
+}
+
+}  // namespace
+
+std::function<bool(DrawingReport&)> ScratchDrawings(const ReportScratch& scratch, int count) {
+    return [scratch, count, index = 0](DrawingReport& drawing) mutable {
+        if (index >= count) return false;
+        DrawingFacts facts;
+        if (!LoadDrawingRecord(scratch.Record(index), drawing, facts)) {
+            drawing = DrawingReport{};
+            drawing.file = ListedFile(scratch, index);
+            drawing.name = drawing.file.filename().string();
+        }
+        LoadLogLines(scratch, index++, drawing);
+        return true;
+    };
+}
+
+std::string AsciiLower(std::string text) {
+    for (auto& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return text;
 }

@@ -63,11 +63,6 @@ std::string ReadBytes(const fs::path& path) {
     return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
 }
 
-std::string Lower(std::string text) {
-    for (auto& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return text;
-}
-
 void Widen(tavrik::render::Window& box, const AcDbExtents& e, bool first) {
     if (first) box = {e.minPoint().x, e.minPoint().y, e.maxPoint().x, e.maxPoint().y};
     box.x0 = std::min(box.x0, e.minPoint().x);
@@ -85,7 +80,7 @@ void NoteEntity(const AcDbEntity& entity, DrawingFacts& facts) {
     AcDbExtents box;
     std::string layer = dxf::Utf8(entity.layer());
     for (const char* view : kViewLayers) {
-        if (Lower(layer) != Lower(view) || entity.getGeomExtents(box) != Acad::eOk) continue;
+        if (AsciiLower(layer) != AsciiLower(view) || entity.getGeomExtents(box) != Acad::eOk) continue;
         bool first = !facts.viewBoxes.count(view);
         Widen(facts.viewBoxes[view], box, first);
     }
@@ -118,26 +113,7 @@ fs::path TempFolder() {
 std::string Pid() { return std::to_string(::getpid()); }
 
 fs::path ScratchFolder() { return TempFolder() / (kScratchStem + Pid()); }
-fs::path ListFile() { return ScratchFolder() / "drawings"; }
-fs::path RecordFile(int index) { return ScratchFolder() / ("drawing-" + std::to_string(index)); }
-fs::path LogFile(int index) { return ScratchFolder() / ("log-" + std::to_string(index) + ".txt"); }
-
-// The index of the last drawing of the part whose file `matches`, or -1.
-int LastListed(const std::function<bool(const fs::path&)>& matches) {
-    int found = -1;
-    VisitListedFiles(ListFile(), [&](int index, const fs::path& file) {
-        if (matches(file)) found = index;
-    });
-    return found;
-}
-
-fs::path ListedFile(int wanted) {
-    fs::path found;
-    VisitListedFiles(ListFile(), [&](int index, const fs::path& file) {
-        if (index == wanted) found = file;
-    });
-    return found;
-}
+ReportScratch Scratch() { return {ScratchFolder()}; }
 
 // The report's files are written beside themselves as "report.json.PID.part" first.
 constexpr const char* kReportFiles[] = {"report.json", "report.html"};
@@ -208,7 +184,7 @@ void CompareFacts(const DrawingFacts& before, const DrawingFacts& after, Drawing
 void NoteDrawingSaved(Watch& watch, int index, AcDbDatabase& db, std::chrono::steady_clock::time_point now) {
     DrawingReport drawing;
     DrawingFacts before;
-    LoadDrawingRecord(RecordFile(index), drawing, before);
+    LoadDrawingRecord(Scratch().Record(index), drawing, before);
     // A drawing is saved more than once (the version conversion rewrites it first): its time
     // runs from the last save of the drawing before it to its own last save.
     if (watch.currentDrawing != index) {
@@ -221,14 +197,14 @@ void NoteDrawingSaved(Watch& watch, int index, AcDbDatabase& db, std::chrono::st
     drawing.after = SummarizeDrawing(db);
     drawing.previewAfter = Preview(db, "after-" + std::to_string(index));
     CompareFacts(before, FactsOf(db), drawing);
-    StoreDrawingRecord(RecordFile(index), drawing, before);
+    StoreDrawingRecord(Scratch().Record(index), drawing, before);
 }
 
 void OnSaved(AcDbDatabase& db, const std::string& written) {
     Watch& watch = TheWatch();
     fs::path file = fs::path(written).lexically_normal();
     auto now = std::chrono::steady_clock::now();
-    int index = LastListed([&](const fs::path& listed) { return listed == file; });
+    int index = LastListed(Scratch(), [&](const fs::path& listed) { return listed == file; });
     if (index >= 0) {
         NoteDrawingSaved(watch, index, db, now);
         watch.lastSave = std::chrono::steady_clock::now();
@@ -261,8 +237,8 @@ std::vector<fs::path> PartDrawings(const fs::path& folder, const std::wstring& p
     std::vector<fs::path> files;
     std::error_code error;
     for (const auto& entry : fs::directory_iterator(folder, error)) {
-        std::string name = Lower(entry.path().filename().string());
-        std::string wantStem = Lower(dxf::Utf8(stem)), wantExt = "." + Lower(dxf::Utf8(ext));
+        std::string name = AsciiLower(entry.path().filename().string());
+        std::string wantStem = AsciiLower(dxf::Utf8(stem)), wantExt = "." + AsciiLower(dxf::Utf8(ext));
         if (name.rfind(wantStem, 0) == 0 && name.size() > wantExt.size() &&
             name.compare(name.size() - wantExt.size(), wantExt.size(), wantExt) == 0)
             files.push_back(entry.path().lexically_normal());
@@ -284,65 +260,8 @@ void NoteDrawingBefore(Watch& watch, const fs::path& file) {
         drawing.previewBefore = Preview(db, "before-" + std::to_string(index));
         facts = FactsOf(db);
     }
-    AppendListedFile(ListFile(), file);
-    StoreDrawingRecord(RecordFile(index), drawing, facts);
-}
-
-// Cg.log's lines that the batch wrote, each drawing's from its "开始处理" line on, into the
-// drawing's log file.
-void SplitLogLines(const Watch& watch) {
-    TextLines lines(watch.cgLog, watch.cgLogStart);
-    std::ofstream out;
-    int current = -1;
-    for (std::wstring line; lines.Next(line);) {
-        size_t start = line.find(L"开始处理");
-        if (start != std::wstring::npos) {
-            int named = LastListed([&](const fs::path& file) {
-                return line.find(dxf::Wide(file.filename().string()), start) != std::wstring::npos;
-            });
-            if (named >= 0 && named != current) {
-                current = named;
-                out.close();
-                out.clear();
-                out.open(LogFile(current), std::ios::binary | std::ios::app);
-            }
-        }
-        if (current >= 0) out << dxf::Utf8(line) << '\n';
-    }
-}
-
-// A drawing's lines of Cg.log, with the sheets and frames that they name.
-void LoadLogLines(int index, DrawingReport& drawing) {
-    std::ifstream in(LogFile(index), std::ios::binary);
-    for (std::string text; std::getline(in, text);) {
-        drawing.logLines.push_back(text);
-        std::wstring line = dxf::Wide(text);
-        if (line.find(L"查找图框") != std::wstring::npos) ++drawing.sheets;
-        size_t frame = line.find(L"图框名为:");
-        if (frame != std::wstring::npos) {
-            std::wstring rest = line.substr(frame + 5);
-            size_t end = Lower(dxf::Utf8(rest)).find(".dwg");
-            std::string name = dxf::Utf8(rest);
-            drawing.frames.push_back(end == std::string::npos ? name : name.substr(0, end + 4));
-        }
-    }
-}
-
-// The part's drawings for the report, one at a time: a drawing whose record cannot be read
-// shows its name only.
-std::function<bool(DrawingReport&)> ScratchDrawings(const Watch& watch) {
-    auto index = std::make_shared<int>(0);
-    return [&watch, index](DrawingReport& drawing) {
-        if (*index >= watch.drawings) return false;
-        DrawingFacts facts;
-        if (!LoadDrawingRecord(RecordFile(*index), drawing, facts)) {
-            drawing = DrawingReport{};
-            drawing.file = ListedFile(*index);
-            drawing.name = drawing.file.filename().string();
-        }
-        LoadLogLines((*index)++, drawing);
-        return true;
-    };
+    AppendListedFile(Scratch().List(), file);
+    StoreDrawingRecord(Scratch().Record(index), drawing, facts);
 }
 
 // report.json and report.html written beside themselves as temporaries, then put in place.
@@ -350,7 +269,7 @@ bool WriteReportFiles(const Watch& watch, const fs::path& folder) {
     fs::path json = PartFile(folder / kReportFiles[0]), html = PartFile(folder / kReportFiles[1]);
     {
         std::ofstream jsonOut(json, std::ios::binary | std::ios::trunc), htmlOut(html, std::ios::binary | std::ios::trunc);
-        WriteReportStreams(jsonOut, htmlOut, watch.report, ScratchDrawings(watch));
+        WriteReportStreams(jsonOut, htmlOut, watch.report, ScratchDrawings(Scratch(), watch.drawings));
         jsonOut.close();
         htmlOut.close();
         if (!jsonOut || !htmlOut) return false;
@@ -366,7 +285,7 @@ bool WriteReportFiles(const Watch& watch, const fs::path& folder) {
 void WriteReport(const Watch& watch) {
     std::error_code error;
     if (fs::exists(watch.handOffLog, error)) return;
-    SplitLogLines(watch);
+    SplitLogLines(Scratch(), watch.cgLog, watch.cgLogStart);
     fs::path folder = watch.cgLog.parent_path();
     fs::create_directories(folder, error);
     if (!WriteReportFiles(watch, folder)) {
