@@ -233,12 +233,26 @@ std::string BitReader::TU() {
     return text;
 }
 
+namespace {
+
+std::int16_t IndexOfColorValue(std::uint32_t rgb) {
+    switch (rgb >> 24) {
+        case 0xC0: return 256;
+        case 0xC3: return static_cast<std::int16_t>(rgb & 0xFF);
+        default: return 0;  // by block, or a true colour (no index)
+    }
+}
+
+}  // namespace
+
 Color BitReader::CMC(BitReader& text) {
     Color color;
     color.index = BS();
     if (version_ < Version::kR2004) return color;
     color.rgb = static_cast<std::uint32_t>(BL());
     color.flags = RC();
+    // From 2004 the index is stored as 0 and the value says it: by layer, by block, or an index.
+    if (color.index == 0) color.index = IndexOfColorValue(color.rgb);
     if (color.flags & 1) color.name = text.T();
     if (color.flags & 2) color.bookName = text.T();
     return color;

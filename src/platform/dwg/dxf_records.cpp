@@ -235,6 +235,8 @@ void Body(DxfText& out, const MTextRecord& r, const NameIndex& names) {
     out.integer(71, r.attachment);
     out.integer(72, r.flow);
     out.tag(1, r.contents);
+    out.tag(42, r.extentsWidth);
+    out.tag(43, r.extentsHeight);
     out.tag(7, names.name(names.styles, r.style));
     Normal(out, r.normal);
     out.point(11, r.direction);

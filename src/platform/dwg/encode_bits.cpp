@@ -238,10 +238,21 @@ void BitWriter::TU(std::string_view utf8) {
     for (char16_t unit : units) RS(unit);
 }
 
+// From 2004 the index is stored as 0: the colour value holds it (by layer, by block, an index
+// or a true colour); a colour given by its index alone gets the value of that index.
 void BitWriter::CMC(const Color& color) {
-    BS(color.index);
-    if (version_ < Version::kR2004) return;
-    BL(static_cast<std::int32_t>(color.rgb));
+    if (version_ < Version::kR2004) {
+        BS(color.index);
+        return;
+    }
+    BS(0);
+    std::uint32_t value = color.rgb;
+    if (value == 0) {
+        value = color.index == 256 ? 0xC0000000u
+                : color.index == 0 ? 0xC1000000u
+                                   : 0xC3000000u | static_cast<std::uint32_t>(color.index & 0xFF);
+    }
+    BL(static_cast<std::int32_t>(value));
     RC(color.flags);
     if (color.flags & 1) T(color.name);
     if (color.flags & 2) T(color.bookName);

@@ -38,14 +38,15 @@ unsigned LayerStates(const LayerRecord& layer) {
 
 }  // namespace
 
-// An off layer is also stored with a negative colour number, as readers before 2000 expect.
+// Before 2004 an off layer is also stored with a negative colour number, as readers before 2000
+// expect; from 2004 the colour value holds the index and the states say the layer is off.
 std::vector<std::uint8_t> EncodeLayer(const LayerRecord& layer, const EncodeOptions& options) {
     ObjectWriter o = BeginObject(kLayer, layer.entry.common.handle, options.version,
                                  options.codePage);
     WriteTableEntry(o, layer.entry);
     o.data.BS(static_cast<int>(LayerStates(layer)));
     Color color = layer.color;
-    if (layer.off && color.index > 0) color.index = static_cast<std::int16_t>(-color.index);
+    if (layer.off && color.index > 0 && options.version < Version::kR2004) color.index = static_cast<std::int16_t>(-color.index);
     o.data.CMC(color);
     WriteHandle(o, kHardPointer, layer.entry.xrefBlock);
     WriteHandle(o, kHardPointer, layer.plotStyle);

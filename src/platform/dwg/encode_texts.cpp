@@ -17,7 +17,7 @@ std::vector<std::uint8_t> EncodeMText(const MTextRecord& m, const EncodeOptions&
     d.T(m.contents);
     d.BS(m.lineSpacingStyle);
     d.BD(m.lineSpacingFactor);
-    d.B(true);  // always set
+    d.B(false);  // a flag AutoCAD leaves clear in every MTEXT it writes
     if (options.version >= Version::kR2004) {
         d.BL(m.backgroundFlags);
         if (m.backgroundFlags & 1) {

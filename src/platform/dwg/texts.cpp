@@ -39,7 +39,7 @@ bool ReadMText(ObjectStreams& o, MTextRecord& out) {
     if (v >= Version::kR2000) {
         out.lineSpacingStyle = d.BS();
         out.lineSpacingFactor = d.BD();
-        d.B();  // always set
+        d.B();  // a flag of no known meaning, clear in AutoCAD's files
     }
     if (v >= Version::kR2004) ReadBackground(o, out);
     out.style = ReadHandle(o);

@@ -86,7 +86,9 @@ TextRecord TextOf(const SourceRecord& r, EntityCommon common, WriteContext& c, i
     const Point3 at = r.point(10);
     t.insertion = {at.x, at.y};
     t.elevation = at.z;
-    const Point3 alignment = r.point(11);
+    // A text without an alignment point (left-aligned) has it at its insertion point, which the
+    // format stores as "not stored".
+    const Point3 alignment = r.has(11) ? r.point(11) : at;
     t.alignment = {alignment.x, alignment.y};
     t.normal = Normal(r);
     t.thickness = r.real(39);

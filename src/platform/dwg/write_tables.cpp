@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <unordered_set>
 
 #include "platform/dwg/encode_annotations.hpp"
 #include "platform/dwg/encode_blocks.hpp"
@@ -379,6 +380,20 @@ const SourceRecord* BlockRecordOf(const SourceDrawing& source, std::uint64_t han
 
 }  // namespace
 
+namespace {
+
+// A BLOCK or ENDBLK: the space it belongs to as the entities of that space say it (model space
+// 2, paper space 1, any other block by its owner's handle), and no extension dictionary or
+// reactors, which are its block record's.
+EntityCommon BlockEntityCommonOf(const SourceRecord& r, std::uint64_t recordHandle, WriteContext& c) {
+    EntityCommon common = EntityCommonOf(r, recordHandle, c);
+    common.extensionDictionary = 0;
+    common.reactors.clear();
+    return common;
+}
+
+}  // namespace
+
 void WriteBlocks(const SourceDrawing& source, WriteContext& c) {
     for (const SourceBlock& block : source.blocks) {
         const std::uint64_t recordHandle = block.begin.owner();
@@ -401,13 +416,11 @@ void WriteBlocks(const SourceDrawing& source, WriteContext& c) {
         b.layout = record->handle(340);
 
         BlockBeginRecord begin;
-        begin.common = EntityCommonOf(block.begin, recordHandle, c);
-        begin.common.mode = 0;
+        begin.common = BlockEntityCommonOf(block.begin, recordHandle, c);
         begin.name = b.entry.name;
         b.blockEntity = begin.common.handle;
         c.add(begin.common.handle, EncodeBlockBegin(begin, c.options));
-        EntityCommon end = EntityCommonOf(block.end, recordHandle, c);
-        end.mode = 0;
+        const EntityCommon end = BlockEntityCommonOf(block.end, recordHandle, c);
         b.endBlock = end.handle;
         c.add(end.handle, EncodeCommonOnly(end, kEndblk, c.options));
 
@@ -584,6 +597,10 @@ void WriteObjects(const SourceDrawing& source, WriteContext& c,
 
 void WriteDictionaries(const std::vector<const SourceRecord*>& dictionaries, WriteContext& c,
                        std::int32_t dictionaryWithDefault) {
+    // Dictionaries name one another: an entry is kept when its object is written or is one of
+    // the dictionaries written here, in whatever order they come.
+    std::unordered_set<std::uint64_t> listed;
+    for (const SourceRecord* r : dictionaries) listed.insert(r->handle(5));
     for (const SourceRecord* r : dictionaries) {
         DictionaryRecord d;
         d.common = ObjectCommonOf(*r, c);
@@ -596,7 +613,7 @@ void WriteDictionaries(const std::vector<const SourceRecord*>& dictionaries, Wri
             } else if ((code == 350 || code == 360) && !name.empty()) {
                 const std::uint64_t entry = ParseHandle(value);
                 // An entry whose object is not written would name nothing.
-                if (c.written(entry)) d.entries.emplace_back(std::string(name), entry);
+                if (c.written(entry) || listed.count(entry) != 0) d.entries.emplace_back(std::string(name), entry);
                 name = {};
             }
         }

@@ -303,6 +303,26 @@ TEST(DwgBitWriter, malformed_utf8_becomes_the_replacement_character) {
     EXPECT_EQ(r.TU(), "a\xEF\xBF\xBD" "b\xEF\xBF\xBD\xEF\xBF\xBD");
 }
 
+// From 2004 a colour is stored as index 0 and a value that says it: by layer, by block, an
+// index; the reader gives the index back from the value.
+TEST(DwgBitWriter, index_colour_is_stored_in_its_value_from_2004) {
+    const std::pair<std::int16_t, std::uint32_t> cases[] = {
+        {256, 0xC0000000u}, {0, 0xC1000000u}, {7, 0xC3000007u}, {1, 0xC3000001u}};
+    for (const auto& [index, value] : cases) {
+        dwg::Color color;
+        color.index = index;
+        BitWriter w(Version::kR2004);
+        w.CMC(color);
+        BitReader raw = ReaderOf(w);
+        EXPECT_EQ(raw.BS(), 0) << index;
+        EXPECT_EQ(static_cast<std::uint32_t>(raw.BL()), value) << index;
+        BitReader r = ReaderOf(w);
+        const auto back = r.CMC();
+        EXPECT_EQ(back.index, index);
+        EXPECT_EQ(back.rgb, value);
+    }
+}
+
 TEST(DwgBitWriter, colours_round_trip_by_version) {
     dwg::Color named;
     named.index = 5;
@@ -314,7 +334,7 @@ TEST(DwgBitWriter, colours_round_trip_by_version) {
     w.CMC(named);
     BitReader r = ReaderOf(w);
     const auto back = r.CMC();
-    EXPECT_EQ(back.index, 5);
+    EXPECT_EQ(back.index, 0);  // a true colour: the stored index is 0
     EXPECT_EQ(back.rgb, 0xC2112233u);
     EXPECT_EQ(back.name, "Blue");
     EXPECT_EQ(back.bookName, "Book");

@@ -57,21 +57,31 @@ TEST(DwgEncodeTables, layer_round_trips_with_its_states_in_gbk) {
     EXPECT_EQ(o.data.bitPosition(), o.dataEnd);
 }
 
+// Before 2004 an off layer also has a negative colour number; from 2004 the index is not stored
+// (the colour value holds it) and the states say the layer is off.
 TEST(DwgEncodeTables, off_layer_is_stored_with_a_negative_colour) {
     LayerRecord layer = SampleLayer();
     layer.off = true;
-    const auto bytes = EncodeLayer(layer, {});
-    ObjectStreams o = Open(bytes, {});
+    const EncodeOptions r2000{Version::kR2000, 1252};
+    const auto bytes = EncodeLayer(layer, r2000);
+    ObjectStreams o = Open(bytes, r2000);
     LayerRecord back;
     ASSERT_TRUE(ReadLayer(o, back));
     EXPECT_TRUE(back.off);
     EXPECT_EQ(back.color.index, 4);
     // The colour as stored, read without the layer decoder's correction.
-    ObjectStreams raw = Open(bytes, {});
+    ObjectStreams raw = Open(bytes, r2000);
     TableEntry entry;
     ReadTableEntry(raw, entry);
     raw.data.BS();
     EXPECT_EQ(raw.data.CMC().index, -4);
+
+    const auto current = EncodeLayer(layer, {});
+    ObjectStreams o2004 = Open(current, {});
+    LayerRecord back2004;
+    ASSERT_TRUE(ReadLayer(o2004, back2004));
+    EXPECT_TRUE(back2004.off);
+    EXPECT_EQ(back2004.color.index, 4);
 }
 
 struct WeightCase {
