@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <fstream>
 #include <iterator>
+#include <ostream>
 
 #include "run_report.hpp"
 
@@ -114,27 +115,28 @@ std::string Base64(const std::string& bytes) {
     return out;
 }
 
-std::string ReportJson(const RunReport& report) {
-    std::string out = "{\"drawings\": [";
-    for (size_t i = 0; i < report.drawings.size(); ++i) out += (i ? ", " : "") + DrawingJson(report.drawings[i]);
-    out += "], \"merged\": ";
+void WriteReportStreams(std::ostream& json, std::ostream& html, const RunReport& report,
+                        const std::function<bool(DrawingReport&)>& next) {
+    json << "{\"drawings\": [";
+    html << "<!DOCTYPE html><html lang=\"zh\"><head><meta charset=\"utf-8\"><link rel=\"icon\" href=\"data:,\">"
+            "<title>Tavrik run report</title><style>"
+         << kStyle << "</style></head><body><h1>Tavrik run report</h1>";
+    DrawingReport d;
+    for (bool first = true; next(d); first = false) {
+        json << (first ? "" : ", ") << DrawingJson(d);
+        html << DrawingHtml(d);
+        d = DrawingReport{};
+    }
+    json << "], \"merged\": ";
     if (report.mergedSeen)
-        out += "{\"path\": " + JsonString(report.mergedPath) + ", \"summary\": " + SummaryJson(report.merged) + "}";
+        json << "{\"path\": " << JsonString(report.mergedPath) << ", \"summary\": " << SummaryJson(report.merged) << "}";
     else
-        out += "null";
-    return out + "}\n";
-}
-
-std::string ReportHtml(const RunReport& report) {
-    std::string out = "<!DOCTYPE html><html lang=\"zh\"><head><meta charset=\"utf-8\"><link rel=\"icon\" href=\"data:,\">"
-                      "<title>Tavrik run report</title><style>";
-    out += kStyle;
-    out += "</style></head><body><h1>Tavrik run report</h1>";
-    for (const DrawingReport& d : report.drawings) out += DrawingHtml(d);
-    out += "<section><h2>Merged drawing</h2>";
+        json << "null";
+    json << "}\n";
+    html << "<section><h2>Merged drawing</h2>";
     if (report.mergedSeen)
-        out += "<p>saved as " + Html(report.mergedPath) + "</p>" + Image(report.mergedPreview, "merged drawing");
+        html << "<p>saved as " << Html(report.mergedPath) << "</p>" << Image(report.mergedPreview, "merged drawing");
     else
-        out += "<p>the batch saved no merged drawing</p>";
-    return out + "</section></body></html>\n";
+        html << "<p>the batch saved no merged drawing</p>";
+    html << "</section></body></html>\n";
 }

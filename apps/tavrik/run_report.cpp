@@ -13,6 +13,7 @@
 #include <cmath>
 #include <cstdio>
 #include <fstream>
+#include <memory>
 #include <sstream>
 
 #include "platform/db/block_reference.hpp"
@@ -26,6 +27,7 @@
 #include "platform/win/codepage.hpp"
 #include "platform/win/crt.hpp"
 #include "platform/win/paths.hpp"
+#include "report_scratch.hpp"
 
 namespace fs = std::filesystem;
 
@@ -37,14 +39,6 @@ constexpr const char* kViewLayers[] = {"FRONT", "LEFT", "TOP"};
 // A hole mark and the symbol put there share their position within this distance.
 constexpr double kSamePosition = 0.01;
 
-// Positions and boxes the report compares between a drawing before and after the batch.
-struct DrawingFacts {
-    std::vector<AcGePoint3d> points;
-    std::vector<AcGePoint3d> insertPositions;
-    std::vector<AcGePoint3d> dimensionCentres;  // where their texts stand
-    std::map<std::string, tavrik::render::Window> viewBoxes;
-};
-
 struct Watch {
     bool active = false;
     fs::path handOffLog;
@@ -54,9 +48,9 @@ struct Watch {
     std::chrono::steady_clock::time_point lastSave;     // the end of the last save seen
     std::chrono::steady_clock::time_point drawingStart;  // the last save of another drawing
     int currentDrawing = -1;
+    int drawings = 0;               // of the part, listed in the scratch folder
     double observingSeconds = 0.0;  // the report's own work during the current drawing
     RunReport report;
-    std::vector<DrawingFacts> factsBefore;
 };
 
 Watch& TheWatch() {
@@ -67,11 +61,6 @@ Watch& TheWatch() {
 std::string ReadBytes(const fs::path& path) {
     std::ifstream in(path, std::ios::binary);
     return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-}
-
-std::string Lower(std::string text) {
-    for (auto& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return text;
 }
 
 void Widen(tavrik::render::Window& box, const AcDbExtents& e, bool first) {
@@ -91,7 +80,7 @@ void NoteEntity(const AcDbEntity& entity, DrawingFacts& facts) {
     AcDbExtents box;
     std::string layer = dxf::Utf8(entity.layer());
     for (const char* view : kViewLayers) {
-        if (Lower(layer) != Lower(view) || entity.getGeomExtents(box) != Acad::eOk) continue;
+        if (AsciiLower(layer) != AsciiLower(view) || entity.getGeomExtents(box) != Acad::eOk) continue;
         bool first = !facts.viewBoxes.count(view);
         Widen(facts.viewBoxes[view], box, first);
     }
@@ -112,7 +101,8 @@ DrawingFacts FactsOf(const AcDbDatabase& db) {
     return facts;
 }
 
-// This run's previews wait in TMPDIR's folder "tavrik-report-PID" until the report is written.
+// This run's previews and records wait in TMPDIR's folder "tavrik-report-PID" until the report
+// is written.
 constexpr const char* kScratchStem = "tavrik-report-";
 
 fs::path TempFolder() {
@@ -120,17 +110,27 @@ fs::path TempFolder() {
     return tmp ? tmp : "/tmp";
 }
 
-fs::path ScratchFolder() { return TempFolder() / (kScratchStem + std::to_string(::getpid())); }
+std::string Pid() { return std::to_string(::getpid()); }
 
-// Scratch folders of runs that were killed before they wrote their report: their process no
-// longer runs.
-void RemoveStaleScratchFolders() {
-    const std::string stem = kScratchStem;
+fs::path ScratchFolder() { return TempFolder() / (kScratchStem + Pid()); }
+ReportScratch Scratch() { return {ScratchFolder()}; }
+
+// The report's files are written beside themselves as "report.json.PID.part" first.
+constexpr const char* kReportFiles[] = {"report.json", "report.html"};
+fs::path PartFile(const fs::path& target) { return target.string() + "." + Pid() + ".part"; }
+
+// What runs that were killed left in `folder`: the entries named `stem`, a process id and
+// `suffix`, whose process no longer runs.
+void RemoveLeftByEndedRuns(const fs::path& folder, const std::string& stem, const std::string& suffix) {
     std::error_code error;
-    for (const fs::directory_entry& entry : fs::directory_iterator(TempFolder(), error)) {
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder, error)) {
         std::string name = entry.path().filename().string();
-        if (name.rfind(stem, 0) != 0 || name.find_first_not_of("0123456789", stem.size()) != std::string::npos) continue;
-        pid_t owner = static_cast<pid_t>(std::atol(name.c_str() + stem.size()));
+        if (name.size() <= stem.size() + suffix.size() || name.rfind(stem, 0) != 0 ||
+            name.compare(name.size() - suffix.size(), suffix.size(), suffix) != 0)
+            continue;
+        std::string id = name.substr(stem.size(), name.size() - stem.size() - suffix.size());
+        if (id.find_first_not_of("0123456789") != std::string::npos) continue;
+        pid_t owner = static_cast<pid_t>(std::atol(id.c_str()));
         std::error_code ignored;
         if (owner > 0 && ::kill(owner, 0) != 0 && errno == ESRCH) fs::remove_all(entry.path(), ignored);
     }
@@ -180,25 +180,33 @@ void CompareFacts(const DrawingFacts& before, const DrawingFacts& after, Drawing
     }));
 }
 
+// A drawing of the part saved by the batch: its record is brought back, completed and put away.
+void NoteDrawingSaved(Watch& watch, int index, AcDbDatabase& db, std::chrono::steady_clock::time_point now) {
+    DrawingReport drawing;
+    DrawingFacts before;
+    LoadDrawingRecord(Scratch().Record(index), drawing, before);
+    // A drawing is saved more than once (the version conversion rewrites it first): its time
+    // runs from the last save of the drawing before it to its own last save.
+    if (watch.currentDrawing != index) {
+        watch.drawingStart = watch.lastSave;
+        watch.observingSeconds = 0.0;
+    }
+    watch.currentDrawing = index;
+    drawing.finished = true;
+    drawing.seconds = std::chrono::duration<double>(now - watch.drawingStart).count() - watch.observingSeconds;
+    drawing.after = SummarizeDrawing(db);
+    drawing.previewAfter = Preview(db, "after-" + std::to_string(index));
+    CompareFacts(before, FactsOf(db), drawing);
+    StoreDrawingRecord(Scratch().Record(index), drawing, before);
+}
+
 void OnSaved(AcDbDatabase& db, const std::string& written) {
     Watch& watch = TheWatch();
     fs::path file = fs::path(written).lexically_normal();
     auto now = std::chrono::steady_clock::now();
-    for (size_t i = 0; i < watch.report.drawings.size(); ++i) {
-        DrawingReport& drawing = watch.report.drawings[i];
-        if (drawing.file != file) continue;
-        // A drawing is saved more than once (the version conversion rewrites it first): its
-        // time runs from the last save of the drawing before it to its own last save.
-        if (watch.currentDrawing != static_cast<int>(i)) {
-            watch.drawingStart = watch.lastSave;
-            watch.observingSeconds = 0.0;
-        }
-        watch.currentDrawing = static_cast<int>(i);
-        drawing.finished = true;
-        drawing.seconds = std::chrono::duration<double>(now - watch.drawingStart).count() - watch.observingSeconds;
-        drawing.after = SummarizeDrawing(db);
-        drawing.previewAfter = Preview(db, "after-" + std::to_string(i));
-        CompareFacts(watch.factsBefore[i], FactsOf(db), drawing);
+    int index = LastListed(Scratch(), [&](const fs::path& listed) { return listed == file; });
+    if (index >= 0) {
+        NoteDrawingSaved(watch, index, db, now);
         watch.lastSave = std::chrono::steady_clock::now();
         watch.observingSeconds += std::chrono::duration<double>(watch.lastSave - now).count();
         return;
@@ -229,8 +237,8 @@ std::vector<fs::path> PartDrawings(const fs::path& folder, const std::wstring& p
     std::vector<fs::path> files;
     std::error_code error;
     for (const auto& entry : fs::directory_iterator(folder, error)) {
-        std::string name = Lower(entry.path().filename().string());
-        std::string wantStem = Lower(dxf::Utf8(stem)), wantExt = "." + Lower(dxf::Utf8(ext));
+        std::string name = AsciiLower(entry.path().filename().string());
+        std::string wantStem = AsciiLower(dxf::Utf8(stem)), wantExt = "." + AsciiLower(dxf::Utf8(ext));
         if (name.rfind(wantStem, 0) == 0 && name.size() > wantExt.size() &&
             name.compare(name.size() - wantExt.size(), wantExt.size(), wantExt) == 0)
             files.push_back(entry.path().lexically_normal());
@@ -239,7 +247,9 @@ std::vector<fs::path> PartDrawings(const fs::path& folder, const std::wstring& p
     return files;
 }
 
+// The export as the batch found it, put away in the scratch folder with its preview.
 void NoteDrawingBefore(Watch& watch, const fs::path& file) {
+    int index = watch.drawings++;
     DrawingReport drawing;
     drawing.name = file.filename().string();
     drawing.file = file;
@@ -247,79 +257,65 @@ void NoteDrawingBefore(Watch& watch, const fs::path& file) {
     DrawingFacts facts;
     if (dxf::ReadDxfFile(db, file.string()) == Acad::eOk) {
         drawing.before = SummarizeDrawing(db);
-        drawing.previewBefore = Preview(db, "before-" + std::to_string(watch.report.drawings.size()));
+        drawing.previewBefore = Preview(db, "before-" + std::to_string(index));
         facts = FactsOf(db);
     }
-    watch.report.drawings.push_back(std::move(drawing));
-    watch.factsBefore.push_back(std::move(facts));
+    AppendListedFile(Scratch().List(), file);
+    StoreDrawingRecord(Scratch().Record(index), drawing, facts);
 }
 
-// Cg.log's lines that the batch wrote, each drawing's from its "开始处理" line on.
-void AssignLogLines(Watch& watch) {
-    std::string bytes = ReadBytes(watch.cgLog);
-    if (watch.cgLogStart <= bytes.size()) bytes.erase(0, watch.cgLogStart);
-    DrawingReport* current = nullptr;
-    for (const std::wstring& line : Lines(DecodeTextBytes(bytes))) {
-        size_t start = line.find(L"开始处理");
-        if (start != std::wstring::npos) {
-            for (DrawingReport& drawing : watch.report.drawings)
-                if (line.find(dxf::Wide(drawing.name), start) != std::wstring::npos) current = &drawing;
-        }
-        if (!current) continue;
-        current->logLines.push_back(dxf::Utf8(line));
-        if (line.find(L"查找图框") != std::wstring::npos) ++current->sheets;
-        size_t frame = line.find(L"图框名为:");
-        if (frame != std::wstring::npos) {
-            std::wstring rest = line.substr(frame + 5);
-            size_t end = Lower(dxf::Utf8(rest)).find(".dwg");
-            std::string name = dxf::Utf8(rest);
-            current->frames.push_back(end == std::string::npos ? name : name.substr(0, end + 4));
-        }
-    }
-}
-
-bool WriteReplacing(const fs::path& target, const std::string& bytes) {
-    fs::path temporary = target;
-    temporary += ".part";
+// report.json and report.html written beside themselves as temporaries, then put in place.
+bool WriteReportFiles(const Watch& watch, const fs::path& folder) {
+    fs::path json = PartFile(folder / kReportFiles[0]), html = PartFile(folder / kReportFiles[1]);
     {
-        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-        out << bytes;
-        if (!out) return false;
+        std::ofstream jsonOut(json, std::ios::binary | std::ios::trunc), htmlOut(html, std::ios::binary | std::ios::trunc);
+        WriteReportStreams(jsonOut, htmlOut, watch.report, ScratchDrawings(Scratch(), watch.drawings));
+        jsonOut.close();
+        htmlOut.close();
+        if (!jsonOut || !htmlOut) return false;
     }
     std::error_code error;
-    fs::rename(temporary, target, error);
+    fs::rename(json, folder / kReportFiles[0], error);
+    if (!error) fs::rename(html, folder / kReportFiles[1], error);
     return !error;
 }
 
 // report.json and report.html beside Cg.log; none when the batch stopped early and left its
 // hand-off.
-void WriteReport(Watch& watch) {
+void WriteReport(const Watch& watch) {
     std::error_code error;
     if (fs::exists(watch.handOffLog, error)) return;
-    AssignLogLines(watch);
+    SplitLogLines(Scratch(), watch.cgLog, watch.cgLogStart);
     fs::path folder = watch.cgLog.parent_path();
     fs::create_directories(folder, error);
-    bool ok = WriteReplacing(folder / "report.json", ReportJson(watch.report)) &&
-              WriteReplacing(folder / "report.html", ReportHtml(watch.report));
-    if (!ok) std::fprintf(stderr, "tavrik: cannot write the run report in %s\n", folder.c_str());
+    if (!WriteReportFiles(watch, folder)) {
+        std::fprintf(stderr, "tavrik: cannot write the run report in %s\n", folder.c_str());
+        for (const char* name : kReportFiles) fs::remove(PartFile(folder / name), error);
+    }
+}
+
+// What killed runs left: their scratch folders and their report files half written.
+void RemoveLeftovers(const fs::path& logFolder) {
+    RemoveLeftByEndedRuns(TempFolder(), kScratchStem, "");
+    for (const char* name : kReportFiles) RemoveLeftByEndedRuns(logFolder, std::string(name) + ".", ".part");
 }
 
 }  // namespace
 
 void BeginRunReport() {
     Watch& watch = TheWatch();
+    watch.cgLog = ResolvePath(kLogFolder) / "Cg.log";
+    RemoveLeftovers(watch.cgLog.parent_path());
     const char* localAppData = crt::getenv("LOCALAPPDATA");
     fs::path handOff = ResolvePath(WideFromAnsi(std::string(localAppData ? localAppData : "") + "\\Convert\\"));
     watch.handOffLog = handOff / "ugm.log";
     std::vector<std::wstring> ugm = Lines(DecodeTextBytes(ReadBytes(watch.handOffLog)));
     if (ugm.size() < 2 || ugm[1].find(L'.') == std::wstring::npos) return;
     watch.active = true;
-    RemoveStaleScratchFolders();
     std::error_code created;
     fs::create_directories(ScratchFolder(), created);
     watch.mergedFolder = ResolvePath(ugm[0]).lexically_normal();
     if (!watch.mergedFolder.has_filename()) watch.mergedFolder = watch.mergedFolder.parent_path();
-    watch.cgLog = ResolvePath(kLogFolder) / "Cg.log";
     std::error_code error;
     watch.cgLogStart = fs::exists(watch.cgLog, error) ? fs::file_size(watch.cgLog, error) : 0;
     // Line 2 names the part as a file: its stem and extension (the folder before them is the

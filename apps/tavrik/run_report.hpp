@@ -1,5 +1,7 @@
 #pragma once
 #include <filesystem>
+#include <functional>
+#include <iosfwd>
 #include <map>
 #include <string>
 #include <vector>
@@ -17,8 +19,7 @@ struct DrawingReport {
     bool finished = false;           // the batch saved it
     double seconds = 0.0;            // from the previous drawing's save (or the start) to its save
     DrawingSummary before, after;
-    // PNG files in the run's scratch folder (empty when none was drawn): a batch of many
-    // drawings keeps its previews on disk until the report is written, not in memory.
+    // PNG files in the run's scratch folder (empty when none was drawn).
     std::filesystem::path previewBefore, previewAfter;
     int sheets = 0;
     std::vector<std::string> frames;
@@ -27,8 +28,8 @@ struct DrawingReport {
     std::vector<std::string> logLines;
 };
 
+// The report's own part; its drawings come one at a time (see report_scratch.hpp).
 struct RunReport {
-    std::vector<DrawingReport> drawings;
     std::string mergedPath;  // as the batch named it
     std::filesystem::path mergedPreview;
     DrawingSummary merged;
@@ -42,7 +43,8 @@ void BeginRunReport();
 // removes the previews' scratch folder.
 void FinishRunReport();
 
-// The report's two files, from what was gathered.
-std::string ReportJson(const RunReport& report);
-std::string ReportHtml(const RunReport& report);
+// The report's two files, report.json and report.html, written as they go: the drawings are
+// taken from `next`, one at a time, until it answers false.
+void WriteReportStreams(std::ostream& json, std::ostream& html, const RunReport& report,
+                        const std::function<bool(DrawingReport&)>& next);
 std::string Base64(const std::string& bytes);

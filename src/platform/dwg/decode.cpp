@@ -52,6 +52,19 @@ const EntityCommon* EntityCommonOf(const DecodedObject& decoded) {
         decoded);
 }
 
+bool DecodesToEntityRecord(std::int32_t type) {
+    switch (type) {
+        case kLine: case kCircle: case kArc: case kPoint: case kText: case kMText: case kInsert:
+        case kMinsert: case kSeqend: case kEllipse: case kLwPolyline: case kPolyline2d:
+        case kPolyline3d: case kPolylinePface: case kVertex2d: case kVertex3d: case kVertexMesh:
+        case kVertexPface: case kVertexPfaceFace: case kSolid: case kTrace: case kSpline:
+        case kDimensionOrdinate: case kDimensionLinear: case kDimensionAligned:
+        case kDimensionAngular3Pt: case kDimensionAngular2Ln: case kDimensionRadius:
+        case kDimensionDiameter: case kHatch: case kFace3d: case kRay: case kXLine: return true;
+        default: return false;
+    }
+}
+
 bool IsEntityType(std::int32_t type, const std::vector<ClassRecord>& classes) {
     if (type == kProxyEntity) return true;
     if (type >= 500) {

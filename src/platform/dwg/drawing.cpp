@@ -34,14 +34,15 @@ std::string CodePageName(int windowsCodePage) { return "ANSI_" + std::to_string(
 
 namespace {
 
-// One object of the map. Entities of the decoded kinds are decoded again when written, so that
-// a large drawing is never held decoded whole; the other objects (tables, blocks, dictionaries,
+// One object of the map. Entities of the decoded kinds are decoded when written, so that a
+// large drawing is never held decoded whole; the other objects (tables, blocks, dictionaries,
 // kinds kept whole) are few and stay decoded.
 struct Item {
     std::uint64_t handle = 0;
     std::int64_t offset = 0;  // where the object starts in the object data
     std::int32_t type = 0;
     bool entity = false;
+    bool written = false;  // an entity decoded when written, once it has been
     std::uint64_t owner = 0;  // of an entity: the block record, or the entity it belongs to
     std::unique_ptr<DecodedObject> decoded;  // null for entities decoded when written
 };
@@ -59,10 +60,17 @@ struct Drawing {
     std::unordered_map<std::uint64_t, std::vector<std::size_t>> owned;  // entities by owner
     NameIndex names;
     DxfText out;
+    MapError failure;  // the first entity that did not decode when written
+    bool failed = false;
 
     bool decode(MapError& error);
     bool decodeOne(const ObjectLocation& loc, MapError& error);
-    DecodedObject decodedOf(const Item& item) const;
+    MapError decodeError(const Item& item) const {
+        return {static_cast<std::size_t>(item.offset), "object " + std::to_string(item.handle) + " (" +
+                                                           typeName(item) + ") does not hold what its type needs"};
+    }
+    bool decodeAgain(const Item& item, DecodedObject& decoded);
+    bool checkUnwritten(MapError& error);
     std::string typeName(const Item& item) const { return TypeName(item.type, classes); }
     void index();
     std::string blockName(const BlockHeaderRecord& block, std::uint64_t handle,
@@ -82,7 +90,7 @@ struct Drawing {
     void writeTable(const char* name, std::int32_t recordType, std::uint64_t control);
     void writeBlocks();
     void writeEntities(std::uint64_t owner);
-    void writeEntity(const Item& item, std::uint64_t owner);
+    void writeEntity(std::size_t index, std::uint64_t owner);
     void writeObjects();
     void takeKept(std::vector<KeptData>& kept);
 };
@@ -112,12 +120,24 @@ bool Drawing::decodeOne(const ObjectLocation& loc, MapError& error) {
     item.handle = loc.handle;
     item.offset = loc.offset;
     item.type = o.type;
+    if (DecodesToEntityRecord(item.type)) {
+        // Decoded whole when written: here only the common data that names the owner.
+        EntityCommon common;
+        ReadEntityCommon(o, common);
+        if (o.data.failed() || o.handles.failed() || o.strings.failed()) {
+            error = decodeError(item);
+            return false;
+        }
+        item.entity = true;
+        item.owner = ownerOf(common);
+        byHandle[loc.handle] = items.size();
+        items.push_back(std::move(item));
+        return true;
+    }
     const ObjectStreams opened = o;
     auto decoded = std::make_unique<DecodedObject>();
     if (!DecodeObject(o, classes, *decoded)) {
-        error = {static_cast<std::size_t>(loc.offset),
-                 "object " + std::to_string(loc.handle) + " (" + typeName(item) +
-                     ") does not hold what its type needs"};
+        error = decodeError(item);
         return false;
     }
     const bool whole = std::holds_alternative<KeptObject>(*decoded);
@@ -138,16 +158,28 @@ bool Drawing::decodeOne(const ObjectLocation& loc, MapError& error) {
     return true;
 }
 
-DecodedObject Drawing::decodedOf(const Item& item) const {
-    if (item.decoded) return *item.decoded;
+// An entity decoded whole, the first time or again. Its frame and CRC were checked when the map
+// was read; what fails is the first failure of the drawing.
+bool Drawing::decodeAgain(const Item& item, DecodedObject& decoded) {
     ObjectStreams o;
     MapError error;
-    DecodedObject decoded;
-    // The object decoded once already: opening and decoding it again cannot fail.
-    if (OpenObject(sections.objects, item.offset, sections.version, sections.codePage, o, error)) {
-        DecodeObject(o, classes, decoded);
+    if (OpenObject(sections.objects, item.offset, sections.version, sections.codePage, o, error, false) &&
+        DecodeObject(o, classes, decoded)) {
+        return true;
     }
-    return decoded;
+    if (!failed) failure = decodeError(item);
+    failed = true;
+    return false;
+}
+
+// The entities no block holds are never written; they are decoded to be sure they are sound.
+bool Drawing::checkUnwritten(MapError& error) {
+    for (const Item& item : items) {
+        DecodedObject decoded;
+        if (item.entity && !item.decoded && !item.written) decodeAgain(item, decoded);
+    }
+    if (failed) error = failure;
+    return !failed;
 }
 
 // The record of an anonymous block, and that of a paper space beyond the first, hold the kind
@@ -315,15 +347,19 @@ void Drawing::writeTables() {
     out.tag(0, "ENDSEC");
 }
 
-void Drawing::writeEntity(const Item& item, std::uint64_t owner) {
-    WriteEntity(out, decodedOf(item), typeName(item), owner, names);
+void Drawing::writeEntity(std::size_t index, std::uint64_t owner) {
+    Item& item = items[index];
+    item.written = true;
+    DecodedObject again;
+    if (!item.decoded && !decodeAgain(item, again)) return;
+    WriteEntity(out, item.decoded ? *item.decoded : again, typeName(item), owner, names);
     // Attributes and vertices follow their owner, and the SEQEND closes them.
     const auto it = owned.find(item.handle);
     if (it == owned.end()) return;
     std::vector<std::size_t> children = it->second;
     std::stable_partition(children.begin(), children.end(),
                           [&](std::size_t i) { return items[i].type != kSeqend; });
-    for (std::size_t i : children) writeEntity(items[i], item.handle);
+    for (std::size_t i : children) writeEntity(i, item.handle);
 }
 
 // A block's entities in the order its record lists them (2004 on), which is the drawing's
@@ -344,7 +380,7 @@ void Drawing::writeEntities(std::uint64_t owner) {
         std::stable_sort(entities.begin(), entities.end(),
                          [&](std::size_t a, std::size_t b) { return rankOf(a) < rankOf(b); });
     }
-    for (std::size_t i : entities) writeEntity(items[i], owner);
+    for (std::size_t i : entities) writeEntity(i, owner);
 }
 
 void Drawing::writeBlocks() {
@@ -412,6 +448,7 @@ bool WriteDrawing(Drawing& drawing, std::vector<KeptData>& kept, MapError& error
     drawing.writeEntities(drawing.header.handles.modelSpace);
     drawing.writeEntities(drawing.header.handles.paperSpace);
     drawing.out.tag(0, "ENDSEC");
+    if (!drawing.checkUnwritten(error)) return false;
     drawing.writeObjects();
     drawing.out.tag(0, "EOF");
     drawing.out.flush();
@@ -423,7 +460,7 @@ bool WriteDrawing(Drawing& drawing, std::vector<KeptData>& kept, MapError& error
 
 bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<KeptData>& kept,
                   MapError& error) {
-    Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}, {}};
+    Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}, {}, {}, false};
     if (!WriteDrawing(drawing, kept, error)) return false;
     dxf = drawing.out.take();
     return true;
@@ -431,7 +468,7 @@ bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<Kep
 
 bool DwgToRecords(const DwgSections& sections, dxf::RecordFeed& feed, std::vector<KeptData>& kept,
                   MapError& error) {
-    Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}, DxfText(&feed)};
+    Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}, DxfText(&feed), {}, false};
     return WriteDrawing(drawing, kept, error);
 }
 

@@ -37,10 +37,14 @@ public:
     std::string take() { return std::move(out_); }  // the text, without a copy
 
 private:
+    // The value, and how it was made for the feed. A plain one (a number or handle made here)
+    // has no control characters to write out: it goes in as it is.
+    void put(int code, std::string_view text, dxf::Made made, bool plain);
     void value(std::string_view value);
     struct Span {
         int code;
         std::size_t begin, end;  // of the value in out_
+        dxf::Made made;
     };
     std::string out_;  // the text, or the values of the record being written
     dxf::RecordFeed* feed_ = nullptr;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <utility>
 
 #include "platform/dwg/container.hpp"
@@ -46,6 +47,22 @@ void KeepWhole(AcDbDatabase& db, std::vector<KeptData>& kept) {
 }
 
 }  // namespace
+
+std::vector<std::uint8_t> StreamBytes(std::istream& in) {
+    const std::istream::pos_type start = in.tellg();
+    in.seekg(0, std::ios::end);
+    const std::istream::pos_type end = in.tellg();
+    in.seekg(start);
+    if (start < 0 || end < start || !in) {
+        // A stream that cannot tell its size (a pipe) is read as it comes.
+        in.clear();
+        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    }
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(end - start));
+    in.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    bytes.resize(static_cast<std::size_t>(in.gcount()));
+    return bytes;
+}
 
 bool LooksLikeDwg(std::span<const std::uint8_t> head) {
     return head.size() >= 6 && head[0] == 'A' && head[1] == 'C' &&

@@ -3,8 +3,10 @@
 // from the file container, the objects decoded and handed to the DXF reader as DXF records, so
 // that the database holds what the same drawing read from DXF holds.
 #include <cstdint>
+#include <istream>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "platform/db/database.hpp"
 #include "platform/dwg/drawing.hpp"
@@ -22,6 +24,9 @@ AcDb::AcDbDwgVersion DatabaseVersion(Version version);
 // lastError() says "name: offset N: reason".
 Acad::ErrorStatus ReadDwgSections(AcDbDatabase& db, const DwgSections& sections,
                                   const std::string& name);
+
+// The bytes of a stream from where it stands to its end, read in one go when its size is known.
+std::vector<std::uint8_t> StreamBytes(std::istream& in);
 
 // Reads a whole DWG file held in memory.
 Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::span<const std::uint8_t> file,

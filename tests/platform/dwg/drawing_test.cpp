@@ -10,6 +10,9 @@
 #include "platform/db/block_table_record.hpp"
 #include "platform/db/database.hpp"
 #include "platform/dwg/corpus_files.hpp"
+#include "platform/dwg/entities.hpp"
+#include "platform/dwg/object_builder.hpp"
+#include "platform/dwg/object_stream.hpp"
 #include "platform/dxf/dxf.hpp"
 #include "platform/win/codepage.hpp"
 
@@ -92,6 +95,80 @@ TEST(DwgRead, a_damaged_object_leaves_the_database_empty_and_names_offset_and_re
         << message;
     EXPECT_TRUE(db.stubs().empty());
     EXPECT_TRUE(db.headerVars().empty());
+}
+
+// A LINE of 2000 whose common entity data is whole and whose own values are missing: in model
+// space (mode 2), or owned by an object that is no block (mode 0 and that owner).
+std::vector<std::uint8_t> LineWithoutValues(std::uint64_t handle, int mode, std::uint64_t owner) {
+    dwg_test::ObjectParts p;
+    p.version = dwg::Version::kR2000;
+    p.type = dwg::kLine;
+    p.handle = handle;
+    auto& w = p.values;
+    w.BS(0);       // no extended data
+    w.B(false);    // no preview
+    w.BB(static_cast<unsigned>(mode));
+    w.BL(0);       // reactors
+    w.B(true);     // no links
+    w.BS(7);       // colour
+    w.BD(1.0);     // linetype scale
+    w.BB(0);       // linetype by layer
+    w.BB(0);       // plot style by layer
+    w.BS(0);       // visible
+    w.RC(29);      // lineweight by layer
+    if (mode == 0) p.handles.H(4, owner);
+    p.handles.H(3, 0);  // no extension dictionary
+    p.handles.H(5, 0x10);
+    return dwg_test::BuildObject(p);
+}
+
+// The drawing with its first LINE replaced by a shorter object in its place; the offset and
+// handle of that LINE.
+struct ReplacedLine {
+    std::vector<std::uint8_t> objects;
+    std::size_t offset = 0;
+    std::uint64_t handle = 0;
+};
+
+ReplacedLine ReplaceFirstLine(const std::vector<std::uint8_t>& file, int mode, std::uint64_t owner) {
+    const dwg::DwgSections sections = dwg_test::FileSections(file);
+    std::vector<dwg::ObjectLocation> map;
+    dwg::MapError error;
+    EXPECT_TRUE(dwg::ParseObjectMap(sections.objectMap, map, error));
+    ReplacedLine out{{sections.objects.begin(), sections.objects.end()}, 0, 0};
+    for (const dwg::ObjectLocation& at : map) {
+        dwg::ObjectStreams o;
+        if (!dwg::OpenObject(sections.objects, at.offset, sections.version, sections.codePage, o, error) ||
+            o.type != dwg::kLine)
+            continue;
+        const auto line = LineWithoutValues(at.handle, mode, owner);
+        EXPECT_LE(line.size(), o.size + 4);
+        std::copy(line.begin(), line.end(), out.objects.begin() + at.offset);
+        out.offset = static_cast<std::size_t>(at.offset);
+        out.handle = at.handle;
+        return out;
+    }
+    ADD_FAILURE() << "no LINE in the drawing";
+    return out;
+}
+
+// Entities are decoded whole when their block writes them; one that does not decode fails the
+// read as at the map, whether a block holds it or none does.
+TEST(DwgRead, an_entity_whose_values_do_not_decode_fails_the_read_wherever_it_belongs) {
+    const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_2000.dwg"));
+    for (const int mode : {2, 0}) {
+        SCOPED_TRACE(mode == 2 ? "in model space" : "owned by no block");
+        // Owner 1: the block control object, which writes no entities.
+        const ReplacedLine replaced = ReplaceFirstLine(file, mode, 1);
+        dwg::DwgSections sections = dwg_test::FileSections(file);
+        sections.objects = replaced.objects;
+        AcDbDatabase db(true, true);
+        EXPECT_EQ(dwg::ReadDwgSections(db, sections, "bad.dwg"), Acad::eDwgNeedsRecovery);
+        EXPECT_EQ(Utf8FromWide(db.lastError()), "bad.dwg: offset " + std::to_string(replaced.offset) +
+                                                     ": object " + std::to_string(replaced.handle) +
+                                                     " (LINE) does not hold what its type needs");
+        EXPECT_TRUE(db.stubs().empty());
+    }
 }
 
 TEST(DwgRead, a_damaged_header_section_is_named_in_the_reason) {
