@@ -73,6 +73,8 @@ struct Drawing {
     bool checkUnwritten(MapError& error);
     std::string typeName(const Item& item) const { return TypeName(item.type, classes); }
     void index();
+    std::string blockName(const BlockHeaderRecord& block, std::uint64_t handle,
+                          std::map<std::string, int>& numbered) const;
     std::uint64_t ownerOf(const EntityCommon& c) const {
         if (c.mode == 1) return header.handles.paperSpace;
         if (c.mode == 2) return header.handles.modelSpace;
@@ -180,6 +182,24 @@ bool Drawing::checkUnwritten(MapError& error) {
     return !failed;
 }
 
+// The record of an anonymous block, and that of a paper space beyond the first, hold the kind
+// of name only ("*D", "*Paper_Space"); the BLOCK entity holds the whole name ("*D4",
+// "*Paper_Space0"). Without a BLOCK that says it, the blocks of a kind are numbered in their order.
+std::string Drawing::blockName(const BlockHeaderRecord& block, std::uint64_t handle,
+                               std::map<std::string, int>& numbered) const {
+    std::string name = block.entry.name;
+    const bool furtherPaperSpace = name == "*Paper_Space" && handle != header.handles.paperSpace;
+    if (!furtherPaperSpace && !(block.anonymous && name.size() <= 2)) return name;
+    const Item* begin = find(block.blockEntity);
+    const auto* beginRecord = begin && begin->decoded ? std::get_if<BlockBeginRecord>(begin->decoded.get()) : nullptr;
+    if (beginRecord != nullptr && beginRecord->name.size() > name.size() &&
+        beginRecord->name.compare(0, name.size(), name) == 0) {
+        return beginRecord->name;
+    }
+    // The DXF numbers paper spaces from 0 and anonymous blocks from 1.
+    return name + std::to_string(furtherPaperSpace ? numbered[name]++ : ++numbered[name]);
+}
+
 void Drawing::index() {
     names.modelSpace = header.handles.modelSpace;
     names.paperSpace = header.handles.paperSpace;
@@ -190,14 +210,7 @@ void Drawing::index() {
         if (const auto* layer = decoded ? std::get_if<LayerRecord>(decoded) : nullptr) {
             names.layers[item.handle] = layer->entry.name;
         } else if (const auto* block = decoded ? std::get_if<BlockHeaderRecord>(decoded) : nullptr) {
-            std::string name = block->entry.name;
-            if (block->anonymous && name.size() <= 2) name += std::to_string(++anonymous[name]);
-            // Layouts beyond the first have paper space blocks of their own, which the DXF
-            // numbers from 0.
-            if (name == "*Paper_Space" && item.handle != header.handles.paperSpace) {
-                name += std::to_string(anonymous[name]++);
-            }
-            names.blocks[item.handle] = name;
+            names.blocks[item.handle] = blockName(*block, item.handle, anonymous);
         } else if (item.type == kLinetype) {
             names.linetypes[item.handle] = symbols[item.handle].entry.name;
         } else if (item.type == kStyle) {
@@ -349,10 +362,25 @@ void Drawing::writeEntity(std::size_t index, std::uint64_t owner) {
     for (std::size_t i : children) writeEntity(i, item.handle);
 }
 
+// A block's entities in the order its record lists them (2004 on), which is the drawing's
+// order; the others (a record without the list) in the order of their handles.
 void Drawing::writeEntities(std::uint64_t owner) {
     const auto it = owned.find(owner);
     if (it == owned.end()) return;
-    for (std::size_t i : it->second) writeEntity(i, owner);
+    std::vector<std::size_t> entities = it->second;
+    const Item* record = find(owner);
+    const auto* block = record ? std::get_if<BlockHeaderRecord>(record->decoded.get()) : nullptr;
+    if (block != nullptr && !block->entities.empty()) {
+        std::unordered_map<std::uint64_t, std::size_t> rank;
+        for (std::size_t k = 0; k < block->entities.size(); ++k) rank.emplace(block->entities[k], k);
+        auto rankOf = [&](std::size_t i) {
+            const auto r = rank.find(items[i].handle);
+            return r == rank.end() ? block->entities.size() : r->second;
+        };
+        std::stable_sort(entities.begin(), entities.end(),
+                         [&](std::size_t a, std::size_t b) { return rankOf(a) < rankOf(b); });
+    }
+    for (std::size_t i : entities) writeEntity(i, owner);
 }
 
 void Drawing::writeBlocks() {

@@ -256,6 +256,7 @@ void EncodeSource(SourceDrawing& source, int codePage, EncodedDrawing& out) {
     for (const ClassRecord& cls : classes) c.classNumbers.emplace(cls.dxfName, cls.number);
     c.dwgCodePage = DwgCodePageNumber(c.options.codePage);
     WriteTables(source, c, header.handles);
+    const BlockInserts inserts = InsertsOf(source, c);
     std::vector<SourceRecord> model, paper;
     bool inPaper = false;
     for (SourceRecord& r : source.entities) {
@@ -266,7 +267,7 @@ void EncodeSource(SourceDrawing& source, int codePage, EncodedDrawing& out) {
     }
     c.owned[c.modelSpace] = WriteEntities(model, c.modelSpace, c);
     c.owned[c.paperSpace] = WriteEntities(paper, c.paperSpace, c);
-    WriteBlocks(source, c);
+    WriteBlocks(source, c, inserts);
     std::vector<const SourceRecord*> dictionaries;
     WriteObjects(source, c, dictionaries);
     const std::int32_t withDefault = ClassNumber(classes, "ACDBDICTIONARYWDFLT");
