@@ -210,6 +210,11 @@ std::int32_t ClassNumber(const std::vector<ClassRecord>& classes, std::string_vi
 // The objects section: its marker, then each object; their offsets make the object map.
 std::vector<std::uint8_t> ObjectsSection(const WriteContext& c, std::vector<ObjectLocation>& map) {
     std::vector<std::uint8_t> out = {0xCA, 0x0D, 0x00, 0x00};
+    // Laid out once: the section holds every object.
+    std::size_t size = out.size();
+    for (const auto& [handle, bytes] : c.objects) size += bytes.size();
+    out.reserve(size);
+    map.reserve(map.size() + c.objects.size());
     for (const auto& [handle, bytes] : c.objects) {
         map.push_back({handle, static_cast<std::int64_t>(out.size())});
         out.insert(out.end(), bytes.begin(), bytes.end());
