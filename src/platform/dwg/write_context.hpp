@@ -39,6 +39,9 @@ struct WriteContext {
     // order in batchObjects, to be placed after those of the batches before it.
     bool batch = false;
     std::vector<std::pair<std::uint64_t, std::vector<std::uint8_t>>> batchObjects;
+    // The layer name the last entity gave and its layer: entities in a row mostly share one.
+    std::string_view lastLayerName;
+    std::uint64_t lastLayer = 0;
 
     std::uint64_t handleOf(const SourceRecord& r, int code = 5);
     static std::uint64_t find(const std::unordered_map<std::string, std::uint64_t>& table,

@@ -53,8 +53,13 @@ EntityCommon EntityCommonOf(const SourceRecord& record, std::uint64_t owner, Wri
     const SourceRecord& r = properties;
     e.owner = owner;
     e.mode = owner == c.modelSpace ? 2 : owner == c.paperSpace ? 1 : 0;
-    e.layer = WriteContext::find(c.layers, r.has(8) ? r.text(8) : "0");
-    if (e.layer == 0) e.layer = WriteContext::find(c.layers, "0");
+    const std::string_view layer = r.has(8) ? r.text(8) : "0";
+    if (c.lastLayer == 0 || layer != c.lastLayerName) {
+        c.lastLayer = WriteContext::find(c.layers, layer);
+        if (c.lastLayer == 0) c.lastLayer = WriteContext::find(c.layers, "0");
+        c.lastLayerName = layer;
+    }
+    e.layer = c.lastLayer;
     const std::string linetype = NameKey(r.text(6));
     if (linetype == "BYBLOCK") {
         e.linetypeFlags = 1;
