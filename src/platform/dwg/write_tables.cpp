@@ -174,8 +174,6 @@ SymbolRecord SymbolOf(const SourceRecord& r, std::string_view table, WriteContex
     return s;
 }
 
-constexpr std::int32_t kAppIdRecord = 67;
-
 struct TableKind {
     std::string_view name;
     std::int32_t control, record;
@@ -184,7 +182,7 @@ constexpr TableKind kTables[] = {
     {"BLOCK_RECORD", kBlockControl, kBlockHeader}, {"LAYER", kLayerControl, kLayer},
     {"STYLE", kStyleControl, kStyle},            {"LTYPE", kLinetypeControl, kLinetype},
     {"VIEW", 60, kView},                         {"UCS", 62, kUcs},
-    {"VPORT", 64, kViewport},                    {"APPID", 66, kAppIdRecord},
+    {"VPORT", 64, kViewport},                    {"APPID", 66, kAppId},
     {"DIMSTYLE", 68, kDimensionStyle}};
 
 }  // namespace
@@ -223,6 +221,7 @@ void IndexNames(const SourceDrawing& source, WriteContext& c) {
             : table.name == "STYLE"        ? &c.styles
             : table.name == "BLOCK_RECORD" ? &c.blocks
             : table.name == "DIMSTYLE"     ? &c.dimensionStyles
+            : table.name == "APPID"        ? &c.applications
                                            : nullptr;
         if (names == nullptr) continue;
         for (const SourceRecord& r : table.records) {
@@ -578,7 +577,8 @@ XRecordRecord XRecordOf(const SourceRecord& r, WriteContext& c) {
         x.cloning = static_cast<std::int16_t>(cloning);
         first = 1;
     }
-    for (std::size_t i = first; i < body.tags.size(); ++i) {
+    // The groups up to the extended data, which ends the record.
+    for (std::size_t i = first; i < body.tags.size() && body.tags[i].first != 1001; ++i) {
         x.groups.emplace_back(body.tags[i].first, std::string(body.tags[i].second));
     }
     return x;
