@@ -31,5 +31,8 @@ std::vector<std::uint8_t> StreamBytes(std::istream& in);
 // Reads a whole DWG file held in memory.
 Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::span<const std::uint8_t> file,
                                const std::string& name);
+// The same, taking the file's bytes: a file of 2004 or later is given back once its sections
+// are decoded, before the database fills.
+Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::vector<std::uint8_t>&& file, const std::string& name);
 
 }  // namespace dwg

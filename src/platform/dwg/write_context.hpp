@@ -38,8 +38,9 @@ struct WriteContext {
     std::uint64_t handleOf(const SourceRecord& r, int code = 5);
     static std::uint64_t find(const std::unordered_map<std::string, std::uint64_t>& table,
                               std::string_view name);
+    // Objects mostly come in the order of their handles: the end is tried first.
     void add(std::uint64_t handle, std::vector<std::uint8_t> bytes) {
-        objects[handle] = std::move(bytes);
+        objects.insert_or_assign(objects.end(), handle, std::move(bytes));
     }
     bool written(std::uint64_t handle) const { return objects.count(handle) != 0; }
     // The object type the drawing's classes give a DXF name; 0 when it has no class.

@@ -455,8 +455,8 @@ std::vector<std::uint64_t> Gathered(std::vector<EntityBatch>& batches, WriteCont
     for (EntityBatch& batch : batches) {
         while (!batch.part.objects.empty()) {
             auto node = batch.part.objects.extract(batch.part.objects.begin());
-            auto placed = c.objects.insert(std::move(node));
-            if (!placed.inserted) placed.position->second = std::move(placed.node.mapped());
+            auto placed = c.objects.insert(c.objects.end(), std::move(node));
+            if (node) placed->second = std::move(node.mapped());
         }
         for (const auto& [type, count] : batch.part.leftOut) c.leftOut[type] += count;
         top.insert(top.end(), batch.top.begin(), batch.top.end());

@@ -6,10 +6,14 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <sstream>
+#include <streambuf>
 
 #include "platform/db/block_table_record.hpp"
 #include "platform/db/database.hpp"
+#include "platform/dwg/container.hpp"
 #include "platform/dwg/corpus_files.hpp"
+#include "platform/dwg/filed_objects.hpp"
 #include "platform/dwg/entities.hpp"
 #include "platform/dwg/object_builder.hpp"
 #include "platform/dwg/object_stream.hpp"
@@ -169,6 +173,62 @@ TEST(DwgRead, an_entity_whose_values_do_not_decode_fails_the_read_wherever_it_be
                                                      " (LINE) does not hold what its type needs");
         EXPECT_TRUE(db.stubs().empty());
     }
+}
+
+// A file of 2004 handed over whole reads as the same bytes lent do, and keeps the same sections.
+TEST(DwgRead, a_2004_file_handed_over_reads_as_its_bytes_lent_do) {
+    const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_2004.dwg"));
+    AcDbDatabase lent(false, true), given(false, true);
+    ASSERT_EQ(dwg::ReadDwgBytes(lent, std::span<const std::uint8_t>(file), "a.dwg"), Acad::eOk);
+    ASSERT_EQ(dwg::ReadDwgBytes(given, std::vector<std::uint8_t>(file), "a.dwg"), Acad::eOk)
+        << Utf8FromWide(given.lastError());
+    EXPECT_EQ(given.stubs().size(), lent.stubs().size());
+    const auto& a = lent.dwgFiledObjects();
+    const auto& b = given.dwgFiledObjects();
+    EXPECT_FALSE(b.objects.empty());
+    EXPECT_EQ(b.header, a.header);
+    EXPECT_EQ(b.classes, a.classes);
+    EXPECT_EQ(b.objectMap, a.objectMap);
+    EXPECT_EQ(b.objects, a.objects);
+}
+
+// The kept sections are the container's buffers moved into the database, not copies of them;
+// without the container they are copied.
+TEST(DwgRead, filed_sections_are_moved_out_of_the_container_that_holds_them) {
+    const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_2004.dwg"));
+    dwg::DwgContainer container;
+    dwg::MapError error;
+    ASSERT_TRUE(dwg::ReadDwgContainer(file, container, error));
+    const dwg::DwgSections sections = dwg::SectionsOf(container, file);
+    const std::vector<std::uint8_t> objects(sections.objects.begin(), sections.objects.end());
+    const std::vector<std::uint8_t> header(sections.header.begin(), sections.header.end());
+    AcDbDatabase copied(false, true), moved(false, true);
+    dwg::KeepFiledObjects(copied, sections);
+    EXPECT_NE(copied.dwgFiledObjects().objects.data(), sections.objects.data());
+    dwg::KeepFiledObjects(moved, sections, &container);
+    EXPECT_EQ(moved.dwgFiledObjects().objects.data(), sections.objects.data());
+    EXPECT_EQ(moved.dwgFiledObjects().header.data(), sections.header.data());
+    EXPECT_EQ(moved.dwgFiledObjects().objects, objects);
+    EXPECT_EQ(moved.dwgFiledObjects().header, header);
+    EXPECT_EQ(copied.dwgFiledObjects().objects, objects);
+}
+
+// A stream is read from where it stands to its end, in one go when it can tell its size and
+// as it comes when it cannot (a pipe).
+TEST(DwgRead, stream_bytes_are_read_from_where_the_stream_stands) {
+    std::istringstream seekable(std::string("AC1018-rest"));
+    char head[6];
+    seekable.read(head, sizeof head);
+    const std::vector<std::uint8_t> rest = dwg::StreamBytes(seekable);
+    EXPECT_EQ(std::string(rest.begin(), rest.end()), "-rest");
+    struct Unseekable : std::streambuf {
+        explicit Unseekable(std::string& s) { setg(s.data(), s.data(), s.data() + s.size()); }
+    };
+    std::string text = "AC1018 piped";
+    Unseekable buffer(text);
+    std::istream piped(&buffer);
+    const std::vector<std::uint8_t> all = dwg::StreamBytes(piped);
+    EXPECT_EQ(std::string(all.begin(), all.end()), "AC1018 piped");
 }
 
 TEST(DwgRead, a_damaged_header_section_is_named_in_the_reason) {
