@@ -152,6 +152,9 @@ void EntityProperties(DxfText& out, const EntityCommon& c, std::uint64_t owner,
     const int lineweight = LineweightFromIndex(c.lineweight);
     if (lineweight != -1) out.integer(370, lineweight);
     if (c.linetypeScale != 1.0) out.tag(48, c.linetypeScale);
+    // How the plot style is given (by layer unless said), and its object when by handle.
+    if (c.plotStyleFlags != 0) out.integer(380, c.plotStyleFlags);
+    if (c.plotStyleFlags == 3 && c.plotStyle != 0) out.handle(390, c.plotStyle);
     if (c.invisible & 1) out.integer(60, 1);
 }
 
