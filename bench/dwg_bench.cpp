@@ -7,7 +7,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
 #include <vector>
 
 #include "platform/db/block_table_record.hpp"
@@ -44,10 +43,10 @@ int main(int argc, char** argv) {
     for (int i = 0; i < repeat; ++i) {
         const auto t0 = Clock::now();
         std::ifstream in(argv[1], std::ios::binary);
-        const std::vector<std::uint8_t> file{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+        std::vector<std::uint8_t> file = dwg::StreamBytes(in);
         size = file.size();
         AcDbDatabase db(false, true);
-        if (dwg::ReadDwgBytes(db, file, argv[1]) != Acad::eOk) {
+        if (dwg::ReadDwgBytes(db, std::move(file), argv[1]) != Acad::eOk) {
             std::fprintf(stderr, "%s\n", dxf::Utf8(db.lastError()).c_str());
             return 1;
         }

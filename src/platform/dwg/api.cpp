@@ -2,7 +2,6 @@
 // so that a ".dwg" name may hold DXF and the other way round.
 
 #include <fstream>
-#include <iterator>
 #include <vector>
 
 #include "platform/dwg/read.hpp"
@@ -30,9 +29,7 @@ Acad::ErrorStatus AcDbDatabase::readDwgFile(const ACHAR* fileName, int, bool, co
         status = dxf::ReadDxfFile(*this, path);
     } else {
         in.seekg(0);
-        const std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(in),
-                                              std::istreambuf_iterator<char>()};
-        status = dwg::ReadDwgBytes(*this, bytes, path);
+        status = dwg::ReadDwgBytes(*this, dwg::StreamBytes(in), path);
     }
     // The drawing keeps the name it was read by, as the host does: the module cuts folder and
     // title out of it at backslashes.

@@ -31,6 +31,25 @@ bool Keep(ObjectStreams& o, bool entity, std::span<const std::uint8_t> bytes, De
 
 }  // namespace
 
+const ObjectCommon* ModelledObjectCommonOf(const DecodedObject& decoded) {
+    return std::visit(
+        [](const auto& r) -> const ObjectCommon* {
+            using R = std::decay_t<decltype(r)>;
+            if constexpr (std::is_same_v<R, KeptObject> || std::is_same_v<R, EntityCommon>) {
+                return nullptr;
+            } else if constexpr (requires { r.common.mode; }) {
+                return nullptr;
+            } else if constexpr (requires { r.common.handle; }) {
+                return &r.common;
+            } else if constexpr (requires { r.entry.common.handle; }) {
+                return &r.entry.common;
+            } else {
+                return nullptr;
+            }
+        },
+        decoded);
+}
+
 const EntityCommon* EntityCommonOf(const DecodedObject& decoded) {
     return std::visit(
         [](const auto& r) -> const EntityCommon* {
@@ -50,6 +69,19 @@ const EntityCommon* EntityCommonOf(const DecodedObject& decoded) {
             }
         },
         decoded);
+}
+
+bool DecodesToEntityRecord(std::int32_t type) {
+    switch (type) {
+        case kLine: case kCircle: case kArc: case kPoint: case kText: case kMText: case kInsert:
+        case kMinsert: case kSeqend: case kEllipse: case kLwPolyline: case kPolyline2d:
+        case kPolyline3d: case kPolylinePface: case kVertex2d: case kVertex3d: case kVertexMesh:
+        case kVertexPface: case kVertexPfaceFace: case kSolid: case kTrace: case kSpline:
+        case kDimensionOrdinate: case kDimensionLinear: case kDimensionAligned:
+        case kDimensionAngular3Pt: case kDimensionAngular2Ln: case kDimensionRadius:
+        case kDimensionDiameter: case kHatch: case kFace3d: case kRay: case kXLine: return true;
+        default: return false;
+    }
 }
 
 bool IsEntityType(std::int32_t type, const std::vector<ClassRecord>& classes) {

@@ -37,6 +37,14 @@ using DecodedObject =
 // drawing's own type (500 and up) is an entity.
 bool DecodeObject(ObjectStreams& o, const std::vector<ClassRecord>& classes, DecodedObject& out);
 
+// True for the fixed types DecodeObject always decodes into an entity record of their own
+// (never kept whole): lines, circles, texts, inserts, polylines and their vertices, dimensions...
+bool DecodesToEntityRecord(std::int32_t type);
+
+// The common data of a decoded object of a modelled kind (not an entity); null for entities and
+// kinds kept whole.
+const ObjectCommon* ModelledObjectCommonOf(const DecodedObject& decoded);
+
 // The common entity data of a decoded entity; null for objects and undecoded kinds.
 const EntityCommon* EntityCommonOf(const DecodedObject& decoded);
 

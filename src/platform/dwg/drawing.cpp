@@ -11,6 +11,7 @@
 #include "platform/dwg/decode.hpp"
 #include "platform/dwg/dxf_records.hpp"
 #include "platform/dwg/entities.hpp"
+#include "platform/dwg/extended_data.hpp"
 #include "platform/dwg/header.hpp"
 #include "platform/dwg/symbols.hpp"
 #include "platform/dwg/tables.hpp"
@@ -34,14 +35,15 @@ std::string CodePageName(int windowsCodePage) { return "ANSI_" + std::to_string(
 
 namespace {
 
-// One object of the map. Entities of the decoded kinds are decoded again when written, so that
-// a large drawing is never held decoded whole; the other objects (tables, blocks, dictionaries,
+// One object of the map. Entities of the decoded kinds are decoded when written, so that a
+// large drawing is never held decoded whole; the other objects (tables, blocks, dictionaries,
 // kinds kept whole) are few and stay decoded.
 struct Item {
     std::uint64_t handle = 0;
     std::int64_t offset = 0;  // where the object starts in the object data
     std::int32_t type = 0;
     bool entity = false;
+    bool written = false;  // an entity decoded when written, once it has been
     std::uint64_t owner = 0;  // of an entity: the block record, or the entity it belongs to
     std::unique_ptr<DecodedObject> decoded;  // null for entities decoded when written
 };
@@ -59,12 +61,29 @@ struct Drawing {
     std::unordered_map<std::uint64_t, std::vector<std::size_t>> owned;  // entities by owner
     NameIndex names;
     DxfText out;
+    MapError failure;  // the first entity that did not decode when written
+    bool failed = false;
 
     bool decode(MapError& error);
     bool decodeOne(const ObjectLocation& loc, MapError& error);
-    DecodedObject decodedOf(const Item& item) const;
+    MapError decodeError(const Item& item) const {
+        return {static_cast<std::size_t>(item.offset), "object " + std::to_string(item.handle) + " (" +
+                                                           typeName(item) + ") does not hold what its type needs"};
+    }
+    bool decodeAgain(const Item& item, DecodedObject& decoded);
+    bool checkUnwritten(MapError& error);
     std::string typeName(const Item& item) const { return TypeName(item.type, classes); }
     void index();
+    // The extended data of the record just written, as the groups that end it.
+    void writeExtendedData(const ObjectCommon& common) {
+        if (common.extended.empty()) return;
+        for (const auto& [code, value] :
+             ExtendedGroupsOf(common.extended, names.applications, names.layers, sections.codePage)) {
+            out.tag(code, value);
+        }
+    }
+    std::string blockName(const BlockHeaderRecord& block, std::uint64_t handle,
+                          std::map<std::string, int>& numbered) const;
     std::uint64_t ownerOf(const EntityCommon& c) const {
         if (c.mode == 1) return header.handles.paperSpace;
         if (c.mode == 2) return header.handles.modelSpace;
@@ -80,7 +99,7 @@ struct Drawing {
     void writeTable(const char* name, std::int32_t recordType, std::uint64_t control);
     void writeBlocks();
     void writeEntities(std::uint64_t owner);
-    void writeEntity(const Item& item, std::uint64_t owner);
+    void writeEntity(std::size_t index, std::uint64_t owner);
     void writeObjects();
     void takeKept(std::vector<KeptData>& kept);
 };
@@ -110,12 +129,24 @@ bool Drawing::decodeOne(const ObjectLocation& loc, MapError& error) {
     item.handle = loc.handle;
     item.offset = loc.offset;
     item.type = o.type;
+    if (DecodesToEntityRecord(item.type)) {
+        // Decoded whole when written: here only the common data that names the owner.
+        EntityCommon common;
+        ReadEntityCommon(o, common);
+        if (o.data.failed() || o.handles.failed() || o.strings.failed()) {
+            error = decodeError(item);
+            return false;
+        }
+        item.entity = true;
+        item.owner = ownerOf(common);
+        byHandle[loc.handle] = items.size();
+        items.push_back(std::move(item));
+        return true;
+    }
     const ObjectStreams opened = o;
     auto decoded = std::make_unique<DecodedObject>();
     if (!DecodeObject(o, classes, *decoded)) {
-        error = {static_cast<std::size_t>(loc.offset),
-                 "object " + std::to_string(loc.handle) + " (" + typeName(item) +
-                     ") does not hold what its type needs"};
+        error = decodeError(item);
         return false;
     }
     const bool whole = std::holds_alternative<KeptObject>(*decoded);
@@ -136,16 +167,46 @@ bool Drawing::decodeOne(const ObjectLocation& loc, MapError& error) {
     return true;
 }
 
-DecodedObject Drawing::decodedOf(const Item& item) const {
-    if (item.decoded) return *item.decoded;
+// An entity decoded whole, the first time or again. Its frame and CRC were checked when the map
+// was read; what fails is the first failure of the drawing.
+bool Drawing::decodeAgain(const Item& item, DecodedObject& decoded) {
     ObjectStreams o;
     MapError error;
-    DecodedObject decoded;
-    // The object decoded once already: opening and decoding it again cannot fail.
-    if (OpenObject(sections.objects, item.offset, sections.version, sections.codePage, o, error)) {
-        DecodeObject(o, classes, decoded);
+    if (OpenObject(sections.objects, item.offset, sections.version, sections.codePage, o, error, false) &&
+        DecodeObject(o, classes, decoded)) {
+        return true;
     }
-    return decoded;
+    if (!failed) failure = decodeError(item);
+    failed = true;
+    return false;
+}
+
+// The entities no block holds are never written; they are decoded to be sure they are sound.
+bool Drawing::checkUnwritten(MapError& error) {
+    for (const Item& item : items) {
+        DecodedObject decoded;
+        if (item.entity && !item.decoded && !item.written) decodeAgain(item, decoded);
+    }
+    if (failed) error = failure;
+    return !failed;
+}
+
+// The record of an anonymous block, and that of a paper space beyond the first, hold the kind
+// of name only ("*D", "*Paper_Space"); the BLOCK entity holds the whole name ("*D4",
+// "*Paper_Space0"). Without a BLOCK that says it, the blocks of a kind are numbered in their order.
+std::string Drawing::blockName(const BlockHeaderRecord& block, std::uint64_t handle,
+                               std::map<std::string, int>& numbered) const {
+    std::string name = block.entry.name;
+    const bool furtherPaperSpace = name == "*Paper_Space" && handle != header.handles.paperSpace;
+    if (!furtherPaperSpace && !(block.anonymous && name.size() <= 2)) return name;
+    const Item* begin = find(block.blockEntity);
+    const auto* beginRecord = begin && begin->decoded ? std::get_if<BlockBeginRecord>(begin->decoded.get()) : nullptr;
+    if (beginRecord != nullptr && beginRecord->name.size() > name.size() &&
+        beginRecord->name.compare(0, name.size(), name) == 0) {
+        return beginRecord->name;
+    }
+    // The DXF numbers paper spaces from 0 and anonymous blocks from 1.
+    return name + std::to_string(furtherPaperSpace ? numbered[name]++ : ++numbered[name]);
 }
 
 void Drawing::index() {
@@ -158,18 +219,13 @@ void Drawing::index() {
         if (const auto* layer = decoded ? std::get_if<LayerRecord>(decoded) : nullptr) {
             names.layers[item.handle] = layer->entry.name;
         } else if (const auto* block = decoded ? std::get_if<BlockHeaderRecord>(decoded) : nullptr) {
-            std::string name = block->entry.name;
-            if (block->anonymous && name.size() <= 2) name += std::to_string(++anonymous[name]);
-            // Layouts beyond the first have paper space blocks of their own, which the DXF
-            // numbers from 0.
-            if (name == "*Paper_Space" && item.handle != header.handles.paperSpace) {
-                name += std::to_string(anonymous[name]++);
-            }
-            names.blocks[item.handle] = name;
+            names.blocks[item.handle] = blockName(*block, item.handle, anonymous);
         } else if (item.type == kLinetype) {
             names.linetypes[item.handle] = symbols[item.handle].entry.name;
         } else if (item.type == kStyle) {
             names.styles[item.handle] = symbols[item.handle].entry.name;
+        } else if (item.type == kAppId) {
+            names.applications[item.handle] = symbols[item.handle].entry.name;
         } else if (item.type == kDimensionStyle) {
             names.dimensionStyles[item.handle] = symbols[item.handle].entry.name;
         }
@@ -277,10 +333,13 @@ void Drawing::writeTable(const char* name, std::int32_t recordType, std::uint64_
         if (item.type != recordType) continue;
         if (const auto* layer = std::get_if<LayerRecord>(item.decoded.get())) {
             WriteLayer(out, *layer, names);
+            writeExtendedData(layer->entry.common);
         } else if (const auto* block = std::get_if<BlockHeaderRecord>(item.decoded.get())) {
             WriteBlockRecord(out, *block, names.name(names.blocks, item.handle));
+            writeExtendedData(block->entry.common);
         } else {
             WriteSymbolRecord(out, name, symbols[item.handle]);
+            writeExtendedData(symbols[item.handle].entry.common);
         }
     }
     out.tag(0, "ENDTAB");
@@ -296,27 +355,49 @@ void Drawing::writeTables() {
     writeTable("STYLE", kStyle, c.styleControl);
     writeTable("VIEW", 61, c.viewControl);
     writeTable("UCS", 63, c.ucsControl);
-    writeTable("APPID", 67, c.appidControl);
+    writeTable("APPID", kAppId, c.appidControl);
     writeTable("DIMSTYLE", kDimensionStyle, c.dimstyleControl);
     writeTable("BLOCK_RECORD", kBlockHeader, c.blockControl);
     out.tag(0, "ENDSEC");
 }
 
-void Drawing::writeEntity(const Item& item, std::uint64_t owner) {
-    WriteEntity(out, decodedOf(item), typeName(item), owner, names);
+void Drawing::writeEntity(std::size_t index, std::uint64_t owner) {
+    Item& item = items[index];
+    item.written = true;
+    DecodedObject again;
+    if (!item.decoded && !decodeAgain(item, again)) return;
+    const DecodedObject& decoded = item.decoded ? *item.decoded : again;
+    WriteEntity(out, decoded, typeName(item), owner, names);
+    const EntityCommon* common = EntityCommonOf(decoded);
+    if (common != nullptr && !std::holds_alternative<KeptObject>(decoded)) writeExtendedData(*common);
     // Attributes and vertices follow their owner, and the SEQEND closes them.
     const auto it = owned.find(item.handle);
     if (it == owned.end()) return;
     std::vector<std::size_t> children = it->second;
     std::stable_partition(children.begin(), children.end(),
                           [&](std::size_t i) { return items[i].type != kSeqend; });
-    for (std::size_t i : children) writeEntity(items[i], item.handle);
+    for (std::size_t i : children) writeEntity(i, item.handle);
 }
 
+// A block's entities in the order its record lists them (2004 on), which is the drawing's
+// order; the others (a record without the list) in the order of their handles.
 void Drawing::writeEntities(std::uint64_t owner) {
     const auto it = owned.find(owner);
     if (it == owned.end()) return;
-    for (std::size_t i : it->second) writeEntity(items[i], owner);
+    std::vector<std::size_t> entities = it->second;
+    const Item* record = find(owner);
+    const auto* block = record ? std::get_if<BlockHeaderRecord>(record->decoded.get()) : nullptr;
+    if (block != nullptr && !block->entities.empty()) {
+        std::unordered_map<std::uint64_t, std::size_t> rank;
+        for (std::size_t k = 0; k < block->entities.size(); ++k) rank.emplace(block->entities[k], k);
+        auto rankOf = [&](std::size_t i) {
+            const auto r = rank.find(items[i].handle);
+            return r == rank.end() ? block->entities.size() : r->second;
+        };
+        std::stable_sort(entities.begin(), entities.end(),
+                         [&](std::size_t a, std::size_t b) { return rankOf(a) < rankOf(b); });
+    }
+    for (std::size_t i : entities) writeEntity(i, owner);
 }
 
 void Drawing::writeBlocks() {
@@ -347,6 +428,7 @@ void Drawing::writeObjects() {
     const Item* named = find(header.handles.namedObjects);
     if (named != nullptr && named->decoded) {
         WriteObject(out, *named->decoded, typeName(*named), named->handle);
+        if (const ObjectCommon* common = ModelledObjectCommonOf(*named->decoded)) writeExtendedData(*common);
     }
     for (const Item& item : items) {
         if (&item == named || IsControl(item.type) || IsTableRecord(item.type) || item.entity ||
@@ -354,6 +436,7 @@ void Drawing::writeObjects() {
             continue;
         }
         WriteObject(out, *item.decoded, typeName(item), item.handle);
+        if (const ObjectCommon* common = ModelledObjectCommonOf(*item.decoded)) writeExtendedData(*common);
     }
     out.tag(0, "ENDSEC");
 }
@@ -384,6 +467,7 @@ bool WriteDrawing(Drawing& drawing, std::vector<KeptData>& kept, MapError& error
     drawing.writeEntities(drawing.header.handles.modelSpace);
     drawing.writeEntities(drawing.header.handles.paperSpace);
     drawing.out.tag(0, "ENDSEC");
+    if (!drawing.checkUnwritten(error)) return false;
     drawing.writeObjects();
     drawing.out.tag(0, "EOF");
     drawing.out.flush();
@@ -395,7 +479,7 @@ bool WriteDrawing(Drawing& drawing, std::vector<KeptData>& kept, MapError& error
 
 bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<KeptData>& kept,
                   MapError& error) {
-    Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}, {}};
+    Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}, {}, {}, false};
     if (!WriteDrawing(drawing, kept, error)) return false;
     dxf = drawing.out.take();
     return true;
@@ -403,7 +487,7 @@ bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<Kep
 
 bool DwgToRecords(const DwgSections& sections, dxf::RecordFeed& feed, std::vector<KeptData>& kept,
                   MapError& error) {
-    Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}, DxfText(&feed)};
+    Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}, DxfText(&feed), {}, false};
     return WriteDrawing(drawing, kept, error);
 }
 

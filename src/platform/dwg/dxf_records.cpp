@@ -10,18 +10,22 @@
 
 namespace dwg {
 
-void DxfText::tag(int code, std::string_view text) {
+void DxfText::tag(int code, std::string_view text) { put(code, text, dxf::Made::kText, false); }
+
+void DxfText::put(int code, std::string_view text, dxf::Made made, bool plain) {
     if (feed_ != nullptr) {
         if (code == 0) flush();
         const std::size_t begin = out_.size();
-        value(text);
-        spans_.push_back({code, begin, out_.size()});
+        if (plain) out_.append(text);
+        else value(text);
+        spans_.push_back({code, begin, out_.size(), made});
         return;
     }
     char buffer[12];
     out_.append(buffer, std::to_chars(buffer, buffer + sizeof buffer, code).ptr);
     out_ += '\n';
-    value(text);
+    if (plain) out_.append(text);
+    else value(text);
     out_ += '\n';
 }
 
@@ -44,7 +48,7 @@ void DxfText::flush() {
     if (feed_ == nullptr || spans_.empty()) return;
     tags_.clear();
     const std::string_view values = out_;
-    for (const Span& s : spans_) tags_.push_back({s.code, values.substr(s.begin, s.end - s.begin), 0});
+    for (const Span& s : spans_) tags_.push_back({s.code, values.substr(s.begin, s.end - s.begin), 0, s.made});
     feed_->record(tags_);
     spans_.clear();
     out_.clear();
@@ -58,19 +62,21 @@ void DxfText::tag(int code, double value) {
         *end++ = '.';
         *end++ = '0';
     }
-    tag(code, std::string_view(buffer, end));
+    put(code, std::string_view(buffer, end), dxf::Made::kReal, true);
 }
 
 void DxfText::integer(int code, long long value) {
     char buffer[24];
-    tag(code, std::string_view(buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr));
+    put(code, std::string_view(buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr),
+        dxf::Made::kInteger, true);
 }
 
 void DxfText::handle(int code, std::uint64_t value) {
     char buffer[20];
     char* end = std::to_chars(buffer, buffer + sizeof buffer, value, 16).ptr;
     for (char* c = buffer; c != end; ++c) *c = static_cast<char>(std::toupper(static_cast<unsigned char>(*c)));
-    tag(code, std::string_view(buffer, end));
+    // A handle is hexadecimal: checked as any text is.
+    put(code, std::string_view(buffer, end), dxf::Made::kText, true);
 }
 
 void DxfText::point(int code, const Point3& p) {
@@ -474,8 +480,9 @@ void Body(DxfText& out, const DimensionRecord& r, const NameIndex& names) {
         out.point(12, Point3{r.clonePoint.x, r.clonePoint.y, r.elevation});
     }
     const int type = r.dxfType();
-    // Bit 0 of the stored flags clear: the text stands where the user put it.
-    out.integer(70, type | 32 | ((r.flags & 1) ? 0 : 128) | (r.ordinateX ? 64 : 0));
+    // Bit 0 of the stored flags clear: the text stands where the user put it; bit 1: the block
+    // is the dimension's alone.
+    out.integer(70, type | ((r.flags & 2) ? 32 : 0) | ((r.flags & 1) ? 0 : 128) | (r.ordinateX ? 64 : 0));
     if (!r.text.empty()) out.tag(1, r.text);
     out.integer(71, r.attachment);
     if (r.lineSpacingStyle != 1) out.integer(72, r.lineSpacingStyle);

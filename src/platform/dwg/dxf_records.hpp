@@ -37,10 +37,14 @@ public:
     std::string take() { return std::move(out_); }  // the text, without a copy
 
 private:
+    // The value, and how it was made for the feed. A plain one (a number or handle made here)
+    // has no control characters to write out: it goes in as it is.
+    void put(int code, std::string_view text, dxf::Made made, bool plain);
     void value(std::string_view value);
     struct Span {
         int code;
         std::size_t begin, end;  // of the value in out_
+        dxf::Made made;
     };
     std::string out_;  // the text, or the values of the record being written
     dxf::RecordFeed* feed_ = nullptr;
@@ -51,7 +55,7 @@ private:
 // What the records need to turn handles into the names DXF uses.
 struct NameIndex {
     std::unordered_map<std::uint64_t, std::string> layers, linetypes, styles, blocks;
-    std::unordered_map<std::uint64_t, std::string> dimensionStyles;
+    std::unordered_map<std::uint64_t, std::string> dimensionStyles, applications;
     std::uint64_t modelSpace = 0, paperSpace = 0;
     std::string name(const std::unordered_map<std::uint64_t, std::string>& table,
                      std::uint64_t handle) const;

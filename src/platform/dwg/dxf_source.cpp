@@ -106,13 +106,6 @@ void Runs(std::span<const SourceTag> tags, int code, Add add) {
     }
 }
 
-// Splits the tags into records at each 0 tag.
-std::vector<SourceRecord> Records(std::span<const SourceTag> tags) {
-    std::vector<SourceRecord> out;
-    Runs(tags, 0, [&](std::string_view type, std::span<const SourceTag> rest) { out.push_back({type, rest}); });
-    return out;
-}
-
 // The variables of the HEADER section: each a 9 tag with its name and the tags up to the next.
 void ReadHeader(const SourceRecord& section, SourceDrawing& out) {
     Runs(section.tags, 9, [&](std::string_view name, std::span<const SourceTag> rest) {
@@ -120,47 +113,66 @@ void ReadHeader(const SourceRecord& section, SourceDrawing& out) {
     });
 }
 
-}  // namespace
-
-bool ReadSource(std::span<const SourceTag> tags, SourceDrawing& out, std::string& error) {
-    std::vector<SourceRecord> records = Records(tags);
+// Files each record in its section as the records come, in their order.
+struct Grouping {
+    SourceDrawing& out;
     std::string_view section;
-    for (SourceRecord& r : records) {
+
+    void add(SourceRecord r) {
         if (r.type == "SECTION") {
             section = r.text(2);
             if (section == "HEADER") ReadHeader(r, out);
-            continue;
+            return;
         }
-        if (r.type == "ENDSEC" || r.type == "EOF") continue;
+        if (r.type == "ENDSEC" || r.type == "EOF") return;
         if (section == "CLASSES") {
-            out.classes.push_back(std::move(r));
+            out.classes.push_back(r);
         } else if (section == "TABLES") {
             if (r.type == "TABLE") {
                 out.tables.push_back({r.text(2), r.handle(5), {}});
             } else if (r.type != "ENDTAB" && !out.tables.empty()) {
-                out.tables.back().records.push_back(std::move(r));
+                out.tables.back().records.push_back(r);
             }
         } else if (section == "BLOCKS") {
-            if (r.type == "BLOCK") {
-                out.blocks.push_back({std::move(r), {}, {}});
-            } else if (out.blocks.empty()) {
-                continue;
-            } else if (r.type == "ENDBLK") {
-                out.blocks.back().end = std::move(r);
-            } else {
-                out.blocks.back().entities.push_back(std::move(r));
-            }
+            addToBlock(r);
         } else if (section == "ENTITIES") {
-            out.entities.push_back(std::move(r));
+            out.entities.push_back(r);
         } else if (section == "OBJECTS") {
-            out.objects.push_back(std::move(r));
+            out.objects.push_back(r);
         }
+    }
+    void addToBlock(const SourceRecord& r) {
+        if (r.type == "BLOCK") {
+            out.blocks.push_back({r, {}, {}});
+        } else if (out.blocks.empty()) {
+            return;
+        } else if (r.type == "ENDBLK") {
+            out.blocks.back().end = r;
+        } else {
+            out.blocks.back().entities.push_back(r);
+        }
+    }
+};
+
+}  // namespace
+
+bool ReadSource(std::span<const std::span<const SourceTag>> parts, SourceDrawing& out,
+                std::string& error) {
+    Grouping grouping{out, {}};
+    for (std::span<const SourceTag> part : parts) {
+        Runs(part, 0, [&](std::string_view type, std::span<const SourceTag> rest) {
+            grouping.add({type, rest});
+        });
     }
     if (out.tables.empty()) {
         error = "the drawing has no tables";
         return false;
     }
     return true;
+}
+
+bool ReadSource(std::span<const SourceTag> tags, SourceDrawing& out, std::string& error) {
+    return ReadSource(std::span<const std::span<const SourceTag>>(&tags, 1), out, error);
 }
 
 }  // namespace dwg

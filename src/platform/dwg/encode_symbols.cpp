@@ -9,7 +9,6 @@
 namespace dwg {
 namespace {
 
-constexpr std::int32_t kAppId = 67;
 constexpr std::int32_t kMLineStyle = 73;
 constexpr std::int32_t kDimStyleControl = 68;
 constexpr double kRadiansPerDegree = 0.017453292519943295;

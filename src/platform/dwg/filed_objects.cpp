@@ -3,6 +3,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "platform/dwg/container.hpp"
 #include "platform/dwg/object_map.hpp"
 #include "platform/dwg/object_stream.hpp"
 #include "platform/dwg/read.hpp"
@@ -35,16 +36,30 @@ bool KeepsFiledObjects(const DwgSections& sections) {
     return sections.version == Version::kR2004 && (sections.codePage == 936 || sections.codePage == 1252);
 }
 
-void KeepFiledObjects(AcDbDatabase& db, const DwgSections& sections) {
+namespace {
+
+// The section's bytes: the container's buffer that holds exactly them, moved out of it, or a copy.
+std::vector<std::uint8_t> Taken(std::span<const std::uint8_t> section, DwgContainer* container) {
+    if (container != nullptr && !section.empty()) {
+        for (std::vector<std::uint8_t>& buffer : container->buffers) {
+            if (buffer.data() == section.data() && buffer.size() == section.size()) return std::move(buffer);
+        }
+    }
+    return {section.begin(), section.end()};
+}
+
+}  // namespace
+
+void KeepFiledObjects(AcDbDatabase& db, const DwgSections& sections, DwgContainer* container) {
     AcDbDatabase::DwgFiledObjects& filed = db.dwgFiledObjects();
     filed = {};
     if (!KeepsFiledObjects(sections)) return;
     filed.codePage = sections.codePage;
     filed.maintenance = sections.maintenance;
-    filed.header.assign(sections.header.begin(), sections.header.end());
-    filed.classes.assign(sections.classes.begin(), sections.classes.end());
-    filed.objectMap.assign(sections.objectMap.begin(), sections.objectMap.end());
-    filed.objects.assign(sections.objects.begin(), sections.objects.end());
+    filed.header = Taken(sections.header, container);
+    filed.classes = Taken(sections.classes, container);
+    filed.objectMap = Taken(sections.objectMap, container);
+    filed.objects = Taken(sections.objects, container);
 }
 
 namespace {

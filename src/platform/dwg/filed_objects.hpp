@@ -15,6 +15,8 @@
 
 namespace dwg {
 
+struct DwgContainer;
+
 // FNV-1a over the bytes.
 std::uint64_t Fingerprint(std::span<const std::uint8_t> bytes);
 
@@ -23,8 +25,10 @@ std::uint64_t Fingerprint(std::span<const std::uint8_t> bytes);
 bool KeepsFiledObjects(const DwgSections& sections);
 
 // After an AC1018 file with texts in code page 936 or 1252 has been read into `db`: keeps the
-// sections it was read from. Other files keep nothing.
-void KeepFiledObjects(AcDbDatabase& db, const DwgSections& sections);
+// sections it was read from. Other files keep nothing. Given the container the sections were
+// decoded into, the buffers that hold them are moved out of it (the sections then point at
+// nothing) rather than copied.
+void KeepFiledObjects(AcDbDatabase& db, const DwgSections& sections, DwgContainer* container = nullptr);
 
 // Replaces the writer's encoding of each object whose fingerprint is that of the read (the kept
 // sections read again and encoded) by the bytes the file stored, when the file's code page is

@@ -22,10 +22,11 @@ struct ObjectStreams {
     BitReader& text() { return data.version() >= Version::kR2007 ? strings : data; }
 };
 
-// Frames the object at a byte offset of the object data and checks its CRC. False with the
-// offset and reason when the object runs past the data or its CRC does not match.
+// Frames the object at a byte offset of the object data and checks its CRC (unless checkCrc is
+// false: an object opened again). False with the offset and reason when the object runs past
+// the data or its CRC does not match.
 bool OpenObject(std::span<const std::uint8_t> objects, std::int64_t offset, Version version,
-                int codePage, ObjectStreams& out, MapError& error);
+                int codePage, ObjectStreams& out, MapError& error, bool checkCrc = true);
 
 // 2007 on: the string stream of values that end at endBit; stringsStart is where the values
 // give way to the strings. False when the stored size does not fit.

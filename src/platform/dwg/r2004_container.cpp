@@ -216,6 +216,8 @@ bool ReadSection(std::span<const std::uint8_t> file, const PageTable& pages,
                  std::size_t& budget, MapError& error) {
     if (section.encrypted == 1)
         return Fail(error, kHeaderBlockAt, section.name + " is encrypted (a password-protected drawing)");
+    // The data grows once, to the size the section gives (no more than decoding may make).
+    data.reserve(static_cast<std::size_t>(std::min<std::uint64_t>(section.size, budget)));
     for (const SectionPage& page : section.pages) {
         if (data.size() >= section.size) break;
         if (!ReadDataPage(file, pages, section, page, data, budget, error)) return false;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <utility>
 
 #include "platform/dwg/container.hpp"
@@ -47,6 +48,22 @@ void KeepWhole(AcDbDatabase& db, std::vector<KeptData>& kept) {
 
 }  // namespace
 
+std::vector<std::uint8_t> StreamBytes(std::istream& in) {
+    const std::istream::pos_type start = in.tellg();
+    in.seekg(0, std::ios::end);
+    const std::istream::pos_type end = in.tellg();
+    in.seekg(start);
+    if (start < 0 || end < start || !in) {
+        // A stream that cannot tell its size (a pipe) is read as it comes.
+        in.clear();
+        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    }
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(end - start));
+    in.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    bytes.resize(static_cast<std::size_t>(in.gcount()));
+    return bytes;
+}
+
 bool LooksLikeDwg(std::span<const std::uint8_t> head) {
     return head.size() >= 6 && head[0] == 'A' && head[1] == 'C' &&
            (std::memcmp(head.data() + 2, "10", 2) == 0 || std::memcmp(head.data() + 2, "20", 2) == 0);
@@ -81,7 +98,9 @@ namespace {
 
 // The database filled from the records the drawing is decoded into, handed to the DXF reader
 // one at a time.
-Acad::ErrorStatus ReadRecords(AcDbDatabase& db, const DwgSections& sections, const std::string& name) {
+// Given the container the sections were decoded into, the filed sections are moved out of it.
+Acad::ErrorStatus ReadRecords(AcDbDatabase& db, const DwgSections& sections, const std::string& name,
+                              DwgContainer* container) {
     std::vector<KeptData> kept;
     MapError error;
     dxf::RecordFeed feed(db, name);
@@ -95,7 +114,7 @@ Acad::ErrorStatus ReadRecords(AcDbDatabase& db, const DwgSections& sections, con
     }
     KeepFileVersion(db, sections.version);
     KeepWhole(db, kept);
-    KeepFiledObjects(db, sections);
+    KeepFiledObjects(db, sections, container);
     db.setLastError(L"");
     return Acad::eOk;
 }
@@ -104,21 +123,47 @@ Acad::ErrorStatus ReadRecords(AcDbDatabase& db, const DwgSections& sections, con
 
 Acad::ErrorStatus ReadDwgSections(AcDbDatabase& db, const DwgSections& sections,
                                   const std::string& name) {
-    return ReadRecords(db, sections, name);
+    return ReadRecords(db, sections, name, nullptr);
 }
+
+namespace {
+
+// The file's container, or false with the database emptied and the reason said.
+bool ReadContainer(AcDbDatabase& db, std::span<const std::uint8_t> file, const std::string& name,
+                   DwgContainer& container, Acad::ErrorStatus& status) {
+    Version version;
+    if (!VersionFromMagic(file, version)) {
+        status = Fail(db, name, 0, "not a DWG version this reader knows (\"" +
+                                       std::string(file.begin(), file.begin() + std::min<std::size_t>(6, file.size())) +
+                                       "\")");
+        return false;
+    }
+    MapError error;
+    if (!ReadDwgContainer(file, container, error)) {
+        status = Fail(db, name, error.offset, error.reason);
+        return false;
+    }
+    return true;
+}
+
+}  // namespace
 
 Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::span<const std::uint8_t> file,
                                const std::string& name) {
-    Version version;
-    if (!VersionFromMagic(file, version)) {
-        return Fail(db, name, 0, "not a DWG version this reader knows (\"" +
-                                     std::string(file.begin(), file.begin() + std::min<std::size_t>(6, file.size())) +
-                                     "\")");
-    }
     DwgContainer container;
-    MapError error;
-    if (!ReadDwgContainer(file, container, error)) return Fail(db, name, error.offset, error.reason);
-    return ReadRecords(db, SectionsOf(container, file), name);
+    Acad::ErrorStatus status = Acad::eOk;
+    if (!ReadContainer(db, file, name, container, status)) return status;
+    return ReadRecords(db, SectionsOf(container, file), name, &container);
+}
+
+Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::vector<std::uint8_t>&& file, const std::string& name) {
+    DwgContainer container;
+    Acad::ErrorStatus status = Acad::eOk;
+    if (!ReadContainer(db, file, name, container, status)) return status;
+    const DwgSections sections = SectionsOf(container, file);
+    // From 2004 on, the sections are the container's own: the file is no longer needed.
+    if (container.version > Version::kR2000) std::vector<std::uint8_t>().swap(file);
+    return ReadRecords(db, sections, name, &container);
 }
 
 }  // namespace dwg

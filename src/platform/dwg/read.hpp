@@ -3,8 +3,10 @@
 // from the file container, the objects decoded and handed to the DXF reader as DXF records, so
 // that the database holds what the same drawing read from DXF holds.
 #include <cstdint>
+#include <istream>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "platform/db/database.hpp"
 #include "platform/dwg/drawing.hpp"
@@ -23,8 +25,14 @@ AcDb::AcDbDwgVersion DatabaseVersion(Version version);
 Acad::ErrorStatus ReadDwgSections(AcDbDatabase& db, const DwgSections& sections,
                                   const std::string& name);
 
+// The bytes of a stream from where it stands to its end, read in one go when its size is known.
+std::vector<std::uint8_t> StreamBytes(std::istream& in);
+
 // Reads a whole DWG file held in memory.
 Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::span<const std::uint8_t> file,
                                const std::string& name);
+// The same, taking the file's bytes: a file of 2004 or later is given back once its sections
+// are decoded, before the database fills.
+Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::vector<std::uint8_t>&& file, const std::string& name);
 
 }  // namespace dwg

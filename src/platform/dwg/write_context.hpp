@@ -25,7 +25,7 @@ std::string NameKey(std::string_view name);
 struct WriteContext {
     EncodeOptions options;
     std::unordered_map<std::string, std::uint64_t> layers, linetypes, styles, blocks;
-    std::unordered_map<std::string, std::uint64_t> dimensionStyles;
+    std::unordered_map<std::string, std::uint64_t> dimensionStyles, applications;
     std::uint64_t modelSpace = 0, paperSpace = 0;
     std::uint64_t nextHandle = 1;  // for records that come without one
     std::map<std::uint64_t, std::vector<std::uint8_t>> objects;
@@ -38,8 +38,9 @@ struct WriteContext {
     std::uint64_t handleOf(const SourceRecord& r, int code = 5);
     static std::uint64_t find(const std::unordered_map<std::string, std::uint64_t>& table,
                               std::string_view name);
+    // Objects mostly come in the order of their handles: the end is tried first.
     void add(std::uint64_t handle, std::vector<std::uint8_t> bytes) {
-        objects[handle] = std::move(bytes);
+        objects.insert_or_assign(objects.end(), handle, std::move(bytes));
     }
     bool written(std::uint64_t handle) const { return objects.count(handle) != 0; }
     // The object type the drawing's classes give a DXF name; 0 when it has no class.
@@ -63,6 +64,9 @@ bool WriteAnnotation(const SourceRecord& r, EntityCommon common, WriteContext& c
 // A hatch from its record: paths, pattern, seeds and gradient in the record's order. What the
 // record holds and the hatch cannot (a gradient colour's index) is counted in leftOut.
 HatchRecord HatchOf(const SourceRecord& r, EntityCommon common, std::map<std::string, int>& leftOut);
+
+// The extended data of a record: its groups from the first 1001 on.
+std::vector<ExtendedData> ExtendedDataOf(const SourceRecord& r, const WriteContext& c);
 
 // An entity's common data from its record.
 EntityCommon EntityCommonOf(const SourceRecord& r, std::uint64_t owner, WriteContext& c);

@@ -256,6 +256,7 @@ void EncodeSource(SourceDrawing& source, int codePage, EncodedDrawing& out) {
     for (const ClassRecord& cls : classes) c.classNumbers.emplace(cls.dxfName, cls.number);
     c.dwgCodePage = DwgCodePageNumber(c.options.codePage);
     WriteTables(source, c, header.handles);
+    const BlockInserts inserts = InsertsOf(source, c);
     std::vector<SourceRecord> model, paper;
     bool inPaper = false;
     for (SourceRecord& r : source.entities) {
@@ -266,7 +267,7 @@ void EncodeSource(SourceDrawing& source, int codePage, EncodedDrawing& out) {
     }
     c.owned[c.modelSpace] = WriteEntities(model, c.modelSpace, c);
     c.owned[c.paperSpace] = WriteEntities(paper, c.paperSpace, c);
-    WriteBlocks(source, c);
+    WriteBlocks(source, c, inserts);
     std::vector<const SourceRecord*> dictionaries;
     WriteObjects(source, c, dictionaries);
     const std::int32_t withDefault = ClassNumber(classes, "ACDBDICTIONARYWDFLT");
@@ -283,9 +284,10 @@ Acad::ErrorStatus EncodeDrawing(AcDbDatabase& db, int codePage, EncodedDrawing& 
     dxf::DrawingTags tags;
     Acad::ErrorStatus es = dxf::WriteDxfTags(db, options, tags);
     if (es != Acad::eOk) return es;
+    const std::vector<std::span<const SourceTag>> parts(tags.parts().begin(), tags.parts().end());
     SourceDrawing source;
     std::string error;
-    if (!ReadSource(tags.tags(), source, error)) {
+    if (!ReadSource(parts, source, error)) {
         db.setLastError(L"DWG writer: " + dxf::Wide(error));
         return Acad::eInvalidInput;
     }
@@ -315,8 +317,14 @@ std::vector<std::uint8_t> AssembleDwg(const AcDbDatabase& db, EncodedDrawing& en
     report.leftOut = c.leftOut;
     // Every object of the database that the file does not hold, by its record type: the kinds
     // without an encoder, and any object the drawing's records did not carry.
+    // The object map lists the written handles in their order.
+    const auto written = [&map](std::uint64_t handle) {
+        const auto at = std::lower_bound(map.begin(), map.end(), handle,
+                                         [](const ObjectLocation& l, std::uint64_t h) { return l.handle < h; });
+        return at != map.end() && at->handle == handle;
+    };
     for (const AcDbStub& stub : db.stubs()) {
-        if (!stub.object || stub.object->isErased() || c.written(stub.handle.value())) continue;
+        if (!stub.object || stub.object->isErased() || written(stub.handle.value())) continue;
         ++report.leftOut[dxf::TypeName(*stub.object)];
     }
     return out;

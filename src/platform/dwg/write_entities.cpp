@@ -10,6 +10,7 @@
 #include "platform/dwg/encode_entities.hpp"
 #include "platform/dwg/encode_tables.hpp"
 #include "platform/dwg/encode_texts.hpp"
+#include "platform/dwg/extended_data.hpp"
 #include "platform/dxf/tagger.hpp"
 
 namespace dwg {
@@ -38,7 +39,16 @@ ObjectCommon ObjectCommonOf(const SourceRecord& r, WriteContext& c, int handleCo
     o.reactors = r.group("{ACAD_REACTORS", 330);
     const auto dictionaries = r.group("{ACAD_XDICTIONARY", 360);
     if (!dictionaries.empty()) o.extensionDictionary = dictionaries.front();
+    o.extended = ExtendedDataOf(r, c);
     return o;
+}
+
+std::vector<ExtendedData> ExtendedDataOf(const SourceRecord& r, const WriteContext& c) {
+    const auto first = std::find_if(r.tags.begin(), r.tags.end(), [](const auto& tag) { return tag.first == 1001; });
+    if (first == r.tags.end()) return {};
+    std::vector<ExtendedGroup> groups;
+    for (auto it = first; it != r.tags.end(); ++it) groups.emplace_back(it->first, std::string(it->second));
+    return ExtendedDataOfGroups(groups, c.applications, c.layers, c.dwgCodePage, c.options.codePage);
 }
 
 // The entity's properties are those of its AcDbEntity subclass, as the DXF reader takes them; a
@@ -445,8 +455,8 @@ std::vector<std::uint64_t> Gathered(std::vector<EntityBatch>& batches, WriteCont
     for (EntityBatch& batch : batches) {
         while (!batch.part.objects.empty()) {
             auto node = batch.part.objects.extract(batch.part.objects.begin());
-            auto placed = c.objects.insert(std::move(node));
-            if (!placed.inserted) placed.position->second = std::move(placed.node.mapped());
+            auto placed = c.objects.insert(c.objects.end(), std::move(node));
+            if (node) placed->second = std::move(node.mapped());
         }
         for (const auto& [type, count] : batch.part.leftOut) c.leftOut[type] += count;
         top.insert(top.end(), batch.top.begin(), batch.top.end());

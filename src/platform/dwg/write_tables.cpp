@@ -4,6 +4,7 @@
 #include "platform/dwg/write_tables.hpp"
 
 #include <algorithm>
+#include <cctype>
 #include <iterator>
 #include <unordered_set>
 
@@ -173,8 +174,6 @@ SymbolRecord SymbolOf(const SourceRecord& r, std::string_view table, WriteContex
     return s;
 }
 
-constexpr std::int32_t kAppIdRecord = 67;
-
 struct TableKind {
     std::string_view name;
     std::int32_t control, record;
@@ -183,7 +182,7 @@ constexpr TableKind kTables[] = {
     {"BLOCK_RECORD", kBlockControl, kBlockHeader}, {"LAYER", kLayerControl, kLayer},
     {"STYLE", kStyleControl, kStyle},            {"LTYPE", kLinetypeControl, kLinetype},
     {"VIEW", 60, kView},                         {"UCS", 62, kUcs},
-    {"VPORT", 64, kViewport},                    {"APPID", 66, kAppIdRecord},
+    {"VPORT", 64, kViewport},                    {"APPID", 66, kAppId},
     {"DIMSTYLE", 68, kDimensionStyle}};
 
 }  // namespace
@@ -222,6 +221,7 @@ void IndexNames(const SourceDrawing& source, WriteContext& c) {
             : table.name == "STYLE"        ? &c.styles
             : table.name == "BLOCK_RECORD" ? &c.blocks
             : table.name == "DIMSTYLE"     ? &c.dimensionStyles
+            : table.name == "APPID"        ? &c.applications
                                            : nullptr;
         if (names == nullptr) continue;
         for (const SourceRecord& r : table.records) {
@@ -382,6 +382,35 @@ const SourceRecord* BlockRecordOf(const SourceDrawing& source, std::uint64_t han
 
 namespace {
 
+// The name a block record stores: an anonymous block's kind ("*D" of "*D4", a star, a letter
+// and a number) and "*Paper_Space" for the paper spaces beyond the first ("*Paper_Space0"), as
+// AutoCAD stores them; the BLOCK entity has the whole name. Other names are stored whole.
+std::string StoredBlockName(const std::string& name, bool anonymous, bool firstPaperSpace) {
+    const bool numberedKind = name.size() > 2 && name[0] == '*' &&
+                              std::isalpha(static_cast<unsigned char>(name[1])) &&
+                              name.find_first_not_of("0123456789", 2) == std::string::npos;
+    if (anonymous) return numberedKind ? name.substr(0, 2) : name;
+    constexpr std::string_view kPaperSpace = "*PAPER_SPACE";
+    if (!firstPaperSpace && name.size() > kPaperSpace.size() &&
+        NameKey(name.substr(0, kPaperSpace.size())) == kPaperSpace &&
+        name.find_first_not_of("0123456789", kPaperSpace.size()) == std::string::npos) {
+        return name.substr(0, kPaperSpace.size());
+    }
+    return name;
+}
+
+// The bytes of a record's binary groups of one code, in their order.
+std::string BinaryOf(const SourceRecord& r, int code) {
+    std::string out;
+    for (const auto& [tagCode, value] : r.tags) {
+        if (tagCode != code) continue;
+        for (std::size_t i = 0; i + 1 < value.size(); i += 2) {
+            out.push_back(static_cast<char>(std::stoi(std::string(value.substr(i, 2)), nullptr, 16)));
+        }
+    }
+    return out;
+}
+
 // A BLOCK or ENDBLK: the space it belongs to as the entities of that space say it (model space
 // 2, paper space 1, any other block by its owner's handle), and no extension dictionary or
 // reactors, which are its block record's.
@@ -394,15 +423,33 @@ EntityCommon BlockEntityCommonOf(const SourceRecord& r, std::uint64_t recordHand
 
 }  // namespace
 
-void WriteBlocks(const SourceDrawing& source, WriteContext& c) {
+BlockInserts InsertsOf(const SourceDrawing& source, const WriteContext& c) {
+    BlockInserts out;
+    auto note = [&](const SourceRecord& r) {
+        if (r.type != "INSERT") return;
+        const std::uint64_t block = WriteContext::find(c.blocks, r.text(2));
+        const std::uint64_t handle = r.handle(5);
+        if (block != 0 && handle != 0) out[block].push_back(handle);
+    };
+    for (const SourceRecord& r : source.entities) note(r);
+    for (const SourceBlock& b : source.blocks) {
+        for (const SourceRecord& r : b.entities) note(r);
+    }
+    for (auto& [block, handles] : out) std::sort(handles.begin(), handles.end());
+    return out;
+}
+
+void WriteBlocks(const SourceDrawing& source, WriteContext& c, const BlockInserts& inserts) {
     for (const SourceBlock& block : source.blocks) {
         const std::uint64_t recordHandle = block.begin.owner();
         const SourceRecord* record = BlockRecordOf(source, recordHandle);
         if (record == nullptr) continue;  // a block without its record is not written
         BlockHeaderRecord b;
         b.entry = EntryOf(*record, c);
-        b.entry.name = std::string(block.begin.text(2));
+        const std::string name(block.begin.text(2));
         const long long flags = block.begin.integer(70);
+        b.entry.name = StoredBlockName(name, (flags & 1) != 0, recordHandle == c.paperSpace);
+        b.entry.referenced = true;  // as AutoCAD marks every block record
         b.anonymous = (flags & 1) != 0;
         b.hasAttributes = (flags & 2) != 0;
         b.isXref = (flags & 4) != 0;
@@ -414,10 +461,13 @@ void WriteBlocks(const SourceDrawing& source, WriteContext& c) {
         b.explodable = record->integer(280, 1) != 0;
         b.scaling = static_cast<std::uint8_t>(record->integer(281));
         b.layout = record->handle(340);
+        b.preview = BinaryOf(*record, 310);
+        const auto referring = inserts.find(recordHandle);
+        if (referring != inserts.end()) b.inserts = referring->second;
 
         BlockBeginRecord begin;
         begin.common = BlockEntityCommonOf(block.begin, recordHandle, c);
-        begin.name = b.entry.name;
+        begin.name = name;
         b.blockEntity = begin.common.handle;
         c.add(begin.common.handle, EncodeBlockBegin(begin, c.options));
         const EntityCommon end = BlockEntityCommonOf(block.end, recordHandle, c);
@@ -527,7 +577,8 @@ XRecordRecord XRecordOf(const SourceRecord& r, WriteContext& c) {
         x.cloning = static_cast<std::int16_t>(cloning);
         first = 1;
     }
-    for (std::size_t i = first; i < body.tags.size(); ++i) {
+    // The groups up to the extended data, which ends the record.
+    for (std::size_t i = first; i < body.tags.size() && body.tags[i].first != 1001; ++i) {
         x.groups.emplace_back(body.tags[i].first, std::string(body.tags[i].second));
     }
     return x;

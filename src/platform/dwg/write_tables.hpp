@@ -1,6 +1,7 @@
 #pragma once
 // The parts of the DWG writer that turn table, block and object records into objects.
 #include <cstdint>
+#include <unordered_map>
 #include <vector>
 
 #include "platform/dwg/header.hpp"
@@ -12,9 +13,12 @@ namespace dwg {
 void IndexNames(const SourceDrawing& source, WriteContext& c);
 // Every table's records and control object; the control objects' handles go to handles.
 void WriteTables(const SourceDrawing& source, WriteContext& c, HeaderHandles& handles);
+// The INSERTs of each block record, by the record's handle, in the order of their handles.
+using BlockInserts = std::unordered_map<std::uint64_t, std::vector<std::uint64_t>>;
+BlockInserts InsertsOf(const SourceDrawing& source, const WriteContext& c);
 // Every block record with its BLOCK, entities and ENDBLK. The model and paper space entities
 // must be written first (their handles are in c.owned).
-void WriteBlocks(const SourceDrawing& source, WriteContext& c);
+void WriteBlocks(const SourceDrawing& source, WriteContext& c, const BlockInserts& inserts);
 // The objects other than dictionaries, which are collected to be written last (an entry whose
 // object was not written is left out of its dictionary).
 void WriteObjects(const SourceDrawing& source, WriteContext& c,

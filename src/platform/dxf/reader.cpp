@@ -169,7 +169,7 @@ std::string_view Builder::value(const Tag& tag) {
         DecodeText(tag.value, m_facts.codePage, m_scratch);
         return m_scratch;
     }
-    if (IsIntegerKind(kind)) {
+    if (IsIntegerKind(kind) && tag.made != Made::kInteger) {
         long long i;
         bool plain = ParseInteger(tag.value, i);
         if (!plain || tag.value.front() == '+') {
@@ -676,8 +676,10 @@ void RecordFeed::record(std::span<const Tag> tags) {
     for (Tag tag : tags) {
         tag.line = s.line + 1;
         s.line += 2;
-        if (KindOfCode(tag.code) != ValueKind::kString) tag.value = TrimBlanks(tag.value);
-        if ((s.error = CheckTag(tag)).error != DxfError::kNone) return;
+        if (!MadeNumberFits(tag)) {
+            if (KindOfCode(tag.code) != ValueKind::kString) tag.value = TrimBlanks(tag.value);
+            if ((s.error = CheckTag(tag)).error != DxfError::kNone) return;
+        }
         if (tag.code != 999) s.tags.push_back(tag);
     }
     if (!s.tags.empty()) s.error = s.builder.take(s.tags);

@@ -46,6 +46,14 @@ inline ReadError CheckTag(const Tag& tag) {
     return {};
 }
 
+// True for a value a decoder wrote from a number of a kind the group code takes (an integer
+// where an integer or a real goes, a real where a real goes): CheckTag passes it as it is.
+inline bool MadeNumberFits(const Tag& tag) {
+    if (tag.made == Made::kText) return false;
+    const ValueKind kind = KindOfCode(tag.code);
+    return kind == ValueKind::kDouble || (tag.made == Made::kInteger && IsIntegerKind(kind));
+}
+
 // Walks the records of the text: the 0 tag and every tag up to the next 0, checking each tag's
 // group code and number on the way. A bad tag ends the walk with error() set. Nothing after
 // EOF is read.

@@ -19,10 +19,15 @@ inline bool IsIntegerKind(ValueKind k) {
 // The value without the blanks (spaces, tabs) around it, as numbers are read.
 std::string_view TrimBlanks(std::string_view s);
 
+// How a value's text was made: read from a file, or written by a decoder from an integer or a
+// real, which gives it in the plain form that needs no check as a number of those kinds.
+enum class Made : std::uint8_t { kText, kInteger, kReal };
+
 struct Tag {
     int code = 0;
     std::string_view value;  // as the file has it; trimmed for every kind but strings
     int line = 0;            // line of the group code (ASCII text)
+    Made made = Made::kText;
 };
 
 // Walks the tags of an ASCII drawing file held in memory.

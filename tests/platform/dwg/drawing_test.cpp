@@ -6,10 +6,17 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <sstream>
+#include <streambuf>
 
 #include "platform/db/block_table_record.hpp"
 #include "platform/db/database.hpp"
+#include "platform/dwg/container.hpp"
 #include "platform/dwg/corpus_files.hpp"
+#include "platform/dwg/filed_objects.hpp"
+#include "platform/dwg/entities.hpp"
+#include "platform/dwg/object_builder.hpp"
+#include "platform/dwg/object_stream.hpp"
 #include "platform/dxf/dxf.hpp"
 #include "platform/win/codepage.hpp"
 
@@ -92,6 +99,136 @@ TEST(DwgRead, a_damaged_object_leaves_the_database_empty_and_names_offset_and_re
         << message;
     EXPECT_TRUE(db.stubs().empty());
     EXPECT_TRUE(db.headerVars().empty());
+}
+
+// A LINE of 2000 whose common entity data is whole and whose own values are missing: in model
+// space (mode 2), or owned by an object that is no block (mode 0 and that owner).
+std::vector<std::uint8_t> LineWithoutValues(std::uint64_t handle, int mode, std::uint64_t owner) {
+    dwg_test::ObjectParts p;
+    p.version = dwg::Version::kR2000;
+    p.type = dwg::kLine;
+    p.handle = handle;
+    auto& w = p.values;
+    w.BS(0);       // no extended data
+    w.B(false);    // no preview
+    w.BB(static_cast<unsigned>(mode));
+    w.BL(0);       // reactors
+    w.B(true);     // no links
+    w.BS(7);       // colour
+    w.BD(1.0);     // linetype scale
+    w.BB(0);       // linetype by layer
+    w.BB(0);       // plot style by layer
+    w.BS(0);       // visible
+    w.RC(29);      // lineweight by layer
+    if (mode == 0) p.handles.H(4, owner);
+    p.handles.H(3, 0);  // no extension dictionary
+    p.handles.H(5, 0x10);
+    return dwg_test::BuildObject(p);
+}
+
+// The drawing with its first LINE replaced by a shorter object in its place; the offset and
+// handle of that LINE.
+struct ReplacedLine {
+    std::vector<std::uint8_t> objects;
+    std::size_t offset = 0;
+    std::uint64_t handle = 0;
+};
+
+ReplacedLine ReplaceFirstLine(const std::vector<std::uint8_t>& file, int mode, std::uint64_t owner) {
+    const dwg::DwgSections sections = dwg_test::FileSections(file);
+    std::vector<dwg::ObjectLocation> map;
+    dwg::MapError error;
+    EXPECT_TRUE(dwg::ParseObjectMap(sections.objectMap, map, error));
+    ReplacedLine out{{sections.objects.begin(), sections.objects.end()}, 0, 0};
+    for (const dwg::ObjectLocation& at : map) {
+        dwg::ObjectStreams o;
+        if (!dwg::OpenObject(sections.objects, at.offset, sections.version, sections.codePage, o, error) ||
+            o.type != dwg::kLine)
+            continue;
+        const auto line = LineWithoutValues(at.handle, mode, owner);
+        EXPECT_LE(line.size(), o.size + 4);
+        std::copy(line.begin(), line.end(), out.objects.begin() + at.offset);
+        out.offset = static_cast<std::size_t>(at.offset);
+        out.handle = at.handle;
+        return out;
+    }
+    ADD_FAILURE() << "no LINE in the drawing";
+    return out;
+}
+
+// Entities are decoded whole when their block writes them; one that does not decode fails the
+// read as at the map, whether a block holds it or none does.
+TEST(DwgRead, an_entity_whose_values_do_not_decode_fails_the_read_wherever_it_belongs) {
+    const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_2000.dwg"));
+    for (const int mode : {2, 0}) {
+        SCOPED_TRACE(mode == 2 ? "in model space" : "owned by no block");
+        // Owner 1: the block control object, which writes no entities.
+        const ReplacedLine replaced = ReplaceFirstLine(file, mode, 1);
+        dwg::DwgSections sections = dwg_test::FileSections(file);
+        sections.objects = replaced.objects;
+        AcDbDatabase db(true, true);
+        EXPECT_EQ(dwg::ReadDwgSections(db, sections, "bad.dwg"), Acad::eDwgNeedsRecovery);
+        EXPECT_EQ(Utf8FromWide(db.lastError()), "bad.dwg: offset " + std::to_string(replaced.offset) +
+                                                     ": object " + std::to_string(replaced.handle) +
+                                                     " (LINE) does not hold what its type needs");
+        EXPECT_TRUE(db.stubs().empty());
+    }
+}
+
+// A file of 2004 handed over whole reads as the same bytes lent do, and keeps the same sections.
+TEST(DwgRead, a_2004_file_handed_over_reads_as_its_bytes_lent_do) {
+    const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_2004.dwg"));
+    AcDbDatabase lent(false, true), given(false, true);
+    ASSERT_EQ(dwg::ReadDwgBytes(lent, std::span<const std::uint8_t>(file), "a.dwg"), Acad::eOk);
+    ASSERT_EQ(dwg::ReadDwgBytes(given, std::vector<std::uint8_t>(file), "a.dwg"), Acad::eOk)
+        << Utf8FromWide(given.lastError());
+    EXPECT_EQ(given.stubs().size(), lent.stubs().size());
+    const auto& a = lent.dwgFiledObjects();
+    const auto& b = given.dwgFiledObjects();
+    EXPECT_FALSE(b.objects.empty());
+    EXPECT_EQ(b.header, a.header);
+    EXPECT_EQ(b.classes, a.classes);
+    EXPECT_EQ(b.objectMap, a.objectMap);
+    EXPECT_EQ(b.objects, a.objects);
+}
+
+// The kept sections are the container's buffers moved into the database, not copies of them;
+// without the container they are copied.
+TEST(DwgRead, filed_sections_are_moved_out_of_the_container_that_holds_them) {
+    const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_2004.dwg"));
+    dwg::DwgContainer container;
+    dwg::MapError error;
+    ASSERT_TRUE(dwg::ReadDwgContainer(file, container, error));
+    const dwg::DwgSections sections = dwg::SectionsOf(container, file);
+    const std::vector<std::uint8_t> objects(sections.objects.begin(), sections.objects.end());
+    const std::vector<std::uint8_t> header(sections.header.begin(), sections.header.end());
+    AcDbDatabase copied(false, true), moved(false, true);
+    dwg::KeepFiledObjects(copied, sections);
+    EXPECT_NE(copied.dwgFiledObjects().objects.data(), sections.objects.data());
+    dwg::KeepFiledObjects(moved, sections, &container);
+    EXPECT_EQ(moved.dwgFiledObjects().objects.data(), sections.objects.data());
+    EXPECT_EQ(moved.dwgFiledObjects().header.data(), sections.header.data());
+    EXPECT_EQ(moved.dwgFiledObjects().objects, objects);
+    EXPECT_EQ(moved.dwgFiledObjects().header, header);
+    EXPECT_EQ(copied.dwgFiledObjects().objects, objects);
+}
+
+// A stream is read from where it stands to its end, in one go when it can tell its size and
+// as it comes when it cannot (a pipe).
+TEST(DwgRead, stream_bytes_are_read_from_where_the_stream_stands) {
+    std::istringstream seekable(std::string("AC1018-rest"));
+    char head[6];
+    seekable.read(head, sizeof head);
+    const std::vector<std::uint8_t> rest = dwg::StreamBytes(seekable);
+    EXPECT_EQ(std::string(rest.begin(), rest.end()), "-rest");
+    struct Unseekable : std::streambuf {
+        explicit Unseekable(std::string& s) { setg(s.data(), s.data(), s.data() + s.size()); }
+    };
+    std::string text = "AC1018 piped";
+    Unseekable buffer(text);
+    std::istream piped(&buffer);
+    const std::vector<std::uint8_t> all = dwg::StreamBytes(piped);
+    EXPECT_EQ(std::string(all.begin(), all.end()), "AC1018 piped");
 }
 
 TEST(DwgRead, a_damaged_header_section_is_named_in_the_reason) {

@@ -13,6 +13,7 @@
 #include "platform/db/database.hpp"
 #include "platform/db/line.hpp"
 #include "platform/db/symbol_tables.hpp"
+#include "platform/dwg/corpus_drawings.hpp"
 #include "platform/dwg/write.hpp"
 #include "platform/dwg/write_context.hpp"
 #include "platform/dxf/dxf.hpp"
@@ -65,16 +66,9 @@ void ExpectSameFile(AcDbDatabase& db, int codePage, const std::string& name) {
 }
 
 TEST(DwgRecordSource, corpus_drawings_written_from_tags_as_from_text) {
-    int drawings = 0;
-    for (const char* folder : {"/work/shared/corpus/dxf", "/work/shared/corpus/dwg"}) {
-        if (!std::filesystem::exists(folder)) continue;
-        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-            AcDbDatabase db(false, true);
-            if (db.readDwgFile(dxf::Wide(entry.path().string()).c_str()) != Acad::eOk) continue;
-            ExpectSameFile(db, 936, entry.path().filename().string());
-            ++drawings;
-        }
-    }
+    const int drawings = dwg_test::ForEachCorpusDrawing([](AcDbDatabase& db, const std::filesystem::path& path) {
+        ExpectSameFile(db, 936, path.filename().string());
+    });
     EXPECT_GT(drawings, 20);
 }
 

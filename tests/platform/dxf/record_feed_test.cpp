@@ -104,6 +104,56 @@ TEST(DxfRecordFeed, bad_number_names_the_line_of_its_value) {
     EXPECT_TRUE(db.stubs().empty());
 }
 
+// A drawing of one entity record handed to a feed as a decoder hands it.
+Acad::ErrorStatus FeedEntity(AcDbDatabase& db, const std::vector<dxf::Tag>& entity) {
+    dxf::RecordFeed feed(db, "t.dxf");
+    auto record = [&](std::initializer_list<dxf::Tag> tags) { feed.record(std::vector<dxf::Tag>(tags)); };
+    record({{0, "SECTION"}, {2, "HEADER"}, {9, "$ACADVER"}, {1, "AC1015"}});
+    record({{0, "ENDSEC"}});
+    record({{0, "SECTION"}, {2, "ENTITIES"}});
+    feed.record(entity);
+    record({{0, "ENDSEC"}});
+    for (const char* section : {"TABLES", "BLOCKS", "OBJECTS"}) {
+        record({{0, "SECTION"}, {2, section}});
+        record({{0, "ENDSEC"}});
+    }
+    record({{0, "EOF"}});
+    return feed.finish();
+}
+
+// Values a decoder made from numbers skip the check a file's text needs only where they fit
+// the group code: an integer where an integer or a real goes, a real where a real goes. A real
+// where an integer goes is checked as text, and refused when it has a fraction.
+TEST(DxfRecordFeed, numbers_made_by_a_decoder_build_and_fail_as_the_same_text_in_a_file) {
+    using dxf::Made;
+    struct MadeCase {
+        const char* behaviour;
+        dxf::Tag tag;
+        const char* text;  // the same tag in a file
+    };
+    const MadeCase cases[] = {
+        {"an integer for a real", {10, "2", 0, Made::kInteger}, "10\n2\n"},
+        {"a real for a real", {10, "1.5", 0, Made::kReal}, "10\n1.5\n"},
+        {"an integer for an integer", {62, "3", 0, Made::kInteger}, "62\n3\n"},
+        {"a whole real for an integer", {62, "3.0", 0, Made::kReal}, "62\n3.0\n"},
+        {"a real with a fraction for an integer", {62, "3.5", 0, Made::kReal}, "62\n3.5\n"},
+        {"an integer for a text", {1, "12", 0, Made::kInteger}, "1\n12\n"},
+        {"an integer under an unknown code", {85, "1", 0, Made::kInteger}, "85\n1\n"},
+    };
+    for (const MadeCase& c : cases) {
+        SCOPED_TRACE(c.behaviour);
+        AcDbDatabase read(false, true), fed(false, true);
+        const Acad::ErrorStatus expected =
+            dxf::ReadDxfBytes(read, Drawing(std::string("0\nTEXT\n5\n2A\n8\n0\n40\n1\n") + c.text), "t.dxf");
+        const std::vector<dxf::Tag> entity = {{0, "TEXT"}, {5, "2A"}, {8, "0"}, {40, "1"}, c.tag};
+        EXPECT_EQ(FeedEntity(fed, entity), expected);
+        EXPECT_EQ(Utf8FromWide(fed.lastError()), Utf8FromWide(read.lastError()));
+        if (expected == Acad::eOk) {
+            EXPECT_EQ(Written(fed), Written(read));
+        }
+    }
+}
+
 // The feed takes values as a decoder makes them: blanks around a number are dropped as a file's
 // are, those of a text kept.
 TEST(DxfRecordFeed, blanks_around_a_fed_number_are_dropped_and_a_texts_kept) {
