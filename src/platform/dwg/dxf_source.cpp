@@ -151,7 +151,7 @@ struct Grouping {
             out.classes.push_back(r);
         } else if (section == "TABLES") {
             if (r.type == "TABLE") {
-                out.tables.push_back({r.text(2), r.handle(5), {}});
+                out.tables.push_back({r.text(2), r.handle(5), {}, r});
             } else if (r.type != "ENDTAB" && !out.tables.empty()) {
                 out.tables.back().records.push_back(r);
             }

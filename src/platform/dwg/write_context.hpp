@@ -26,7 +26,7 @@ std::string NameKey(std::string_view name);
 struct WriteContext {
     EncodeOptions options;
     std::unordered_map<std::string, std::uint64_t> layers, linetypes, styles, blocks;
-    std::unordered_map<std::string, std::uint64_t> dimensionStyles;
+    std::unordered_map<std::string, std::uint64_t> dimensionStyles, applications;
     std::uint64_t modelSpace = 0, paperSpace = 0;
     std::uint64_t nextHandle = 1;  // for records that come without one
     std::map<std::uint64_t, std::vector<std::uint8_t>> objects;
@@ -77,8 +77,16 @@ bool WriteAnnotation(const SourceRecord& r, EntityCommon common, WriteContext& c
 // record holds and the hatch cannot (a gradient colour's index) is counted in leftOut.
 HatchRecord HatchOf(const SourceRecord& r, EntityCommon common, std::map<std::string, int>& leftOut);
 
+// The extended data of a record: its groups from the first 1001 on.
+std::vector<ExtendedData> ExtendedDataOf(const SourceRecord& r, const WriteContext& c);
+
 // An entity's common data from its record.
 EntityCommon EntityCommonOf(const SourceRecord& r, std::uint64_t owner, WriteContext& c);
+
+// The common data of an entity the database holds as a part of its owner (BLOCK, ENDBLK,
+// VERTEX, SEQEND): its record carries its owner's reactors, extension dictionary and extended
+// data, which are not the part's. BLOCK and ENDBLK are stored by space as entities are.
+EntityCommon PartCommonOf(const SourceRecord& r, std::uint64_t owner, WriteContext& c);
 
 // The dimension variables of a new drawing, for those a record or the header does not give.
 DimensionVariables NewDrawingDimensionVariables();

@@ -10,6 +10,7 @@
 #include "platform/dwg/encode_entities.hpp"
 #include "platform/dwg/encode_tables.hpp"
 #include "platform/dwg/encode_texts.hpp"
+#include "platform/dwg/extended_data.hpp"
 #include "platform/dxf/tagger.hpp"
 
 namespace dwg {
@@ -38,7 +39,16 @@ ObjectCommon ObjectCommonOf(const SourceRecord& r, WriteContext& c, int handleCo
     o.reactors = r.group("{ACAD_REACTORS", 330);
     const auto dictionaries = r.group("{ACAD_XDICTIONARY", 360);
     if (!dictionaries.empty()) o.extensionDictionary = dictionaries.front();
+    o.extended = ExtendedDataOf(r, c);
     return o;
+}
+
+std::vector<ExtendedData> ExtendedDataOf(const SourceRecord& r, const WriteContext& c) {
+    const auto first = std::find_if(r.tags.begin(), r.tags.end(), [](const auto& tag) { return tag.first == 1001; });
+    if (first == r.tags.end()) return {};
+    std::vector<ExtendedGroup> groups;
+    for (auto it = first; it != r.tags.end(); ++it) groups.emplace_back(it->first, std::string(it->second));
+    return ExtendedDataOfGroups(groups, c.applications, c.layers, c.dwgCodePage, c.options.codePage);
 }
 
 // The entity's properties are those of its AcDbEntity subclass, as the DXF reader takes them; a
@@ -77,8 +87,18 @@ EntityCommon EntityCommonOf(const SourceRecord& record, std::uint64_t owner, Wri
     }
     e.lineweight = LineweightIndex(static_cast<int>(r.integer(370, -1)));
     e.linetypeScale = r.real(48, 1.0);
+    e.plotStyleFlags = static_cast<std::uint8_t>(r.integer(380, 0) & 3);
+    if (e.plotStyleFlags == 3) e.plotStyle = r.handle(390);
     e.invisible = static_cast<std::int16_t>(r.integer(60, 0));
     return e;
+}
+
+EntityCommon PartCommonOf(const SourceRecord& r, std::uint64_t owner, WriteContext& c) {
+    EntityCommon common = EntityCommonOf(r, owner, c);
+    common.extensionDictionary = 0;
+    common.reactors.clear();
+    common.extended.clear();
+    return common;
 }
 
 namespace {
@@ -327,7 +347,7 @@ std::uint64_t EntityWriter::writeSeqend(std::size_t& i, std::uint64_t owner) {
         c.add(common.handle, EncodeCommonOnly(common, kSeqend, c.options));
         return common.handle;
     }
-    EntityCommon common = EntityCommonOf(records[i], owner, c);
+    EntityCommon common = PartCommonOf(records[i], owner, c);
     common.mode = 0;
     ++i;
     c.add(common.handle, EncodeCommonOnly(common, kSeqend, c.options));
@@ -362,7 +382,7 @@ std::size_t EntityWriter::writePolyline(std::size_t i, EntityCommon common, std:
     const std::size_t end = OwnedEnd(records, i + 1);
     std::size_t next = i + 1;
     for (; next < end; ++next) {
-        EntityCommon vc = EntityCommonOf(records[next], polyline.common.handle, c);
+        EntityCommon vc = PartCommonOf(records[next], polyline.common.handle, c);
         vc.mode = 0;
         const std::uint64_t handle = vc.handle;
         c.add(handle, EncodeVertex(VertexOf(records[next], std::move(vc), kind), c.options));

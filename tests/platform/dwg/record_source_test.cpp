@@ -19,6 +19,7 @@
 #include "platform/dxf/dxf.hpp"
 #include "platform/dxf/model.hpp"
 #include "platform/dxf/tagger.hpp"
+#include "shared_folder.hpp"
 
 namespace {
 
@@ -74,10 +75,10 @@ TEST(DwgRecordSource, corpus_drawings_written_from_tags_as_from_text) {
 // A generated plate drawing of 10000 entities: the model space is long enough for the DXF
 // writer to make its records a batch per thread.
 TEST(DwgRecordSource, generated_plate_drawing_written_from_tags_as_from_text) {
-    const char* generator = "/work/shared/bench/gen_plates.py";
-    if (!std::filesystem::exists(generator)) GTEST_SKIP() << generator << " not found";
+    const std::filesystem::path generator = SharedFile("bench/gen_plates.py");
+    if (!std::filesystem::exists(generator)) GTEST_SKIP() << generator.string() << " not found (TAVRIK_SHARED names its folder)";
     const std::string path = (std::filesystem::temp_directory_path() / "record_source_plates.dxf").string();
-    const std::string command = std::string("/usr/bin/python3 ") + generator + " 10000 " + path + " > /dev/null";
+    const std::string command = "/usr/bin/python3 " + generator.string() + " 10000 " + path + " > /dev/null";
     ASSERT_EQ(std::system(command.c_str()), 0) << command;
     AcDbDatabase db(false, true);
     ASSERT_EQ(dxf::ReadDxfFile(db, path), Acad::eOk);
