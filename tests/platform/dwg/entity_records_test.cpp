@@ -20,6 +20,16 @@ using dwg::SourceTag;
 
 namespace {
 
+// The objects of a drawing's records as encoded.
+dwg::EncodedDrawing EncodedFrom(const std::vector<SourceTag>& tags) {
+    dwg::SourceDrawing source;
+    std::string error;
+    EXPECT_TRUE(dwg::ReadSource(tags, source, error)) << error;
+    dwg::EncodedDrawing encoded;
+    dwg::EncodeSource(source, 1252, encoded);
+    return encoded;
+}
+
 // A drawing of the least the writer needs (layer 0, the model space), two text styles
 // (STANDARD 11, NOTES 12) and the entity records given, whose first handle is 30; their objects
 // as encoded.
@@ -40,12 +50,7 @@ dwg::EncodedDrawing Encoded(const std::vector<SourceTag>& entities) {
         {0, "SECTION"}, {2, "ENTITIES"}};
     tags.insert(tags.end(), entities.begin(), entities.end());
     tags.insert(tags.end(), {{0, "ENDSEC"}, {0, "EOF"}});
-    dwg::SourceDrawing source;
-    std::string error;
-    EXPECT_TRUE(dwg::ReadSource(tags, source, error)) << error;
-    dwg::EncodedDrawing encoded;
-    dwg::EncodeSource(source, 1252, encoded);
-    return encoded;
+    return EncodedFrom(tags);
 }
 
 // The object of a handle opened for its reader; false when there is none.
@@ -295,5 +300,58 @@ TEST(DwgEntityRecords, vertex_keeps_its_widths_bulge_and_tangent) {
     EXPECT_EQ(back.bulge, 0.25);
     EXPECT_NEAR(back.tangent, M_PI / 2, 1e-12);
 }
+
+// A record without a handle takes one above every handle the drawing's records give, whichever
+// record gives the highest: a dimension style by its 105, a block's BLOCK record, a record
+// whose handle comes after its name.
+struct HighestCase {
+    const char* name;
+    std::vector<SourceTag> records;  // tables and blocks, highest handle C0
+};
+
+class DwgNewHandles : public ::testing::TestWithParam<HighestCase> {};
+
+TEST_P(DwgNewHandles, line_without_a_handle_is_numbered_above_the_highest) {
+    std::vector<SourceTag> tags = {
+        {0, "SECTION"}, {2, "TABLES"},
+        {0, "TABLE"}, {2, "LAYER"}, {5, "2"},
+        {0, "LAYER"}, {5, "10"}, {2, "0"},
+        {0, "ENDTAB"},
+        {0, "TABLE"}, {2, "BLOCK_RECORD"}, {5, "1"},
+        {0, "BLOCK_RECORD"}, {5, "1F"}, {2, "*MODEL_SPACE"},
+        {0, "BLOCK_RECORD"}, {5, "1E"}, {2, "*PAPER_SPACE"},
+        {0, "ENDTAB"}};
+    tags.insert(tags.end(), GetParam().records.begin(), GetParam().records.end());
+    tags.insert(tags.end(), {{0, "SECTION"}, {2, "ENTITIES"},
+                             {0, "LINE"}, {100, "AcDbEntity"}, {8, "0"}, {100, "AcDbLine"},
+                             {10, "0"}, {20, "0"}, {11, "1"}, {21, "1"},
+                             {0, "ENDSEC"}, {0, "EOF"}});
+    const dwg::EncodedDrawing encoded = EncodedFrom(tags);
+    const auto model = encoded.context.owned.find(encoded.context.modelSpace);
+    ASSERT_NE(model, encoded.context.owned.end());
+    ASSERT_EQ(model->second.size(), 1u);
+    EXPECT_GT(model->second[0], 0xC0u);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Records, DwgNewHandles,
+    ::testing::Values(
+        HighestCase{"dimension_style",
+                    {{0, "TABLE"}, {2, "DIMSTYLE"}, {5, "4"},
+                     {0, "DIMSTYLE"}, {105, "C0"}, {2, "STANDARD"},
+                     {0, "ENDTAB"}, {0, "ENDSEC"}}},
+        HighestCase{"block_begin",
+                    {{0, "ENDSEC"},
+                     {0, "SECTION"}, {2, "BLOCKS"},
+                     {0, "BLOCK"}, {5, "C0"}, {330, "1F"}, {100, "AcDbEntity"}, {8, "0"},
+                     {100, "AcDbBlockBegin"}, {2, "*MODEL_SPACE"},
+                     {0, "ENDBLK"}, {5, "B0"}, {330, "1F"}, {100, "AcDbEntity"}, {8, "0"},
+                     {100, "AcDbBlockEnd"},
+                     {0, "ENDSEC"}}},
+        HighestCase{"handle_after_the_name",
+                    {{0, "TABLE"}, {2, "LTYPE"}, {5, "5"},
+                     {0, "LTYPE"}, {2, "PHANTOM"}, {5, "C0"},
+                     {0, "ENDTAB"}, {0, "ENDSEC"}}}),
+    [](const ::testing::TestParamInfo<HighestCase>& info) { return std::string(info.param.name); });
 
 }  // namespace
