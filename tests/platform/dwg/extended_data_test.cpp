@@ -110,9 +110,11 @@ TEST(DwgExtendedData, groups_the_format_cannot_hold_leave_their_application_out)
         {{1040, "1.0x"}},
         {{1005, "XYZ"}},                                  // not a handle
         {{1006, "1"}},                                    // no such group
+        {{1010, "1.0"}, {1020, "0.0"}},                   // a point cut short
     };
     for (const auto& items : cases) {
-        std::vector<ExtendedGroup> groups = {{1001, "ACAD"}};
+        // After an item that is well formed: the whole application goes.
+        std::vector<ExtendedGroup> groups = {{1001, "ACAD"}, {1070, "1"}};
         groups.insert(groups.end(), items.begin(), items.end());
         EXPECT_TRUE(Encoded(groups).empty()) << items.front().first << " " << items.front().second.substr(0, 8);
     }
@@ -130,7 +132,9 @@ TEST(DwgExtendedData, empty_chunk_at_the_end_round_trips) {
 TEST(DwgExtendedData, item_cut_short_leaves_its_application_out) {
     const std::string cut[] = {Bytes({0, 5, 0, 0x1E, 'A', 'r'}), Bytes({71, 1, 0, 1}), Bytes({70, 1}),
                                Bytes({40, 0, 0, 0}), Bytes({10, 0, 0, 0}), Bytes({5, 0, 0}), Bytes({4, 3, 1}),
-                               Bytes({2}), Bytes({4})};
+                               Bytes({2}), Bytes({4}),
+                               // cut short before bytes that would read as an item
+                               Bytes({0, 5, 0, 0x1E, 70, 1, 0}), Bytes({71, 70, 1, 0})};
     for (const std::string& bytes : cut) {
         const std::vector<ExtendedData> stored = {{0x12, Bytes({70, 9, 0}) + bytes}};
         EXPECT_TRUE(dwg::ExtendedGroupsOf(stored, kApplications, kLayers, 1252).empty()) << bytes.size();
