@@ -104,6 +104,66 @@ TEST(DxfRecordFeed, bad_number_names_the_line_of_its_value) {
     EXPECT_TRUE(db.stubs().empty());
 }
 
+// An integer code takes a whole number written as a real ("3.0"), and refuses one with a
+// fraction, in a file and from a feed alike.
+TEST(DxfRecordFeed, integer_codes_take_whole_reals_and_refuse_fractions) {
+    const std::string whole = Drawing("0\nTEXT\n5\n2A\n8\n0\n40\n1\n62\n3.0\n");
+    const std::string fraction = Drawing("0\nTEXT\n5\n2A\n8\n0\n40\n1\n62\n3.5\n");
+    for (const bool fed : {false, true}) {
+        SCOPED_TRACE(fed ? "fed" : "read");
+        AcDbDatabase a(false, true), b(false, true);
+        EXPECT_EQ(fed ? Feed(a, whole, "t.dxf") : dxf::ReadDxfBytes(a, whole, "t.dxf"), Acad::eOk);
+        EXPECT_EQ(fed ? Feed(b, fraction, "t.dxf") : dxf::ReadDxfBytes(b, fraction, "t.dxf"),
+                  Acad::eBadDxfFile);
+        EXPECT_EQ(Utf8FromWide(b.lastError()),
+                  "t.dxf:24: DXF005 value '3.5' of group code 62 is not a number");
+    }
+}
+
+// A value that is no number is quoted in the message by its first 40 characters.
+TEST(DxfRecordFeed, a_long_bad_number_is_quoted_by_its_first_forty_characters) {
+    const std::string value = std::string(40, '7') + "x123456789";
+    AcDbDatabase read(false, true), fed(false, true);
+    const std::string text = Drawing("0\nLINE\n5\n2A\n8\n0\n10\n" + value + "\n");
+    EXPECT_EQ(dxf::ReadDxfBytes(read, text, "t.dxf"), Acad::eBadDxfFile);
+    EXPECT_EQ(Feed(fed, text, "t.dxf"), Acad::eBadDxfFile);
+    for (const AcDbDatabase* db : {&read, &fed}) {
+        EXPECT_EQ(Utf8FromWide(db->lastError()),
+                  "t.dxf:22: DXF005 value '" + std::string(40, '7') + "' of group code 10 is not a number");
+    }
+}
+
+// The order of sections, read from a file and from a feed alike, with the line each fault
+// names: a section named by a tag other than 2, a long record name outside a section quoted by
+// its first 40 characters, and the sections an AC1015 drawing needs that an AC1014 one may lack.
+TEST(DxfRecordFeed, section_order_faults_name_their_lines_and_versions_their_sections) {
+    struct OrderCase {
+        const char* behaviour;
+        std::string text;
+        Acad::ErrorStatus status;
+        std::string message;
+    };
+    const std::string entities = "0\nSECTION\n2\nENTITIES\n0\nENDSEC\n0\nEOF\n";
+    const std::string head14 = "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1014\n0\nENDSEC\n";
+    const OrderCase cases[] = {
+        {"a section named by another code", kHead + "0\nSECTION\n3\nENTITIES\n" + kTail,
+         Acad::eBadDxfFile, "t.dxf:13: DXF007 SECTION without a name"},
+        {"a long record outside a section", kHead + "0\n" + std::string(45, 'R') + "\n" + kTail,
+         Acad::eBadDxfFile, "t.dxf:11: DXF007 record " + std::string(40, 'R') + " outside a section"},
+        {"AC1014 without tables, blocks and objects", head14 + entities, Acad::eOk, ""},
+        {"AC1015 without tables, blocks and objects", kHead + entities, Acad::eMissingDxfSection,
+         "t.dxf:17: DXF006 no TABLES section"},
+    };
+    for (const OrderCase& c : cases) {
+        SCOPED_TRACE(c.behaviour);
+        AcDbDatabase read(false, true), fed(false, true);
+        EXPECT_EQ(dxf::ReadDxfBytes(read, c.text, "t.dxf"), c.status);
+        EXPECT_EQ(Feed(fed, c.text, "t.dxf"), c.status);
+        EXPECT_EQ(Utf8FromWide(read.lastError()), c.message);
+        EXPECT_EQ(Utf8FromWide(fed.lastError()), c.message);
+    }
+}
+
 // A drawing of one entity record handed to a feed as a decoder hands it.
 Acad::ErrorStatus FeedEntity(AcDbDatabase& db, const std::vector<dxf::Tag>& entity) {
     dxf::RecordFeed feed(db, "t.dxf");
