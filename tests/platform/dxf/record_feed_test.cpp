@@ -7,8 +7,10 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "platform/db/object.hpp"
 #include "platform/dxf/dxf.hpp"
 #include "platform/dxf/tagger.hpp"
 #include "platform/win/codepage.hpp"
@@ -117,6 +119,38 @@ TEST(DxfRecordFeed, integer_codes_take_whole_reals_and_refuse_fractions) {
                   Acad::eBadDxfFile);
         EXPECT_EQ(Utf8FromWide(b.lastError()),
                   "t.dxf:24: DXF005 value '3.5' of group code 62 is not a number");
+    }
+}
+
+Acad::ErrorStatus FeedEntity(AcDbDatabase& db, const std::vector<dxf::Tag>& entity);
+
+// The value of the first tag of `code` an object of the database keeps; empty when none has one.
+std::string KeptValue(const AcDbDatabase& db, int code) {
+    for (const AcDbStub& stub : db.stubs()) {
+        if (!stub.object) continue;
+        for (const AcDbRawTag& t : stub.object->fileTags())
+            if (t.code == code) return std::string(t.value);
+    }
+    return {};
+}
+
+// An integer is kept in its plain form, however the file or the decoder wrote it: "+3" and
+// "3.0" from a file, "3.0" made from a real and "3" made from an integer are all kept as "3".
+TEST(DxfRecordFeed, integers_are_kept_in_their_plain_form) {
+    using dxf::Made;
+    for (const char* text : {"+3", "3.0", "3"}) {
+        SCOPED_TRACE(text);
+        AcDbDatabase db(false, true);
+        const std::string drawing = Drawing("0\nTEXT\n5\n2A\n8\n0\n40\n1\n62\n" + std::string(text) + "\n");
+        ASSERT_EQ(dxf::ReadDxfBytes(db, drawing, "t.dxf"), Acad::eOk);
+        EXPECT_EQ(KeptValue(db, 62), "3");
+    }
+    const std::pair<const char*, Made> made[] = {{"3.0", Made::kReal}, {"3", Made::kInteger}};
+    for (const auto& [text, how] : made) {
+        SCOPED_TRACE(text);
+        AcDbDatabase db(false, true);
+        ASSERT_EQ(FeedEntity(db, {{0, "TEXT"}, {5, "2A"}, {8, "0"}, {40, "1"}, {62, text, 0, how}}), Acad::eOk);
+        EXPECT_EQ(KeptValue(db, 62), "3");
     }
 }
 
