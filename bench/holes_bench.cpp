@@ -16,6 +16,7 @@
 #include <string>
 #include <vector>
 
+#include "drawing_queries.hpp"
 #include "platform/db/block_table_record.hpp"
 #include "platform/db/circle.hpp"
 #include "platform/db/line.hpp"
@@ -49,15 +50,6 @@ void Append(AcDbBlockTableRecord* model, AcDbDatabase& db, AcDbEntity* entity, c
     entity->close();
 }
 
-AcDbBlockTableRecord* OpenModelSpace(AcDbDatabase& db) {
-    AcDbBlockTable* blocks = nullptr;
-    db.getSymbolTable(blocks, AcDb::kForRead);
-    AcDbBlockTableRecord* model = nullptr;
-    blocks->getAt(ACDB_MODEL_SPACE, model, AcDb::kForWrite);
-    blocks->close();
-    return model;
-}
-
 AcDbCircle* Circle(double x, double y, double diameter) {
     return new AcDbCircle(AcGePoint3d(x, y, 0), AcGeVector3d::kZAxis, diameter / 2);
 }
@@ -69,7 +61,7 @@ bool WriteLibrary() {
                                    936));
     WriteFile(kDrawing, "x");
     AcDbDatabase symbol(true, false);
-    AcDbBlockTableRecord* model = OpenModelSpace(symbol);
+    AcDbBlockTableRecord* model = OpenModelSpace(symbol, AcDb::kForWrite);
     Append(model, symbol, Circle(0, 0, 5), L"0");
     Append(model, symbol, Circle(0, 0, 6), L"0");
     Append(model, symbol, new AcDbLine(AcGePoint3d(-6, 0, 0), AcGePoint3d(6, 0, 0)), L"0");
@@ -82,7 +74,7 @@ bool WriteLibrary() {
 
 std::unique_ptr<AcDbDatabase> MakeDrawing(int entities) {
     auto db = std::make_unique<AcDbDatabase>(true, false);
-    AcDbBlockTableRecord* model = OpenModelSpace(*db);
+    AcDbBlockTableRecord* model = OpenModelSpace(*db, AcDb::kForWrite);
     int cells = std::max(1, entities / kEntitiesPerCell);
     int side = static_cast<int>(std::ceil(std::sqrt(static_cast<double>(cells))));
     for (int c = 0; c < cells; ++c) {
@@ -104,7 +96,7 @@ std::unique_ptr<AcDbDatabase> MakeDrawing(int entities) {
 
 // The reference: one walk opening and closing every entity.
 void OpenEveryEntity(AcDbDatabase& db) {
-    AcDbBlockTableRecord* model = OpenModelSpace(db);
+    AcDbBlockTableRecord* model = OpenModelSpace(db, AcDb::kForWrite);
     AcDbBlockTableRecordIterator* it = nullptr;
     model->newIterator(it);
     for (; !it->done(); it->step()) {

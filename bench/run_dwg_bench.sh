@@ -5,16 +5,17 @@
 # writer; entity kinds the writer does not encode yet are missing from it, so the line of each
 # reader gives the entities it read. Memory target: our peak above start under 4x the file size.
 set -e
+. "$(dirname "$0")/shared.sh"
 build=${1:?build directory}
 n=${2:-100000}
 repeat=${3:-3}
 root=$(cd "$(dirname "$0")/.." && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-/usr/bin/python3 /work/shared/bench/gen_plates.py "$n" "$work/plates.dxf" >/dev/null
+gen_plates "$n" "$work/plates.dxf" >/dev/null
 dwg="$work/plates.dwg"
 if ! "$build/bin/tavrik" convert "$work/plates.dxf" "$dwg" 2>/dev/null || [ ! -s "$dwg" ]; then
-  dwg=/work/shared/corpus/dwg/example_2004.dwg
+  dwg=$(shared_file corpus/dwg/example_2004.dwg)
   echo "no DWG writer in this build: reading $dwg, the largest AC1018 drawing of the corpus"
 fi
 "$build/bench/dwg_bench" "$dwg" "$repeat" | tee "$work/tavrik.txt"

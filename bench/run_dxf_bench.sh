@@ -3,11 +3,12 @@
 # and by ezdxf in the same run, and the codec's speed as a multiple of ezdxf's:
 #   run_dxf_bench.sh BUILD_DIR [N]
 set -e
+. "$(dirname "$0")/shared.sh"
 build=${1:?build directory}
 n=${2:-100000}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-/usr/bin/python3 /work/shared/bench/gen_plates.py "$n" "$work/plates.dxf"
+gen_plates "$n" "$work/plates.dxf"
 "$build/bench/dxf_bench" "$work/plates.dxf" "$work/tavrik.dxf" | tee "$work/tavrik.txt"
 /usr/bin/python3 "$(dirname "$0")/ezdxf_bench.py" "$work/plates.dxf" "$work/ezdxf.dxf" | tee "$work/ezdxf.txt"
 # Both lines begin "NAME read R s write W s"; ours goes on "(processor P s)": the write formats on

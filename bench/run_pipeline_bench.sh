@@ -6,12 +6,13 @@
 # The batch runs on a copy of the example workshop whose hand-off holds only this sheet. Its
 # total includes the host's own wait of 2 s before it closes (the quit timer).
 set -e
+. "$(dirname "$0")/shared.sh"
 build=${1:?build directory}
 n=${2:-100000}
 here=$(cd "$(dirname "$0")" && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-/usr/bin/python3 /work/shared/bench/gen_plates.py "$n" "$work/plates.dxf"
+gen_plates "$n" "$work/plates.dxf"
 /usr/bin/python3 "$here/plate_sheet.py" "$work/plates.dxf" "$work/sheet.dxf"
 "$build/bench/dxf_bench" "$work/sheet.dxf" "$work/codec.dxf" | tee "$work/codec.txt"
 cp -r "$here/../examples/workshop" "$work/prefix"

@@ -6,13 +6,14 @@
 # information (RelWithDebInfo):
 #   run_pipeline_steps.sh BUILD_DIR [N]
 set -e
+. "$(dirname "$0")/shared.sh"
 build=${1:?build directory}
 n=${2:-100000}
 here=$(cd "$(dirname "$0")" && pwd)
 command -v perf > /dev/null || { echo "run_pipeline_steps.sh: perf is not installed" >&2; exit 2; }
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-/usr/bin/python3 /work/shared/bench/gen_plates.py "$n" "$work/plates.dxf"
+gen_plates "$n" "$work/plates.dxf"
 /usr/bin/python3 "$here/plate_sheet.py" "$work/plates.dxf" "$work/sheet.dxf"
 cp -r "$here/../examples/workshop" "$work/prefix"
 handoff="$work/prefix/drives/c/Users/cad/AppData/Local/Convert"

@@ -3,11 +3,12 @@
 # (reading included), against reading the same file with ezdxf, in the same run:
 #   run_render_bench.sh BUILD_DIR [N]
 set -e
+. "$(dirname "$0")/shared.sh"
 build=${1:?build directory}
 n=${2:-100000}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-/usr/bin/python3 /work/shared/bench/gen_plates.py "$n" "$work/plates.dxf"
+gen_plates "$n" "$work/plates.dxf"
 /usr/bin/python3 - "$build/bin/tavrik" "$work/plates.dxf" "$work/plates.png" <<'PY'
 import subprocess, sys, time
 import ezdxf

@@ -10,15 +10,30 @@ recycle folder's size on disk. Memory figures are also given as ratios to the sm
 
 Whether the pipeline keeps memory per drawing: the resident size is also sampled each time a
 drawing's database is closed (the line "关闭" of Cg.log), and the slope of those samples over the
-second half of the drawings is given in KB per drawing. Two things stay by design. The module's
-own deliberate leak is one clean-up object per drawing that the pipeline never frees (a database
-pointer and two linetype names: about 150 bytes); the scratch databases it keeps on a failed
-read do not occur in this batch. The host's run report keeps each drawing's summary (counts
-and texts) until it writes its files at the end; its PNG previews wait on disk. The report's
-size per drawing is given beside the slope ("report KB/dr"); the previews are most of it.
+second half of the drawings is given in KB per drawing; the run report's size per drawing is
+given beside it ("report KB/dr", its previews are most of it), as the host keeps each drawing's
+part of the report on disk until the end. The resident size moves in pages and
+with the allocator's free lists, so the heap is also measured exactly: two batches (HEAP_COUNTS,
+default 20 and 100 drawings) run under heaptrack in gdb and are ended as the merge begins (a
+breakpoint on MergeDrawings); the heap still held then, by the call stack that allocated it,
+gives the growth per drawing, split in what the module keeps by its own design and the rest:
+
+- the configuration re-read for each drawing appends its rows of [SCRSET] and of
+  CAD_layerug.ini to arrays that are never emptied (ReloadConfiguration);
+- the clean-up object of each drawing, never freed, with the linetype name it reads
+  (RunFirstCleanups);
+- the list of the part's drawings that the batch holds while it runs (SelectPartFiles,
+  ListFilesByExtension);
+- the scratch databases kept on a failed read do not occur in this batch.
+The configuration's arrays grow by doubling, so their share per drawing depends on the two N.
+
+The ratio of the whole growth to the module's own is printed; 1.00 means that the host and the
+platform keep nothing per drawing. The heap stage is left out when heaptrack or gdb is missing.
 
 usage: /usr/bin/python3 soak_bench.py BUILD_DIR [N ...]      (default N: 25 50 100 200)
+       HEAP_COUNTS="20 100" sets the two batches of the heap stage ("" leaves it out).
 """
+import collections
 import os
 import pathlib
 import shutil
@@ -122,12 +137,74 @@ def run(build, prefix):
     return process.returncode, time.monotonic() - start, pipeline_peak, whole_peak, closed, error
 
 
+# What the module keeps per drawing by its own design, by a function on the allocating stack.
+MODULE_KEEPS = [("configuration rows", {"ReloadConfiguration"}),
+                ("clean-up object", {"RunFirstCleanups"}),
+                ("part's file list", {"SelectPartFiles", "ListFilesByExtension"})]
+GDB_INIT = """set confirm off
+set pagination off
+set breakpoint pending on
+break MergeDrawings
+commands
+  kill
+  quit
+end
+"""
+
+
+def heap_held(build, work, count):
+    """Bytes of heap held as the merge begins, by kind: the module's own kinds and "rest"."""
+    prefix = make_prefix(build, work, count)
+    home = work / "gdb-home"
+    home.mkdir(exist_ok=True)
+    (home / ".gdbinit").write_text(GDB_INIT)
+    data = work / ("heap-%d" % count)
+    subprocess.run(["heaptrack", "-d", "-o", str(data), str(build / "bin/tavrik"), "--prefix", str(prefix)],
+                   stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                   env=dict(os.environ, HOME=str(home)), check=False)
+    closed = (prefix / TRACE).read_bytes().count(DRAWING_CLOSED)
+    if closed != count or (prefix / MERGED).exists():
+        raise RuntimeError("the heap stage's batch of %d drawings did not stop as the merge began: %d drawings closed, "
+                           "merged drawing %s" % (count, closed, (prefix / MERGED).exists()))
+    stacks = work / ("stacks-%d.txt" % count)
+    subprocess.run(["heaptrack_print", "-f", str(data) + ".zst", "--flamegraph-cost-type", "leaked", "-F", str(stacks)],
+                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=True)
+    held = collections.Counter()
+    for line in stacks.read_text(errors="replace").splitlines():
+        stack, _, size = line.rpartition(" ")
+        # A frame reads "Name(arguments) (file.cpp)", or "Name (file.cpp)" when it was inlined.
+        functions = {frame.split(" (")[0].split("(")[0] for frame in stack.split(";")}
+        kind = next((name for name, marks in MODULE_KEEPS if marks & functions), "rest")
+        held[kind] += int(size)
+    shutil.rmtree(prefix)
+    return held
+
+
+def heap_stage(build, work, counts):
+    if len(counts) != 2 or not shutil.which("heaptrack") or not shutil.which("gdb"):
+        print("heap stage left out (needs heaptrack, gdb and two HEAP_COUNTS)")
+        return
+    small, large = (heap_held(build, work, n) for n in counts)
+    added = counts[1] - counts[0]
+    per = {kind: (large[kind] - small[kind]) / added for kind in set(small) | set(large)}
+    module = sum(per.get(name, 0.0) for name, _ in MODULE_KEEPS)
+    total = module + per.get("rest", 0.0)
+    print("heap held as the merge begins, per added drawing (N=%d to %d): %.0f B in all; the module's own %.0f B "
+          "(%s); the rest %.0f B; all / module's own = %.2f" % (
+              counts[0], counts[1], total, module,
+              ", ".join("%s %.0f B" % (name, per.get(name, 0.0)) for name, _ in MODULE_KEEPS),
+              per.get("rest", 0.0), total / module if module else float("nan")))
+
+
 def main():
     build = pathlib.Path(sys.argv[1]).resolve()
     counts = [int(n) for n in sys.argv[2:]] or [25, 50, 100, 200]
+    heap_counts = [int(n) for n in os.environ.get("HEAP_COUNTS", "20 100").split()]
     work = pathlib.Path(tempfile.mkdtemp(prefix="tavrik-soak-"))
     rows = []
     try:
+        if heap_counts:
+            heap_stage(build, work, heap_counts)
         for count in counts:
             prefix = make_prefix(build, work, count)
             status, seconds, pipeline_peak, whole_peak, closed, error = run(build, prefix)

@@ -12,14 +12,19 @@
 #include "platform/db/symbol_tables.hpp"
 #include "platform/db/text.hpp"
 
-// The model space's record, open in `mode`, for the caller to close.
-inline AcDbBlockTableRecord* OpenModelSpace(AcDbDatabase& db, AcDb::OpenMode mode) {
+// The block table record named `block`, open in `mode`, for the caller to close.
+inline AcDbBlockTableRecord* OpenBlockRecord(AcDbDatabase& db, const std::wstring& block, AcDb::OpenMode mode) {
     AcDbBlockTable* blocks = nullptr;
     db.getSymbolTable(blocks, AcDb::kForRead);
-    AcDbBlockTableRecord* model = nullptr;
-    blocks->getAt(ACDB_MODEL_SPACE, model, mode);
+    AcDbBlockTableRecord* record = nullptr;
+    blocks->getAt(block, record, mode);
     blocks->close();
-    return model;
+    return record;
+}
+
+// The model space's record, open in `mode`, for the caller to close.
+inline AcDbBlockTableRecord* OpenModelSpace(AcDbDatabase& db, AcDb::OpenMode mode) {
+    return OpenBlockRecord(db, ACDB_MODEL_SPACE, mode);
 }
 
 // The ids of the model space's entities, in drawing order.

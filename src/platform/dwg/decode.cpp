@@ -31,6 +31,25 @@ bool Keep(ObjectStreams& o, bool entity, std::span<const std::uint8_t> bytes, De
 
 }  // namespace
 
+const ObjectCommon* ModelledObjectCommonOf(const DecodedObject& decoded) {
+    return std::visit(
+        [](const auto& r) -> const ObjectCommon* {
+            using R = std::decay_t<decltype(r)>;
+            if constexpr (std::is_same_v<R, KeptObject> || std::is_same_v<R, EntityCommon>) {
+                return nullptr;
+            } else if constexpr (requires { r.common.mode; }) {
+                return nullptr;
+            } else if constexpr (requires { r.common.handle; }) {
+                return &r.common;
+            } else if constexpr (requires { r.entry.common.handle; }) {
+                return &r.entry.common;
+            } else {
+                return nullptr;
+            }
+        },
+        decoded);
+}
+
 const EntityCommon* EntityCommonOf(const DecodedObject& decoded) {
     return std::visit(
         [](const auto& r) -> const EntityCommon* {

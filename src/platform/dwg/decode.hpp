@@ -41,6 +41,10 @@ bool DecodeObject(ObjectStreams& o, const std::vector<ClassRecord>& classes, Dec
 // (never kept whole): lines, circles, texts, inserts, polylines and their vertices, dimensions...
 bool DecodesToEntityRecord(std::int32_t type);
 
+// The common data of a decoded object of a modelled kind (not an entity); null for entities and
+// kinds kept whole.
+const ObjectCommon* ModelledObjectCommonOf(const DecodedObject& decoded);
+
 // The common entity data of a decoded entity; null for objects and undecoded kinds.
 const EntityCommon* EntityCommonOf(const DecodedObject& decoded);
 

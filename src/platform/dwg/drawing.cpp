@@ -11,6 +11,7 @@
 #include "platform/dwg/decode.hpp"
 #include "platform/dwg/dxf_records.hpp"
 #include "platform/dwg/entities.hpp"
+#include "platform/dwg/extended_data.hpp"
 #include "platform/dwg/header.hpp"
 #include "platform/dwg/symbols.hpp"
 #include "platform/dwg/tables.hpp"
@@ -74,6 +75,14 @@ struct Drawing {
     bool checkUnwritten(MapError& error);
     std::string typeName(const Item& item) const { return TypeName(item.type, classes); }
     void index();
+    // The extended data of the record just written, as the groups that end it.
+    void writeExtendedData(const ObjectCommon& common) {
+        if (common.extended.empty()) return;
+        for (const auto& [code, value] :
+             ExtendedGroupsOf(common.extended, names.applications, names.layers, sections.codePage)) {
+            out.tag(code, value);
+        }
+    }
     std::string blockName(const BlockHeaderRecord& block, std::uint64_t handle,
                           std::map<std::string, int>& numbered) const;
     std::uint64_t ownerOf(const EntityCommon& c) const {
@@ -217,6 +226,8 @@ void Drawing::index() {
             names.linetypes[item.handle] = symbols[item.handle].entry.name;
         } else if (item.type == kStyle) {
             names.styles[item.handle] = symbols[item.handle].entry.name;
+        } else if (item.type == kAppId) {
+            names.applications[item.handle] = symbols[item.handle].entry.name;
         } else if (item.type == kDimensionStyle) {
             names.dimensionStyles[item.handle] = symbols[item.handle].entry.name;
         }
@@ -318,16 +329,28 @@ void Drawing::writeTable(const char* name, std::int32_t recordType, std::uint64_
     out.tag(0, "TABLE");
     out.tag(2, name);
     out.handle(5, control);
+    // The control object's extension dictionary and extended data, which a drawing may give it.
+    const Item* controlItem = find(control);
+    const auto* kept = controlItem ? std::get_if<KeptObject>(controlItem->decoded.get()) : nullptr;
+    if (kept != nullptr && kept->common.extensionDictionary != 0) {
+        out.tag(102, "{ACAD_XDICTIONARY");
+        out.handle(360, kept->common.extensionDictionary);
+        out.tag(102, "}");
+    }
     out.handle(330, 0);
     out.tag(100, "AcDbSymbolTable");
+    if (kept != nullptr) writeExtendedData(kept->common);
     for (const Item& item : items) {
         if (item.type != recordType) continue;
         if (const auto* layer = std::get_if<LayerRecord>(item.decoded.get())) {
             WriteLayer(out, *layer, names);
+            writeExtendedData(layer->entry.common);
         } else if (const auto* block = std::get_if<BlockHeaderRecord>(item.decoded.get())) {
             WriteBlockRecord(out, *block, names.name(names.blocks, item.handle));
+            writeExtendedData(block->entry.common);
         } else {
             WriteSymbolRecord(out, name, symbols[item.handle]);
+            writeExtendedData(symbols[item.handle].entry.common);
         }
     }
     out.tag(0, "ENDTAB");
@@ -343,7 +366,7 @@ void Drawing::writeTables() {
     writeTable("STYLE", kStyle, c.styleControl);
     writeTable("VIEW", 61, c.viewControl);
     writeTable("UCS", 63, c.ucsControl);
-    writeTable("APPID", 67, c.appidControl);
+    writeTable("APPID", kAppId, c.appidControl);
     writeTable("DIMSTYLE", kDimensionStyle, c.dimstyleControl);
     writeTable("BLOCK_RECORD", kBlockHeader, c.blockControl);
     out.tag(0, "ENDSEC");
@@ -354,7 +377,10 @@ void Drawing::writeEntity(std::size_t index, std::uint64_t owner) {
     item.written = true;
     DecodedObject again;
     if (!item.decoded && !decodeAgain(item, again)) return;
-    WriteEntity(out, item.decoded ? *item.decoded : again, typeName(item), owner, names);
+    const DecodedObject& decoded = item.decoded ? *item.decoded : again;
+    WriteEntity(out, decoded, typeName(item), owner, names);
+    const EntityCommon* common = EntityCommonOf(decoded);
+    if (common != nullptr && !std::holds_alternative<KeptObject>(decoded)) writeExtendedData(*common);
     // Attributes and vertices follow their owner, and the SEQEND closes them.
     const auto it = owned.find(item.handle);
     if (it == owned.end()) return;
@@ -413,6 +439,7 @@ void Drawing::writeObjects() {
     const Item* named = find(header.handles.namedObjects);
     if (named != nullptr && named->decoded) {
         WriteObject(out, *named->decoded, typeName(*named), named->handle);
+        if (const ObjectCommon* common = ModelledObjectCommonOf(*named->decoded)) writeExtendedData(*common);
     }
     for (const Item& item : items) {
         if (&item == named || IsControl(item.type) || IsTableRecord(item.type) || item.entity ||
@@ -420,6 +447,7 @@ void Drawing::writeObjects() {
             continue;
         }
         WriteObject(out, *item.decoded, typeName(item), item.handle);
+        if (const ObjectCommon* common = ModelledObjectCommonOf(*item.decoded)) writeExtendedData(*common);
     }
     out.tag(0, "ENDSEC");
 }

@@ -154,6 +154,9 @@ void EntityProperties(DxfText& out, const EntityCommon& c, std::uint64_t owner,
     const int lineweight = LineweightFromIndex(c.lineweight);
     if (lineweight != -1) out.integer(370, lineweight);
     if (c.linetypeScale != 1.0) out.tag(48, c.linetypeScale);
+    // How the plot style is given (by layer unless said), and its object when by handle.
+    if (c.plotStyleFlags != 0) out.integer(380, c.plotStyleFlags);
+    if (c.plotStyleFlags == 3 && c.plotStyle != 0) out.handle(390, c.plotStyle);
     if (c.invisible & 1) out.integer(60, 1);
 }
 
@@ -482,8 +485,9 @@ void Body(DxfText& out, const DimensionRecord& r, const NameIndex& names) {
         out.point(12, Point3{r.clonePoint.x, r.clonePoint.y, r.elevation});
     }
     const int type = r.dxfType();
-    // Bit 0 of the stored flags clear: the text stands where the user put it.
-    out.integer(70, type | 32 | ((r.flags & 1) ? 0 : 128) | (r.ordinateX ? 64 : 0));
+    // Bit 0 of the stored flags clear: the text stands where the user put it; bit 1: the block
+    // is the dimension's alone.
+    out.integer(70, type | ((r.flags & 2) ? 32 : 0) | ((r.flags & 1) ? 0 : 128) | (r.ordinateX ? 64 : 0));
     if (!r.text.empty()) out.tag(1, r.text);
     out.integer(71, r.attachment);
     if (r.lineSpacingStyle != 1) out.integer(72, r.lineSpacingStyle);

@@ -55,7 +55,7 @@ private:
 // What the records need to turn handles into the names DXF uses.
 struct NameIndex {
     std::unordered_map<std::uint64_t, std::string> layers, linetypes, styles, blocks;
-    std::unordered_map<std::uint64_t, std::string> dimensionStyles;
+    std::unordered_map<std::uint64_t, std::string> dimensionStyles, applications;
     std::uint64_t modelSpace = 0, paperSpace = 0;
     std::string name(const std::unordered_map<std::uint64_t, std::string>& table,
                      std::uint64_t handle) const;

@@ -47,9 +47,31 @@ long long SourceRecord::integer(int code, long long fallback) const {
 
 std::uint64_t SourceRecord::handle(int code) const { return ParseHandle(text(code)); }
 
+namespace {
+
+double Number(std::string_view text) {
+    double value = 0;
+    return dxf::ParseDouble(text, value) ? value : 0;
+}
+
+}  // namespace
+
+// The first tag of each coordinate's code, found in one walk over the tags.
 Point3 SourceRecord::point(int code, Point3 fallback) const {
-    if (!has(code)) return fallback;
-    return {real(code), real(code + 10), real(code + 20)};
+    const std::string_view* x = nullptr;
+    const std::string_view* y = nullptr;
+    const std::string_view* z = nullptr;
+    for (const auto& [c, v] : tags) {
+        if (c == code) {
+            if (x == nullptr) x = &v;
+        } else if (c == code + 10) {
+            if (y == nullptr) y = &v;
+        } else if (c == code + 20) {
+            if (z == nullptr) z = &v;
+        }
+    }
+    if (x == nullptr) return fallback;
+    return {Number(*x), y != nullptr ? Number(*y) : 0, z != nullptr ? Number(*z) : 0};
 }
 
 Point2 SourceRecord::point2(int code) const { return {real(code), real(code + 10)}; }
@@ -106,13 +128,6 @@ void Runs(std::span<const SourceTag> tags, int code, Add add) {
     }
 }
 
-// Splits the tags into records at each 0 tag.
-std::vector<SourceRecord> Records(std::span<const SourceTag> tags) {
-    std::vector<SourceRecord> out;
-    Runs(tags, 0, [&](std::string_view type, std::span<const SourceTag> rest) { out.push_back({type, rest}); });
-    return out;
-}
-
 // The variables of the HEADER section: each a 9 tag with its name and the tags up to the next.
 void ReadHeader(const SourceRecord& section, SourceDrawing& out) {
     Runs(section.tags, 9, [&](std::string_view name, std::span<const SourceTag> rest) {
@@ -120,47 +135,66 @@ void ReadHeader(const SourceRecord& section, SourceDrawing& out) {
     });
 }
 
-}  // namespace
-
-bool ReadSource(std::span<const SourceTag> tags, SourceDrawing& out, std::string& error) {
-    std::vector<SourceRecord> records = Records(tags);
+// Files each record in its section as the records come, in their order.
+struct Grouping {
+    SourceDrawing& out;
     std::string_view section;
-    for (SourceRecord& r : records) {
+
+    void add(SourceRecord r) {
         if (r.type == "SECTION") {
             section = r.text(2);
             if (section == "HEADER") ReadHeader(r, out);
-            continue;
+            return;
         }
-        if (r.type == "ENDSEC" || r.type == "EOF") continue;
+        if (r.type == "ENDSEC" || r.type == "EOF") return;
         if (section == "CLASSES") {
-            out.classes.push_back(std::move(r));
+            out.classes.push_back(r);
         } else if (section == "TABLES") {
             if (r.type == "TABLE") {
-                out.tables.push_back({r.text(2), r.handle(5), {}});
+                out.tables.push_back({r.text(2), r.handle(5), {}, r});
             } else if (r.type != "ENDTAB" && !out.tables.empty()) {
-                out.tables.back().records.push_back(std::move(r));
+                out.tables.back().records.push_back(r);
             }
         } else if (section == "BLOCKS") {
-            if (r.type == "BLOCK") {
-                out.blocks.push_back({std::move(r), {}, {}});
-            } else if (out.blocks.empty()) {
-                continue;
-            } else if (r.type == "ENDBLK") {
-                out.blocks.back().end = std::move(r);
-            } else {
-                out.blocks.back().entities.push_back(std::move(r));
-            }
+            addToBlock(r);
         } else if (section == "ENTITIES") {
-            out.entities.push_back(std::move(r));
+            out.entities.push_back(r);
         } else if (section == "OBJECTS") {
-            out.objects.push_back(std::move(r));
+            out.objects.push_back(r);
         }
+    }
+    void addToBlock(const SourceRecord& r) {
+        if (r.type == "BLOCK") {
+            out.blocks.push_back({r, {}, {}});
+        } else if (out.blocks.empty()) {
+            return;
+        } else if (r.type == "ENDBLK") {
+            out.blocks.back().end = r;
+        } else {
+            out.blocks.back().entities.push_back(r);
+        }
+    }
+};
+
+}  // namespace
+
+bool ReadSource(std::span<const std::span<const SourceTag>> parts, SourceDrawing& out,
+                std::string& error) {
+    Grouping grouping{out, {}};
+    for (std::span<const SourceTag> part : parts) {
+        Runs(part, 0, [&](std::string_view type, std::span<const SourceTag> rest) {
+            grouping.add({type, rest});
+        });
     }
     if (out.tables.empty()) {
         error = "the drawing has no tables";
         return false;
     }
     return true;
+}
+
+bool ReadSource(std::span<const SourceTag> tags, SourceDrawing& out, std::string& error) {
+    return ReadSource(std::span<const std::span<const SourceTag>>(&tags, 1), out, error);
 }
 
 }  // namespace dwg

@@ -44,6 +44,7 @@ struct SourceTable {
     std::string_view name;
     std::uint64_t handle = 0;
     std::vector<SourceRecord> records;
+    SourceRecord head;  // the TABLE record: the control object's own groups
 };
 
 // A block: its BLOCK record, its entities, its ENDBLK.
@@ -66,6 +67,9 @@ struct SourceDrawing {
 // Groups the tags of a drawing's DXF records (whose values must outlive the result). False with
 // the reason when they are not the records of a drawing.
 bool ReadSource(std::span<const SourceTag> tags, SourceDrawing& out, std::string& error);
+// The same from the tags in parts, in their order, each part whole records.
+bool ReadSource(std::span<const std::span<const SourceTag>> parts, SourceDrawing& out,
+                std::string& error);
 
 // A handle's hexadecimal text; 0 for none.
 std::uint64_t ParseHandle(std::string_view text);

@@ -48,11 +48,17 @@ void BitWriter::bits(std::uint64_t value, unsigned count) {
     if (count > 0) bytes_.push_back(static_cast<std::uint8_t>(value << (8 - count)));
 }
 
+// A byte's share of the bits at a time: what fits from the position to the byte's end.
 void BitWriter::patchBits(std::size_t position, std::uint64_t value, unsigned count) {
-    for (unsigned i = count; i-- > 0; ++position) {
-        const auto mask = static_cast<std::uint8_t>(0x80u >> (position & 7));
-        if ((value >> i) & 1) bytes_[position >> 3] |= mask;
-        else bytes_[position >> 3] &= static_cast<std::uint8_t>(~mask);
+    while (count > 0) {
+        const unsigned room = 8 - static_cast<unsigned>(position & 7);
+        const unsigned take = count < room ? count : room;
+        count -= take;
+        const unsigned shift = room - take;
+        const unsigned ones = (1u << take) - 1;
+        std::uint8_t& byte = bytes_[position >> 3];
+        byte = static_cast<std::uint8_t>((byte & ~(ones << shift)) | (((value >> count) & ones) << shift));
+        position += take;
     }
 }
 

@@ -6,6 +6,10 @@
 namespace dwg {
 namespace {
 
+// The buffers an object begins with: the values and the handles of most objects fit.
+constexpr std::size_t kObjectBytes = 96;
+constexpr std::size_t kHandleBytes = 16;
+
 void WriteExtendedData(BitWriter& d, const std::vector<ExtendedData>& extended) {
     for (const ExtendedData& eed : extended) {
         d.BS(static_cast<int>(eed.bytes.size()));
@@ -43,6 +47,8 @@ HandleRef OwnerReference(std::uint64_t self, std::uint64_t owner) {
 ObjectWriter BeginObject(std::int32_t type, std::uint64_t handle, Version version,
                          int codePage) {
     ObjectWriter o{handle, 0, BitWriter(version, codePage), BitWriter(version, codePage)};
+    o.data.reserve(kObjectBytes);
+    o.handles.reserve(kHandleBytes);
     o.data.OT(type);
     o.dataSizeAt = o.data.bitPosition();
     o.data.RL(0);  // the values' size in bits, known at the end
@@ -123,13 +129,14 @@ std::vector<std::uint8_t> FinishObject(ObjectWriter& o) {
     // The last byte is filled with set bits, as AutoCAD fills it.
     const unsigned rest = static_cast<unsigned>((8 - d.bitPosition() % 8) % 8);
     d.bits((1u << rest) - 1, rest);
-    const std::vector<std::uint8_t>& body = d.buffer();
-    BitWriter size(d.version());
-    size.MS(static_cast<std::uint32_t>(body.size()));
-    std::vector<std::uint8_t> out;
-    out.reserve(size.buffer().size() + body.size() + 2);
-    out.insert(out.end(), size.buffer().begin(), size.buffer().end());
-    out.insert(out.end(), body.begin(), body.end());
+    // The object's size before its bytes, its CRC after them, in the values' own buffer; the
+    // size is coded in the handles' buffer, whose bits are now among the values.
+    std::vector<std::uint8_t> out = d.take();
+    BitWriter& size = o.handles;
+    size.clear();
+    size.MS(static_cast<std::uint32_t>(out.size()));
+    out.reserve(size.buffer().size() + out.size() + 2);
+    out.insert(out.begin(), size.buffer().begin(), size.buffer().end());
     const std::uint16_t crc = Crc16(0xC0C1, out);
     out.push_back(static_cast<std::uint8_t>(crc & 0xFF));
     out.push_back(static_cast<std::uint8_t>(crc >> 8));

@@ -26,7 +26,9 @@ DimensionRecord DimensionOf(const SourceRecord& r, EntityCommon common, WriteCon
     const Point3 text = r.point(11);
     d.textMidpoint = {text.x, text.y};
     d.elevation = text.z;
-    d.flags = (flags & 128) ? 0 : 1;
+    // Bit 0: the text stands where the dimension puts it (DXF 128 clear); bit 1: the block is
+    // this dimension's alone (DXF 32); bit 3 is set in every dimension AutoCAD writes.
+    d.flags = static_cast<std::uint8_t>(((flags & 128) ? 0 : 1) | ((flags & 32) ? 2 : 0) | 8);
     d.ordinateX = (flags & 64) != 0;
     d.text = std::string(r.text(1));
     d.textRotation = r.real(53) * kRadians;

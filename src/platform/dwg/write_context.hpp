@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "platform/db/database.hpp"
@@ -25,7 +26,7 @@ std::string NameKey(std::string_view name);
 struct WriteContext {
     EncodeOptions options;
     std::unordered_map<std::string, std::uint64_t> layers, linetypes, styles, blocks;
-    std::unordered_map<std::string, std::uint64_t> dimensionStyles;
+    std::unordered_map<std::string, std::uint64_t> dimensionStyles, applications;
     std::uint64_t modelSpace = 0, paperSpace = 0;
     std::uint64_t nextHandle = 1;  // for records that come without one
     std::map<std::uint64_t, std::vector<std::uint8_t>> objects;
@@ -34,12 +35,24 @@ struct WriteContext {
     std::map<std::string, std::int32_t, std::less<>> classNumbers;  // DXF name: object type
     int dwgCodePage = 30;  // the file header's number of the texts' code page
     std::size_t threads = 1;  // that encode a long list of entities, a batch each
+    // Set in the copy that encodes one batch of a long list: its objects are kept in their
+    // order in batchObjects, to be placed after those of the batches before it.
+    bool batch = false;
+    std::vector<std::pair<std::uint64_t, std::vector<std::uint8_t>>> batchObjects;
+    // The layer name the last entity gave and its layer: entities in a row mostly share one.
+    std::string_view lastLayerName;
+    std::uint64_t lastLayer = 0;
 
     std::uint64_t handleOf(const SourceRecord& r, int code = 5);
     static std::uint64_t find(const std::unordered_map<std::string, std::uint64_t>& table,
                               std::string_view name);
+    // Objects mostly come in the order of their handles: the end is tried first.
     void add(std::uint64_t handle, std::vector<std::uint8_t> bytes) {
-        objects[handle] = std::move(bytes);
+        if (batch) {
+            batchObjects.emplace_back(handle, std::move(bytes));
+            return;
+        }
+        objects.insert_or_assign(objects.end(), handle, std::move(bytes));
     }
     bool written(std::uint64_t handle) const { return objects.count(handle) != 0; }
     // The object type the drawing's classes give a DXF name; 0 when it has no class.
@@ -64,8 +77,16 @@ bool WriteAnnotation(const SourceRecord& r, EntityCommon common, WriteContext& c
 // record holds and the hatch cannot (a gradient colour's index) is counted in leftOut.
 HatchRecord HatchOf(const SourceRecord& r, EntityCommon common, std::map<std::string, int>& leftOut);
 
+// The extended data of a record: its groups from the first 1001 on.
+std::vector<ExtendedData> ExtendedDataOf(const SourceRecord& r, const WriteContext& c);
+
 // An entity's common data from its record.
 EntityCommon EntityCommonOf(const SourceRecord& r, std::uint64_t owner, WriteContext& c);
+
+// The common data of an entity the database holds as a part of its owner (BLOCK, ENDBLK,
+// VERTEX, SEQEND): its record carries its owner's reactors, extension dictionary and extended
+// data, which are not the part's. BLOCK and ENDBLK are stored by space as entities are.
+EntityCommon PartCommonOf(const SourceRecord& r, std::uint64_t owner, WriteContext& c);
 
 // The dimension variables of a new drawing, for those a record or the header does not give.
 DimensionVariables NewDrawingDimensionVariables();

@@ -54,17 +54,18 @@ Acad::ErrorStatus WriteDxfText(AcDbDatabase& db, const WriteOptions& options, st
 
 // The tags of a drawing as the writer makes them, without the text around them: for a writer
 // of another format that starts from the records. The values' characters are the list's own.
+// The tags are kept in parts, in their order, each part whole records: a record's tags are
+// side by side, and no part is copied to grow the list.
 class DrawingTags {
 public:
     using Entry = std::pair<int, std::string_view>;
-    const std::vector<Entry>& tags() const { return m_tags; }
+    const std::vector<std::vector<Entry>>& parts() const { return m_parts; }
     void add(int code, std::string_view value);
-    void reserve(size_t tags) { m_tags.reserve(tags); }
-    // Moves another list's tags after this one's.
+    // Moves another list's parts after this one's.
     void append(DrawingTags&& other);
 
 private:
-    std::vector<Entry> m_tags;
+    std::vector<std::vector<Entry>> m_parts;
     // Values are copied into blocks that never move, so that the views stay valid.
     std::vector<std::unique_ptr<char[]>> m_blocks;
     char* m_free = nullptr;

@@ -816,6 +816,8 @@ Acad::ErrorStatus WriteDxfText(AcDbDatabase& db, const WriteOptions& options, st
 void DrawingTags::add(int code, std::string_view value) {
     // Blocks of 1 MB, or one of its own for a longer value.
     constexpr size_t kBlock = 1 << 20;
+    // A new part is begun at a record that finds the last one full.
+    constexpr size_t kPartTags = 1 << 16;
     if (value.size() > m_left) {
         const size_t size = std::max(kBlock, value.size());
         m_blocks.push_back(std::make_unique<char[]>(size));
@@ -823,21 +825,23 @@ void DrawingTags::add(int code, std::string_view value) {
         m_left = size;
     }
     if (!value.empty()) std::memcpy(m_free, value.data(), value.size());
-    m_tags.emplace_back(code, std::string_view(m_free, value.size()));
+    if (m_parts.empty() || (code == 0 && m_parts.back().size() >= kPartTags)) {
+        m_parts.emplace_back();
+        m_parts.back().reserve(kPartTags + kPartTags / 4);
+    }
+    m_parts.back().emplace_back(code, std::string_view(m_free, value.size()));
     m_free += value.size();
     m_left -= value.size();
 }
 
 void DrawingTags::append(DrawingTags&& other) {
-    m_tags.insert(m_tags.end(), other.m_tags.begin(), other.m_tags.end());
+    for (auto& part : other.m_parts) m_parts.push_back(std::move(part));
     for (auto& block : other.m_blocks) m_blocks.push_back(std::move(block));
     other = DrawingTags();
 }
 
 Acad::ErrorStatus WriteDxfTags(AcDbDatabase& db, const WriteOptions& options, DrawingTags& out) {
     out = DrawingTags();
-    // Records hold about twenty tags: the list is laid out once for most drawings.
-    out.reserve(db.stubs().size() * 24);
     std::string unused;
     Writer(db, options, unused, nullptr, &out).write();
     return Acad::eOk;

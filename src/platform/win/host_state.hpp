@@ -3,6 +3,7 @@
 // registry, the environment of the prefix, open registry keys, timers, the clock and the main
 // window. Tests rebuild it fresh with ResetHostState().
 #include <cstdint>
+#include <deque>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -47,7 +48,10 @@ struct HostState {
     bool interactive = false;              // message boxes wait for Enter only when true
     int recycleDays = 14;                  // how long the recycle folder keeps what it holds
     std::string recycleEntry;              // this run's folder in the recycle folder, once made
-    std::multimap<std::uintmax_t, std::filesystem::path> recycleKept;  // what this run put there, by size
+    // The last files this run put there, with their sizes, newest last: a file kept again with
+    // equal bytes shares their storage. Only the last few are looked at, so that a batch of many
+    // drawings does not hold one entry per file it kept.
+    std::deque<std::pair<std::uintmax_t, std::filesystem::path>> recycleKept;
 };
 
 HostState& Host();

@@ -61,10 +61,17 @@ bool SameBytes(const fs::path& a, const fs::path& b) {
     return !left && !right;
 }
 
+// How many of the files kept last are compared with one to keep: the batch's scratch copy of a
+// conversion is kept one or two files after the converted drawing that it equals.
+constexpr size_t kKeptCompared = 32;
+
 void Remember(const fs::path& kept) {
     std::error_code code;
     std::uintmax_t size = fs::file_size(kept, code);
-    if (!code) Host().recycleKept.emplace(size, kept);
+    if (code) return;
+    auto& recent = Host().recycleKept;
+    recent.emplace_back(size, kept);
+    if (recent.size() > kKeptCompared) recent.pop_front();
 }
 
 // A file that this run already keeps with the bytes of `file`. The batch deletes its scratch
@@ -74,9 +81,8 @@ fs::path KeptWithSameBytes(const fs::path& file) {
     std::error_code code;
     std::uintmax_t size = fs::file_size(file, code);
     if (code) return {};
-    auto [first, last] = Host().recycleKept.equal_range(size);
-    for (auto kept = first; kept != last; ++kept)
-        if (SameBytes(kept->second, file)) return kept->second;
+    for (const auto& [keptSize, kept] : Host().recycleKept)
+        if (keptSize == size && SameBytes(kept, file)) return kept;
     return {};
 }
 

@@ -3,6 +3,7 @@
 #include <memory>
 #include <numbers>
 
+#include "drawing_queries.hpp"
 #include "platform/db/block_reference.hpp"
 #include "platform/db/block_table_record.hpp"
 #include "platform/db/circle.hpp"
@@ -14,11 +15,7 @@ namespace {
 
 AcDbObjectId append(AcDbDatabase& db, AcDbEntity* entity,
                     const std::wstring& block = ACDB_MODEL_SPACE) {
-    AcDbBlockTable* blocks = nullptr;
-    db.getSymbolTable(blocks, AcDb::kForRead);
-    AcDbBlockTableRecord* record = nullptr;
-    blocks->getAt(block, record, AcDb::kForWrite);
-    blocks->close();
+    AcDbBlockTableRecord* record = OpenBlockRecord(db, block, AcDb::kForWrite);
     AcDbObjectId id;
     EXPECT_EQ(record->appendAcDbEntity(id, entity), Acad::eOk);
     entity->close();

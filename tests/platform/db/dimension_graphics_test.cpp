@@ -6,6 +6,7 @@
 #include <cmath>
 #include <vector>
 
+#include "drawing_queries.hpp"
 #include "platform/db/block_table_record.hpp"
 #include "platform/db/database.hpp"
 #include "platform/db/dimension.hpp"
@@ -50,11 +51,7 @@ protected:
     AcDbDatabase db_{true, true};
 
     AcDbObjectId Append(AcDbDimension* dim) {
-        AcDbBlockTable* blocks = nullptr;
-        db_.getSymbolTable(blocks, AcDb::kForRead);
-        AcDbBlockTableRecord* model = nullptr;
-        blocks->getAt(ACDB_MODEL_SPACE, model, AcDb::kForWrite);
-        blocks->close();
+        AcDbBlockTableRecord* model = OpenModelSpace(db_, AcDb::kForWrite);
         AcDbObjectId id;
         model->appendAcDbEntity(id, dim);
         model->close();

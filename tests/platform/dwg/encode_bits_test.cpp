@@ -7,6 +7,7 @@
 #include <cstring>
 #include <limits>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/dwg/bit_reader.hpp"
@@ -410,6 +411,42 @@ TEST(DwgBitWriter, patch_overwrites_bits_already_written) {
     EXPECT_EQ(w.buffer()[0], 0xF5);
     EXPECT_EQ(w.buffer()[4], 0x00);
     EXPECT_EQ(w.bitPosition(), 33u);
+}
+
+TEST(DwgBitWriter, cleared_writer_writes_from_its_first_bit_again) {
+    BitWriter w;
+    w.RL(0xFFFFFFFF);
+    w.B(true);
+    w.clear();
+    EXPECT_EQ(w.bitPosition(), 0u);
+    EXPECT_TRUE(w.buffer().empty());
+    w.MS(0x8001);
+    EXPECT_EQ(w.buffer(), (std::vector<std::uint8_t>{0x01, 0x80, 0x01, 0x00}));
+}
+
+// A value patched in over bits already written leaves the bytes as writing it there would have:
+// at every offset within a byte, for values that fit in one byte, cross into the next, or span
+// several (an object's 32-bit size), over set and over clear bits.
+TEST(DwgBitWriter, patch_at_any_offset_equals_writing_the_bits_there) {
+    const std::pair<std::uint64_t, unsigned> values[] = {
+        {0b1, 1}, {0b101, 3}, {0xA5, 8}, {0x2C3, 10}, {0x12345678, 32}, {0, 32}};
+    for (unsigned offset = 0; offset < 8; ++offset) {
+        for (const auto& [value, count] : values) {
+            for (const bool under : {false, true}) {
+                BitWriter expected;
+                expected.bits(under ? 0x7F : 0x00, offset);
+                expected.bits(value, count);
+                expected.bits(under ? 0x3FF : 0, 10);
+                BitWriter patched;
+                patched.bits(under ? 0x7F : 0x00, offset);
+                patched.bits(under ? ~std::uint64_t{0} : 0, count);
+                patched.bits(under ? 0x3FF : 0, 10);
+                patched.patchBits(offset, value, count);
+                EXPECT_EQ(patched.buffer(), expected.buffer())
+                    << "offset " << offset << " value " << value << " bits " << count << " over " << under;
+            }
+        }
+    }
 }
 
 }  // namespace

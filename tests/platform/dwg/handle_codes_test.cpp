@@ -58,6 +58,13 @@ std::vector<HandleRef> References(const std::vector<std::uint8_t>& bytes) {
     return out;
 }
 
+// A dictionary's bytes read back as the reader takes them.
+bool ReadBackDictionary(const std::vector<std::uint8_t>& bytes, DictionaryRecord& back) {
+    ObjectStreams o;
+    MapError error;
+    return OpenObject(bytes, 0, Version::kR2004, 1252, o, error) && ReadDictionary(o, back);
+}
+
 TEST(DwgHandleCodes, dictionary_entries_are_soft_owners_though_the_dictionary_owns_them_hard) {
     DictionaryRecord d;
     d.common.handle = 0x1A;
@@ -67,11 +74,8 @@ TEST(DwgHandleCodes, dictionary_entries_are_soft_owners_though_the_dictionary_ow
     const auto bytes = EncodeDictionary(d, kDictionary, {});
     const std::vector<HandleRef> expected = {{kSoftPointer, 0x0C}, {kSoftOwner, 0x1E}, {kSoftOwner, 0x22}};
     EXPECT_EQ(References(bytes), expected);
-    ObjectStreams o;
-    MapError error;
-    ASSERT_TRUE(OpenObject(bytes, 0, Version::kR2004, 1252, o, error));
     DictionaryRecord back;
-    ASSERT_TRUE(ReadDictionary(o, back));
+    ASSERT_TRUE(ReadBackDictionary(bytes, back));
     EXPECT_EQ(back.hardOwner, 1);
 }
 
@@ -82,11 +86,8 @@ TEST(DwgHandleCodes, owner_one_back_has_no_bytes_and_reads_back_absolute) {
     const auto bytes = EncodeDictionary(d, kDictionary, {});
     const std::vector<HandleRef> expected = {{kOneBack, 0}};
     EXPECT_EQ(References(bytes), expected);
-    ObjectStreams o;
-    MapError error;
-    ASSERT_TRUE(OpenObject(bytes, 0, Version::kR2004, 1252, o, error));
     DictionaryRecord back;
-    ASSERT_TRUE(ReadDictionary(o, back));
+    ASSERT_TRUE(ReadBackDictionary(bytes, back));
     EXPECT_EQ(back.common.owner, 0x0Cu);
 }
 

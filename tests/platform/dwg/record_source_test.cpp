@@ -13,11 +13,13 @@
 #include "platform/db/database.hpp"
 #include "platform/db/line.hpp"
 #include "platform/db/symbol_tables.hpp"
+#include "platform/dwg/corpus_drawings.hpp"
 #include "platform/dwg/write.hpp"
 #include "platform/dwg/write_context.hpp"
 #include "platform/dxf/dxf.hpp"
 #include "platform/dxf/model.hpp"
 #include "platform/dxf/tagger.hpp"
+#include "shared_folder.hpp"
 
 namespace {
 
@@ -64,26 +66,19 @@ void ExpectSameFile(AcDbDatabase& db, int codePage, const std::string& name) {
 }
 
 TEST(DwgRecordSource, corpus_drawings_written_from_tags_as_from_text) {
-    int drawings = 0;
-    for (const char* folder : {"/work/shared/corpus/dxf", "/work/shared/corpus/dwg"}) {
-        if (!std::filesystem::exists(folder)) continue;
-        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-            AcDbDatabase db(false, true);
-            if (db.readDwgFile(dxf::Wide(entry.path().string()).c_str()) != Acad::eOk) continue;
-            ExpectSameFile(db, 936, entry.path().filename().string());
-            ++drawings;
-        }
-    }
+    const int drawings = dwg_test::ForEachCorpusDrawing([](AcDbDatabase& db, const std::filesystem::path& path) {
+        ExpectSameFile(db, 936, path.filename().string());
+    });
     EXPECT_GT(drawings, 20);
 }
 
 // A generated plate drawing of 10000 entities: the model space is long enough for the DXF
 // writer to make its records a batch per thread.
 TEST(DwgRecordSource, generated_plate_drawing_written_from_tags_as_from_text) {
-    const char* generator = "/work/shared/bench/gen_plates.py";
-    if (!std::filesystem::exists(generator)) GTEST_SKIP() << generator << " not found";
+    const std::filesystem::path generator = SharedFile("bench/gen_plates.py");
+    if (!std::filesystem::exists(generator)) GTEST_SKIP() << generator.string() << " not found (TAVRIK_SHARED names its folder)";
     const std::string path = (std::filesystem::temp_directory_path() / "record_source_plates.dxf").string();
-    const std::string command = std::string("/usr/bin/python3 ") + generator + " 10000 " + path + " > /dev/null";
+    const std::string command = "/usr/bin/python3 " + generator.string() + " 10000 " + path + " > /dev/null";
     ASSERT_EQ(std::system(command.c_str()), 0) << command;
     AcDbDatabase db(false, true);
     ASSERT_EQ(dxf::ReadDxfFile(db, path), Acad::eOk);

@@ -18,6 +18,7 @@
 #include "platform/db/database.hpp"
 #include "platform/db/mtext.hpp"
 #include "platform/db/text.hpp"
+#include "platform/dwg/corpus_drawings.hpp"
 #include "platform/dwg/sample_drawing.hpp"
 #include "platform/dwg/write.hpp"
 #include "platform/dxf/model.hpp"
@@ -166,22 +167,17 @@ TEST(DwgWriteOracle, corpus_drawings_written_read_the_same_in_acad_ts_and_libred
     fs::create_directories(out);
     std::vector<std::string> written;
     std::map<std::string, Lines> own;
-    for (const char* folder : {"/work/shared/corpus/dxf", "/work/shared/corpus/dwg"}) {
-        if (!fs::exists(folder)) continue;
-        for (const auto& entry : fs::directory_iterator(folder)) {
-            AcDbDatabase db(false, true);
-            // Drawings our reader does not read yet are not written.
-            if (db.readDwgFile(dxf::Wide(entry.path().string()).c_str()) != Acad::eOk) continue;
-            // The oracles' lines are split at spaces: the written file's name has none.
-            std::string name = entry.path().filename().string() + ".dwg";
-            std::replace(name.begin(), name.end(), ' ', '_');
-            const std::string target = (out / name).string();
-            dwg::DwgWriteReport report;
-            ASSERT_EQ(dwg::WriteDwgFile(db, target, 936, report), Acad::eOk) << target;
-            written.push_back(target);
-            own[fs::path(target).filename().string()] = OwnLines(target);
-        }
-    }
+    // Drawings our reader does not read yet are not written.
+    dwg_test::ForEachCorpusDrawing([&](AcDbDatabase& db, const fs::path& path) {
+        // The oracles' lines are split at spaces: the written file's name has none.
+        std::string name = path.filename().string() + ".dwg";
+        std::replace(name.begin(), name.end(), ' ', '_');
+        const std::string target = (out / name).string();
+        dwg::DwgWriteReport report;
+        ASSERT_EQ(dwg::WriteDwgFile(db, target, 936, report), Acad::eOk) << target;
+        written.push_back(target);
+        own[fs::path(target).filename().string()] = OwnLines(target);
+    });
     ASSERT_GT(written.size(), 20u);
     const auto oracles = OracleLines(written);
     std::string failures;

@@ -26,6 +26,7 @@
 #include "platform/db/text.hpp"
 #include "platform/dwg/classes.hpp"
 #include "platform/dwg/container.hpp"
+#include "platform/dwg/corpus_drawings.hpp"
 #include "platform/dwg/read.hpp"
 #include "platform/dwg/sample_drawing.hpp"
 #include "platform/dwg/twin_compare.hpp"
@@ -245,38 +246,31 @@ TEST(DwgWrite, gbk_names_and_texts_survive_in_code_page_936_and_as_escapes_other
 // with the same values; the objects the writer leaves out are named in its report and are all
 // that the drawing read back lacks.
 TEST(DwgWrite, corpus_drawings_read_back_with_the_same_objects) {
-    int drawings = 0;
-    for (const char* folder : {"/work/shared/corpus/dxf", "/work/shared/corpus/dwg"}) {
-        if (!std::filesystem::exists(folder)) continue;
-        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-            AcDbDatabase db(false, true);
-            if (db.readDwgFile(dxf::Wide(entry.path().string()).c_str()) != Acad::eOk) continue;
-            dwg::DwgWriteReport report;
-            const Bytes bytes = Written(db, report);
-            AcDbDatabase back(false, true);
-            const std::string name = entry.path().filename().string();
-            ASSERT_EQ(dwg::ReadDwgBytes(back, bytes, name), Acad::eOk) << dxf::Utf8(back.lastError());
-            dwg_test::TwinComparison comparison;
-            comparison.compare(back, db, db.handseed().value());
-            const auto unexplained = Unexplained(comparison, report, db, back);
-            EXPECT_TRUE(unexplained.empty()) << name << "\n" << Joined(unexplained);
-            // The objects left out, by record type (the other entries name values, with spaces).
-            int leftOut = 0;
-            for (const auto& [type, count] : report.leftOut) {
-                if (type.find(' ') == std::string::npos) leftOut += count;
-            }
-            std::map<std::string, int> missingKinds;
-            for (std::uint64_t handle : comparison.missing) {
-                AcDbObjectId id;
-                db.getAcDbObjectId(id, false, AcDbHandle(handle));
-                ++missingKinds[dxf::TypeName(*id.stub()->object)];
-            }
-            std::string kinds;
-            for (const auto& [kind, count] : missingKinds) kinds += " " + kind + ":" + std::to_string(count);
-            EXPECT_EQ(comparison.missing.size(), static_cast<std::size_t>(leftOut)) << name << kinds;
-            ++drawings;
+    const int drawings = dwg_test::ForEachCorpusDrawing([](AcDbDatabase& db, const std::filesystem::path& path) {
+        dwg::DwgWriteReport report;
+        const Bytes bytes = Written(db, report);
+        AcDbDatabase back(false, true);
+        const std::string name = path.filename().string();
+        ASSERT_EQ(dwg::ReadDwgBytes(back, bytes, name), Acad::eOk) << dxf::Utf8(back.lastError());
+        dwg_test::TwinComparison comparison;
+        comparison.compare(back, db, db.handseed().value());
+        const auto unexplained = Unexplained(comparison, report, db, back);
+        EXPECT_TRUE(unexplained.empty()) << name << "\n" << Joined(unexplained);
+        // The objects left out, by record type (the other entries name values, with spaces).
+        int leftOut = 0;
+        for (const auto& [type, count] : report.leftOut) {
+            if (type.find(' ') == std::string::npos) leftOut += count;
         }
-    }
+        std::map<std::string, int> missingKinds;
+        for (std::uint64_t handle : comparison.missing) {
+            AcDbObjectId id;
+            db.getAcDbObjectId(id, false, AcDbHandle(handle));
+            ++missingKinds[dxf::TypeName(*id.stub()->object)];
+        }
+        std::string kinds;
+        for (const auto& [kind, count] : missingKinds) kinds += " " + kind + ":" + std::to_string(count);
+        EXPECT_EQ(comparison.missing.size(), static_cast<std::size_t>(leftOut)) << name << kinds;
+    });
     EXPECT_GT(drawings, 20);
 }
 

@@ -1,6 +1,7 @@
 // ezdxf reads the block that each dimension made in memory names, with the picture in it.
 #include <gtest/gtest.h>
 
+#include "drawing_queries.hpp"
 #include "platform/db/block_table_record.hpp"
 #include "platform/db/dimension.hpp"
 #include "platform/dxf/dxf.hpp"
@@ -9,11 +10,7 @@
 namespace {
 
 AcDbObjectId Append(AcDbDatabase& db, AcDbDimension* dim) {
-    AcDbBlockTable* blocks = nullptr;
-    db.getSymbolTable(blocks, AcDb::kForRead);
-    AcDbBlockTableRecord* model = nullptr;
-    blocks->getAt(ACDB_MODEL_SPACE, model, AcDb::kForWrite);
-    blocks->close();
+    AcDbBlockTableRecord* model = OpenModelSpace(db, AcDb::kForWrite);
     AcDbObjectId id;
     model->appendAcDbEntity(id, dim);
     model->close();

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <fstream>
 
+#include "platform/win/codepage.hpp"
 #include "platform/win/files.hpp"
 #include "platform/win/paths.hpp"
 #include "platform/win/recycle.hpp"
@@ -109,6 +110,39 @@ TEST_F(Recycle, overwritten_file_with_the_bytes_of_a_kept_one_shares_its_storage
     EXPECT_TRUE(fs::equivalent(root / files[0].item, root / files[1].item));
     EXPECT_EQ(ReadBytes(prefix_ / "drives/d/b.dxf"), "new");
 }
+
+// A file with the bytes of one kept `between` files earlier: the last 32 kept files are looked
+// at, so that a batch does not hold an entry for every file that it kept.
+struct KeptDistance {
+    int between;
+    bool shared;
+};
+
+class RecycleWindow : public Recycle, public ::testing::WithParamInterface<KeptDistance> {};
+
+TEST_P(RecycleWindow, equal_bytes_share_storage_with_the_last_32_kept_files_only) {
+    WriteBytes("drives/d/first.dxf", "same");
+    ASSERT_TRUE(DeleteFileW(L"D:\\first.dxf"));
+    for (int i = 0; i < GetParam().between; ++i) {
+        std::string name = "other" + std::to_string(i) + ".dxf";
+        WriteBytes("drives/d/" + name, "bytes " + std::to_string(i));
+        ASSERT_TRUE(DeleteFileW(WideFromUtf8("D:\\" + name).c_str()));
+    }
+    WriteBytes("drives/d/last.dxf", "same");
+    ASSERT_TRUE(DeleteFileW(L"D:\\last.dxf"));
+    fs::path root = prefix_ / kRecycleFolderName;
+    fs::path first, last;
+    for (const RecycledFile& file : ListRecycle(prefix_)) {
+        if (file.original == "drives/d/first.dxf") first = root / file.item;
+        if (file.original == "drives/d/last.dxf") last = root / file.item;
+    }
+    ASSERT_FALSE(first.empty() || last.empty());
+    EXPECT_EQ(fs::equivalent(first, last), GetParam().shared);
+    EXPECT_EQ(ReadBytes(last), "same");
+}
+
+INSTANTIATE_TEST_SUITE_P(Distances, RecycleWindow,
+                         ::testing::Values(KeptDistance{0, true}, KeptDistance{31, true}, KeptDistance{32, false}));
 
 // Entry folders of earlier runs, dated `days` days back.
 void MakeEntry(const fs::path& prefix, const std::string& name, int days) {
