@@ -63,8 +63,13 @@ EntityCommon EntityCommonOf(const SourceRecord& record, std::uint64_t owner, Wri
     const SourceRecord& r = properties;
     e.owner = owner;
     e.mode = owner == c.modelSpace ? 2 : owner == c.paperSpace ? 1 : 0;
-    e.layer = WriteContext::find(c.layers, r.has(8) ? r.text(8) : "0");
-    if (e.layer == 0) e.layer = WriteContext::find(c.layers, "0");
+    const std::string_view layer = r.has(8) ? r.text(8) : "0";
+    if (c.lastLayer == 0 || layer != c.lastLayerName) {
+        c.lastLayer = WriteContext::find(c.layers, layer);
+        if (c.lastLayer == 0) c.lastLayer = WriteContext::find(c.layers, "0");
+        c.lastLayerName = layer;
+    }
+    e.layer = c.lastLayer;
     const std::string linetype = NameKey(r.text(6));
     if (linetype == "BYBLOCK") {
         e.linetypeFlags = 1;
@@ -430,8 +435,8 @@ void WriteRange(const std::vector<SourceRecord>& records, std::size_t begin, std
                 std::uint64_t owner, WriteContext& c, std::vector<std::uint64_t>& top) {
     EntityWriter writer{records, c};
     for (std::size_t i = begin; i < end;) {
-        const std::uint64_t recordOwner = records[i].owner() != 0 ? records[i].owner() : owner;
-        i = writer.write(i, recordOwner, top);
+        const std::uint64_t own = records[i].owner();
+        i = writer.write(i, own != 0 ? own : owner, top);
     }
 }
 
@@ -452,6 +457,7 @@ std::vector<EntityBatch> Batches(const std::vector<SourceRecord>& records, Write
         std::size_t end = std::min(records.size(), begin + kEntityBatch);
         while (end < records.size() && IsOwnedRecord(records[end])) ++end;
         batches.push_back({begin, end, c, {}});
+        batches.back().part.batch = true;
         begin = end;
     }
     c.objects = std::move(objects);
@@ -463,11 +469,7 @@ std::vector<EntityBatch> Batches(const std::vector<SourceRecord>& records, Write
 std::vector<std::uint64_t> Gathered(std::vector<EntityBatch>& batches, WriteContext& c) {
     std::vector<std::uint64_t> top;
     for (EntityBatch& batch : batches) {
-        while (!batch.part.objects.empty()) {
-            auto node = batch.part.objects.extract(batch.part.objects.begin());
-            auto placed = c.objects.insert(c.objects.end(), std::move(node));
-            if (node) placed->second = std::move(node.mapped());
-        }
+        for (auto& [handle, bytes] : batch.part.batchObjects) c.add(handle, std::move(bytes));
         for (const auto& [type, count] : batch.part.leftOut) c.leftOut[type] += count;
         top.insert(top.end(), batch.top.begin(), batch.top.end());
     }

@@ -253,15 +253,15 @@ std::vector<std::string> MissingNames(const SourceDrawing& source, int code,
                                       std::unordered_map<std::string, std::uint64_t>& table,
                                       WriteContext& c) {
     std::vector<std::string> missing;
-    // Entities in a row mostly name the same: a name is looked up when it changes.
-    std::string_view last;
-    bool any = false;
+    // Entities mostly name a few layers and linetypes: a name is looked up the first time it
+    // comes, while there are few names to remember.
+    constexpr std::size_t kRemembered = 32;
+    std::vector<std::string_view> seen;
     auto note = [&](const SourceRecord& r) {
         const std::string_view name = r.text(code);
-        if (any && name == last) return;
+        if (std::find(seen.begin(), seen.end(), name) != seen.end()) return;
         NoteName(r, code, table, c, missing);
-        last = name;
-        any = true;
+        if (seen.size() < kRemembered) seen.push_back(name);
     };
     for (const SourceRecord& r : source.entities) note(r);
     for (const SourceBlock& block : source.blocks) {
