@@ -67,8 +67,9 @@ struct Drawing {
     bool decode(MapError& error);
     bool decodeOne(const ObjectLocation& loc, MapError& error);
     MapError decodeError(const Item& item) const {
-        return {static_cast<std::size_t>(item.offset), "object " + std::to_string(item.handle) + " (" +
-                                                           typeName(item) + ") does not hold what its type needs"};
+        return {static_cast<std::size_t>(item.offset),
+                "object " + std::to_string(item.handle) + " (" + typeName(item) +
+                    ") does not hold what its type needs"};
     }
     bool decodeAgain(const Item& item, DecodedObject& decoded);
     bool checkUnwritten(MapError& error);
@@ -172,7 +173,8 @@ bool Drawing::decodeOne(const ObjectLocation& loc, MapError& error) {
 bool Drawing::decodeAgain(const Item& item, DecodedObject& decoded) {
     ObjectStreams o;
     MapError error;
-    if (OpenObject(sections.objects, item.offset, sections.version, sections.codePage, o, error, false) &&
+    if (OpenObject(sections.objects, item.offset, sections.version, sections.codePage, o, error,
+                   false) &&
         DecodeObject(o, classes, decoded)) {
         return true;
     }

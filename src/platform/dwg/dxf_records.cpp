@@ -48,7 +48,9 @@ void DxfText::flush() {
     if (feed_ == nullptr || spans_.empty()) return;
     tags_.clear();
     const std::string_view values = out_;
-    for (const Span& s : spans_) tags_.push_back({s.code, values.substr(s.begin, s.end - s.begin), 0, s.made});
+    for (const Span& s : spans_) {
+        tags_.push_back({s.code, values.substr(s.begin, s.end - s.begin), 0, s.made});
+    }
     feed_->record(tags_);
     spans_.clear();
     out_.clear();
