@@ -67,8 +67,9 @@ struct Drawing {
     bool decode(MapError& error);
     bool decodeOne(const ObjectLocation& loc, MapError& error);
     MapError decodeError(const Item& item) const {
-        return {static_cast<std::size_t>(item.offset), "object " + std::to_string(item.handle) + " (" +
-                                                           typeName(item) + ") does not hold what its type needs"};
+        return {static_cast<std::size_t>(item.offset),
+                "object " + std::to_string(item.handle) + " (" + typeName(item) +
+                    ") does not hold what its type needs"};
     }
     bool decodeAgain(const Item& item, DecodedObject& decoded);
     bool checkUnwritten(MapError& error);
@@ -172,7 +173,8 @@ bool Drawing::decodeOne(const ObjectLocation& loc, MapError& error) {
 bool Drawing::decodeAgain(const Item& item, DecodedObject& decoded) {
     ObjectStreams o;
     MapError error;
-    if (OpenObject(sections.objects, item.offset, sections.version, sections.codePage, o, error, false) &&
+    if (OpenObject(sections.objects, item.offset, sections.version, sections.codePage, o, error,
+                   false) &&
         DecodeObject(o, classes, decoded)) {
         return true;
     }
@@ -327,8 +329,17 @@ void Drawing::writeTable(const char* name, std::int32_t recordType, std::uint64_
     out.tag(0, "TABLE");
     out.tag(2, name);
     out.handle(5, control);
+    // The control object's extension dictionary and extended data, which a drawing may give it.
+    const Item* controlItem = find(control);
+    const auto* kept = controlItem ? std::get_if<KeptObject>(controlItem->decoded.get()) : nullptr;
+    if (kept != nullptr && kept->common.extensionDictionary != 0) {
+        out.tag(102, "{ACAD_XDICTIONARY");
+        out.handle(360, kept->common.extensionDictionary);
+        out.tag(102, "}");
+    }
     out.handle(330, 0);
     out.tag(100, "AcDbSymbolTable");
+    if (kept != nullptr) writeExtendedData(kept->common);
     for (const Item& item : items) {
         if (item.type != recordType) continue;
         if (const auto* layer = std::get_if<LayerRecord>(item.decoded.get())) {

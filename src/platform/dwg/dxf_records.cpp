@@ -48,7 +48,9 @@ void DxfText::flush() {
     if (feed_ == nullptr || spans_.empty()) return;
     tags_.clear();
     const std::string_view values = out_;
-    for (const Span& s : spans_) tags_.push_back({s.code, values.substr(s.begin, s.end - s.begin), 0, s.made});
+    for (const Span& s : spans_) {
+        tags_.push_back({s.code, values.substr(s.begin, s.end - s.begin), 0, s.made});
+    }
     feed_->record(tags_);
     spans_.clear();
     out_.clear();
@@ -152,6 +154,9 @@ void EntityProperties(DxfText& out, const EntityCommon& c, std::uint64_t owner,
     const int lineweight = LineweightFromIndex(c.lineweight);
     if (lineweight != -1) out.integer(370, lineweight);
     if (c.linetypeScale != 1.0) out.tag(48, c.linetypeScale);
+    // How the plot style is given (by layer unless said), and its object when by handle.
+    if (c.plotStyleFlags != 0) out.integer(380, c.plotStyleFlags);
+    if (c.plotStyleFlags == 3 && c.plotStyle != 0) out.handle(390, c.plotStyle);
     if (c.invisible & 1) out.integer(60, 1);
 }
 

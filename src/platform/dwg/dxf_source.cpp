@@ -47,9 +47,31 @@ long long SourceRecord::integer(int code, long long fallback) const {
 
 std::uint64_t SourceRecord::handle(int code) const { return ParseHandle(text(code)); }
 
+namespace {
+
+double Number(std::string_view text) {
+    double value = 0;
+    return dxf::ParseDouble(text, value) ? value : 0;
+}
+
+}  // namespace
+
+// The first tag of each coordinate's code, found in one walk over the tags.
 Point3 SourceRecord::point(int code, Point3 fallback) const {
-    if (!has(code)) return fallback;
-    return {real(code), real(code + 10), real(code + 20)};
+    const std::string_view* x = nullptr;
+    const std::string_view* y = nullptr;
+    const std::string_view* z = nullptr;
+    for (const auto& [c, v] : tags) {
+        if (c == code) {
+            if (x == nullptr) x = &v;
+        } else if (c == code + 10) {
+            if (y == nullptr) y = &v;
+        } else if (c == code + 20) {
+            if (z == nullptr) z = &v;
+        }
+    }
+    if (x == nullptr) return fallback;
+    return {Number(*x), y != nullptr ? Number(*y) : 0, z != nullptr ? Number(*z) : 0};
 }
 
 Point2 SourceRecord::point2(int code) const { return {real(code), real(code + 10)}; }
@@ -129,7 +151,7 @@ struct Grouping {
             out.classes.push_back(r);
         } else if (section == "TABLES") {
             if (r.type == "TABLE") {
-                out.tables.push_back({r.text(2), r.handle(5), {}});
+                out.tables.push_back({r.text(2), r.handle(5), {}, r});
             } else if (r.type != "ENDTAB" && !out.tables.empty()) {
                 out.tables.back().records.push_back(r);
             }

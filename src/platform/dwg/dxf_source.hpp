@@ -44,6 +44,7 @@ struct SourceTable {
     std::string_view name;
     std::uint64_t handle = 0;
     std::vector<SourceRecord> records;
+    SourceRecord head;  // the TABLE record: the control object's own groups
 };
 
 // A block: its BLOCK record, its entities, its ENDBLK.

@@ -24,6 +24,11 @@ public:
     std::vector<std::uint8_t> take() { return std::move(bytes_); }
     // Room for this many bytes before the buffer grows.
     void reserve(std::size_t bytes) { bytes_.reserve(bytes); }
+    // Empty again, keeping the buffer's room.
+    void clear() {
+        bytes_.clear();
+        bit_ = 0;
+    }
     // Pads with zero bits to the next byte.
     void alignToByte();
     // Overwrites `count` bits at a bit position already written (sizes known only afterwards).

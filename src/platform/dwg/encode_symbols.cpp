@@ -1,5 +1,7 @@
 #include "platform/dwg/encode_symbols.hpp"
 
+#include <algorithm>
+
 #include "platform/dwg/encode_header.hpp"
 #include "platform/dwg/encode_tables.hpp"
 #include "platform/dwg/entities.hpp"
@@ -122,9 +124,15 @@ std::vector<std::uint8_t> EncodeControl(const ControlRecord& control,
                                  options.codePage);
     WriteObjectCommon(o, control.common);
     o.data.BL(static_cast<std::int32_t>(control.entries.size()));
-    if (control.type == kDimStyleControl) o.data.RC(0);  // no further handles
+    // The dimension style table refers to its styles once more, by hard pointers after the
+    // entries, as AutoCAD writes it: their count, then them.
+    const bool styles = control.type == kDimStyleControl;
+    if (styles) o.data.RC(static_cast<std::uint8_t>(std::min<std::size_t>(control.entries.size(), 255)));
     for (std::uint64_t entry : control.entries) WriteHandle(o, kSoftOwner, entry);
     for (std::uint64_t apart : control.apart) WriteHandle(o, kHardOwner, apart);
+    for (std::size_t i = 0; styles && i < std::min<std::size_t>(control.entries.size(), 255); ++i) {
+        WriteHandle(o, kHardPointer, control.entries[i]);
+    }
     return FinishObject(o);
 }
 

@@ -42,7 +42,9 @@ namespace {
 std::vector<std::uint8_t> Taken(std::span<const std::uint8_t> section, DwgContainer* container) {
     if (container != nullptr && !section.empty()) {
         for (std::vector<std::uint8_t>& buffer : container->buffers) {
-            if (buffer.data() == section.data() && buffer.size() == section.size()) return std::move(buffer);
+            if (buffer.data() == section.data() && buffer.size() == section.size()) {
+                return std::move(buffer);
+            }
         }
     }
     return {section.begin(), section.end()};

@@ -28,7 +28,8 @@ bool KeepsFiledObjects(const DwgSections& sections);
 // sections it was read from. Other files keep nothing. Given the container the sections were
 // decoded into, the buffers that hold them are moved out of it (the sections then point at
 // nothing) rather than copied.
-void KeepFiledObjects(AcDbDatabase& db, const DwgSections& sections, DwgContainer* container = nullptr);
+void KeepFiledObjects(AcDbDatabase& db, const DwgSections& sections,
+                      DwgContainer* container = nullptr);
 
 // Replaces the writer's encoding of each object whose fingerprint is that of the read (the kept
 // sections read again and encoded) by the bytes the file stored, when the file's code page is

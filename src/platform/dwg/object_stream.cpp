@@ -40,7 +40,8 @@ bool OpenObject(std::span<const std::uint8_t> objects, std::int64_t offset, Vers
     const auto bytes = objects.subspan(dataStart, out.size);
     const std::uint16_t stored = static_cast<std::uint16_t>(objects[dataStart + out.size] |
                                                             (objects[dataStart + out.size + 1] << 8));
-    if (kCrcRefuses && checkCrc && Crc16(0xC0C1, objects.subspan(start, sizeBytes + out.size)) != stored) {
+    if (kCrcRefuses && checkCrc &&
+        Crc16(0xC0C1, objects.subspan(start, sizeBytes + out.size)) != stored) {
         error = {start, "object CRC mismatch"};
         return false;
     }

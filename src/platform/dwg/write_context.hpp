@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "platform/db/database.hpp"
@@ -34,12 +35,23 @@ struct WriteContext {
     std::map<std::string, std::int32_t, std::less<>> classNumbers;  // DXF name: object type
     int dwgCodePage = 30;  // the file header's number of the texts' code page
     std::size_t threads = 1;  // that encode a long list of entities, a batch each
+    // Set in the copy that encodes one batch of a long list: its objects are kept in their
+    // order in batchObjects, to be placed after those of the batches before it.
+    bool batch = false;
+    std::vector<std::pair<std::uint64_t, std::vector<std::uint8_t>>> batchObjects;
+    // The layer name the last entity gave and its layer: entities in a row mostly share one.
+    std::string_view lastLayerName;
+    std::uint64_t lastLayer = 0;
 
     std::uint64_t handleOf(const SourceRecord& r, int code = 5);
     static std::uint64_t find(const std::unordered_map<std::string, std::uint64_t>& table,
                               std::string_view name);
     // Objects mostly come in the order of their handles: the end is tried first.
     void add(std::uint64_t handle, std::vector<std::uint8_t> bytes) {
+        if (batch) {
+            batchObjects.emplace_back(handle, std::move(bytes));
+            return;
+        }
         objects.insert_or_assign(objects.end(), handle, std::move(bytes));
     }
     bool written(std::uint64_t handle) const { return objects.count(handle) != 0; }
@@ -70,6 +82,11 @@ std::vector<ExtendedData> ExtendedDataOf(const SourceRecord& r, const WriteConte
 
 // An entity's common data from its record.
 EntityCommon EntityCommonOf(const SourceRecord& r, std::uint64_t owner, WriteContext& c);
+
+// The common data of an entity the database holds as a part of its owner (BLOCK, ENDBLK,
+// VERTEX, SEQEND): its record carries its owner's reactors, extension dictionary and extended
+// data, which are not the part's. BLOCK and ENDBLK are stored by space as entities are.
+EntityCommon PartCommonOf(const SourceRecord& r, std::uint64_t owner, WriteContext& c);
 
 // The dimension variables of a new drawing, for those a record or the header does not give.
 DimensionVariables NewDrawingDimensionVariables();

@@ -210,6 +210,11 @@ std::int32_t ClassNumber(const std::vector<ClassRecord>& classes, std::string_vi
 // The objects section: its marker, then each object; their offsets make the object map.
 std::vector<std::uint8_t> ObjectsSection(const WriteContext& c, std::vector<ObjectLocation>& map) {
     std::vector<std::uint8_t> out = {0xCA, 0x0D, 0x00, 0x00};
+    // Laid out once: the section holds every object.
+    std::size_t size = out.size();
+    for (const auto& [handle, bytes] : c.objects) size += bytes.size();
+    out.reserve(size);
+    map.reserve(map.size() + c.objects.size());
     for (const auto& [handle, bytes] : c.objects) {
         map.push_back({handle, static_cast<std::int64_t>(out.size())});
         out.insert(out.end(), bytes.begin(), bytes.end());
@@ -221,7 +226,21 @@ std::vector<std::uint8_t> ObjectsSection(const WriteContext& c, std::vector<Obje
 // writer makes (missing layers, SEQENDs) take theirs from it.
 std::uint64_t FirstFreeHandle(const SourceDrawing& s) {
     std::uint64_t top = 0;
-    auto note = [&](const SourceRecord& r) { top = std::max({top, r.handle(5), r.handle(105)}); };
+    // The first 5 and the first 105 tag (a dimension style's handle), in one walk.
+    auto note = [&](const SourceRecord& r) {
+        std::string_view handle, styleHandle;
+        bool seen = false, styleSeen = false;
+        for (const auto& [code, value] : r.tags) {
+            if (code == 5 && !seen) {
+                handle = value;
+                seen = true;
+            } else if (code == 105 && !styleSeen) {
+                styleHandle = value;
+                styleSeen = true;
+            }
+        }
+        top = std::max({top, ParseHandle(handle), ParseHandle(styleHandle)});
+    };
     for (const SourceTable& t : s.tables) {
         top = std::max(top, t.handle);
         for (const SourceRecord& r : t.records) note(r);
@@ -317,14 +336,15 @@ std::vector<std::uint8_t> AssembleDwg(const AcDbDatabase& db, EncodedDrawing& en
     report.leftOut = c.leftOut;
     // Every object of the database that the file does not hold, by its record type: the kinds
     // without an encoder, and any object the drawing's records did not carry.
-    // The object map lists the written handles in their order.
+    // The object map lists the written handles in their order; it is asked first, so that the
+    // objects written (nearly all) are not visited.
     const auto written = [&map](std::uint64_t handle) {
         const auto at = std::lower_bound(map.begin(), map.end(), handle,
                                          [](const ObjectLocation& l, std::uint64_t h) { return l.handle < h; });
         return at != map.end() && at->handle == handle;
     };
     for (const AcDbStub& stub : db.stubs()) {
-        if (!stub.object || stub.object->isErased() || written(stub.handle.value())) continue;
+        if (!stub.object || written(stub.handle.value()) || stub.object->isErased()) continue;
         ++report.leftOut[dxf::TypeName(*stub.object)];
     }
     return out;

@@ -63,8 +63,13 @@ EntityCommon EntityCommonOf(const SourceRecord& record, std::uint64_t owner, Wri
     const SourceRecord& r = properties;
     e.owner = owner;
     e.mode = owner == c.modelSpace ? 2 : owner == c.paperSpace ? 1 : 0;
-    e.layer = WriteContext::find(c.layers, r.has(8) ? r.text(8) : "0");
-    if (e.layer == 0) e.layer = WriteContext::find(c.layers, "0");
+    const std::string_view layer = r.has(8) ? r.text(8) : "0";
+    if (c.lastLayer == 0 || layer != c.lastLayerName) {
+        c.lastLayer = WriteContext::find(c.layers, layer);
+        if (c.lastLayer == 0) c.lastLayer = WriteContext::find(c.layers, "0");
+        c.lastLayerName = layer;
+    }
+    e.layer = c.lastLayer;
     const std::string linetype = NameKey(r.text(6));
     if (linetype == "BYBLOCK") {
         e.linetypeFlags = 1;
@@ -82,8 +87,18 @@ EntityCommon EntityCommonOf(const SourceRecord& record, std::uint64_t owner, Wri
     }
     e.lineweight = LineweightIndex(static_cast<int>(r.integer(370, -1)));
     e.linetypeScale = r.real(48, 1.0);
+    e.plotStyleFlags = static_cast<std::uint8_t>(r.integer(380, 0) & 3);
+    if (e.plotStyleFlags == 3) e.plotStyle = r.handle(390);
     e.invisible = static_cast<std::int16_t>(r.integer(60, 0));
     return e;
+}
+
+EntityCommon PartCommonOf(const SourceRecord& r, std::uint64_t owner, WriteContext& c) {
+    EntityCommon common = EntityCommonOf(r, owner, c);
+    common.extensionDictionary = 0;
+    common.reactors.clear();
+    common.extended.clear();
+    return common;
 }
 
 namespace {
@@ -332,7 +347,7 @@ std::uint64_t EntityWriter::writeSeqend(std::size_t& i, std::uint64_t owner) {
         c.add(common.handle, EncodeCommonOnly(common, kSeqend, c.options));
         return common.handle;
     }
-    EntityCommon common = EntityCommonOf(records[i], owner, c);
+    EntityCommon common = PartCommonOf(records[i], owner, c);
     common.mode = 0;
     ++i;
     c.add(common.handle, EncodeCommonOnly(common, kSeqend, c.options));
@@ -367,7 +382,7 @@ std::size_t EntityWriter::writePolyline(std::size_t i, EntityCommon common, std:
     const std::size_t end = OwnedEnd(records, i + 1);
     std::size_t next = i + 1;
     for (; next < end; ++next) {
-        EntityCommon vc = EntityCommonOf(records[next], polyline.common.handle, c);
+        EntityCommon vc = PartCommonOf(records[next], polyline.common.handle, c);
         vc.mode = 0;
         const std::uint64_t handle = vc.handle;
         c.add(handle, EncodeVertex(VertexOf(records[next], std::move(vc), kind), c.options));
@@ -420,8 +435,8 @@ void WriteRange(const std::vector<SourceRecord>& records, std::size_t begin, std
                 std::uint64_t owner, WriteContext& c, std::vector<std::uint64_t>& top) {
     EntityWriter writer{records, c};
     for (std::size_t i = begin; i < end;) {
-        const std::uint64_t recordOwner = records[i].owner() != 0 ? records[i].owner() : owner;
-        i = writer.write(i, recordOwner, top);
+        const std::uint64_t own = records[i].owner();
+        i = writer.write(i, own != 0 ? own : owner, top);
     }
 }
 
@@ -442,6 +457,7 @@ std::vector<EntityBatch> Batches(const std::vector<SourceRecord>& records, Write
         std::size_t end = std::min(records.size(), begin + kEntityBatch);
         while (end < records.size() && IsOwnedRecord(records[end])) ++end;
         batches.push_back({begin, end, c, {}});
+        batches.back().part.batch = true;
         begin = end;
     }
     c.objects = std::move(objects);
@@ -453,11 +469,7 @@ std::vector<EntityBatch> Batches(const std::vector<SourceRecord>& records, Write
 std::vector<std::uint64_t> Gathered(std::vector<EntityBatch>& batches, WriteContext& c) {
     std::vector<std::uint64_t> top;
     for (EntityBatch& batch : batches) {
-        while (!batch.part.objects.empty()) {
-            auto node = batch.part.objects.extract(batch.part.objects.begin());
-            auto placed = c.objects.insert(c.objects.end(), std::move(node));
-            if (node) placed->second = std::move(node.mapped());
-        }
+        for (auto& [handle, bytes] : batch.part.batchObjects) c.add(handle, std::move(bytes));
         for (const auto& [type, count] : batch.part.leftOut) c.leftOut[type] += count;
         top.insert(top.end(), batch.top.begin(), batch.top.end());
     }

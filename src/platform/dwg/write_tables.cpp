@@ -253,15 +253,15 @@ std::vector<std::string> MissingNames(const SourceDrawing& source, int code,
                                       std::unordered_map<std::string, std::uint64_t>& table,
                                       WriteContext& c) {
     std::vector<std::string> missing;
-    // Entities in a row mostly name the same: a name is looked up when it changes.
-    std::string_view last;
-    bool any = false;
+    // Entities mostly name a few layers and linetypes: a name is looked up the first time it
+    // comes, while there are few names to remember.
+    constexpr std::size_t kRemembered = 32;
+    std::vector<std::string_view> seen;
     auto note = [&](const SourceRecord& r) {
         const std::string_view name = r.text(code);
-        if (any && name == last) return;
+        if (std::find(seen.begin(), seen.end(), name) != seen.end()) return;
         NoteName(r, code, table, c, missing);
-        last = name;
-        any = true;
+        if (seen.size() < kRemembered) seen.push_back(name);
     };
     for (const SourceRecord& r : source.entities) note(r);
     for (const SourceBlock& block : source.blocks) {
@@ -312,6 +312,9 @@ void WriteTables(const SourceDrawing& source, WriteContext& c, HeaderHandles& ha
         ControlRecord control;
         control.type = kind->control;
         control.common.handle = table.handle != 0 ? table.handle : c.nextHandle++;
+        const auto dictionaries = table.head.group("{ACAD_XDICTIONARY", 360);
+        if (!dictionaries.empty()) control.common.extensionDictionary = dictionaries.front();
+        control.common.extended = ExtendedDataOf(table.head, c);
         for (const SourceRecord& r : table.records) {
             const std::string key = NameKey(r.text(2));
             std::uint64_t handle = 0;
@@ -411,16 +414,6 @@ std::string BinaryOf(const SourceRecord& r, int code) {
     return out;
 }
 
-// A BLOCK or ENDBLK: the space it belongs to as the entities of that space say it (model space
-// 2, paper space 1, any other block by its owner's handle), and no extension dictionary or
-// reactors, which are its block record's.
-EntityCommon BlockEntityCommonOf(const SourceRecord& r, std::uint64_t recordHandle, WriteContext& c) {
-    EntityCommon common = EntityCommonOf(r, recordHandle, c);
-    common.extensionDictionary = 0;
-    common.reactors.clear();
-    return common;
-}
-
 }  // namespace
 
 BlockInserts InsertsOf(const SourceDrawing& source, const WriteContext& c) {
@@ -466,11 +459,11 @@ void WriteBlocks(const SourceDrawing& source, WriteContext& c, const BlockInsert
         if (referring != inserts.end()) b.inserts = referring->second;
 
         BlockBeginRecord begin;
-        begin.common = BlockEntityCommonOf(block.begin, recordHandle, c);
+        begin.common = PartCommonOf(block.begin, recordHandle, c);
         begin.name = name;
         b.blockEntity = begin.common.handle;
         c.add(begin.common.handle, EncodeBlockBegin(begin, c.options));
-        const EntityCommon end = BlockEntityCommonOf(block.end, recordHandle, c);
+        const EntityCommon end = PartCommonOf(block.end, recordHandle, c);
         b.endBlock = end.handle;
         c.add(end.handle, EncodeCommonOnly(end, kEndblk, c.options));
 

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 #include <streambuf>
@@ -229,6 +230,62 @@ TEST(DwgRead, stream_bytes_are_read_from_where_the_stream_stands) {
     std::istream piped(&buffer);
     const std::vector<std::uint8_t> all = dwg::StreamBytes(piped);
     EXPECT_EQ(std::string(all.begin(), all.end()), "AC1018 piped");
+}
+
+// A stream that tells a size larger than it holds (a file cut short while it is read) gives
+// what it holds.
+TEST(DwgRead, stream_bytes_of_a_stream_shorter_than_it_says_are_what_it_holds) {
+    // Says it ends at 100 and holds 10 characters.
+    struct Shrunk : std::streambuf {
+        explicit Shrunk(std::string& s) { setg(s.data(), s.data(), s.data() + s.size()); }
+        pos_type seekoff(off_type off, std::ios_base::seekdir dir, std::ios_base::openmode) override {
+            at = (dir == std::ios_base::end ? 100 : dir == std::ios_base::cur ? at : 0) + off;
+            return pos_type(at);
+        }
+        pos_type seekpos(pos_type pos, std::ios_base::openmode) override {
+            at = pos;
+            setg(eback(), eback() + std::min<off_type>(pos, egptr() - eback()), egptr());
+            return pos;
+        }
+        off_type at = 0;
+    };
+    std::string text = "AC1018 cut";
+    Shrunk buffer(text);
+    std::istream in(&buffer);
+    const std::vector<std::uint8_t> bytes = dwg::StreamBytes(in);
+    EXPECT_EQ(std::string(bytes.begin(), bytes.end()), "AC1018 cut");
+}
+
+// A damaged container is named as the container reader names it, whether the file's bytes are
+// lent or handed over, and the database is left empty.
+TEST(DwgRead, a_damaged_container_is_named_by_both_ways_of_handing_the_file) {
+    auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_2004.dwg"));
+    file.resize(file.size() / 2);
+    dwg::DwgContainer container;
+    dwg::MapError error;
+    ASSERT_FALSE(dwg::ReadDwgContainer(file, container, error));
+    const std::string expected = "cut.dwg: offset " + std::to_string(error.offset) + ": " + error.reason;
+    AcDbDatabase lent(true, true), given(true, true);
+    EXPECT_EQ(dwg::ReadDwgBytes(lent, std::span<const std::uint8_t>(file), "cut.dwg"), Acad::eDwgNeedsRecovery);
+    EXPECT_EQ(dwg::ReadDwgBytes(given, std::vector<std::uint8_t>(file), "cut.dwg"), Acad::eDwgNeedsRecovery);
+    EXPECT_EQ(Utf8FromWide(lent.lastError()), expected);
+    EXPECT_EQ(Utf8FromWide(given.lastError()), expected);
+    EXPECT_TRUE(lent.stubs().empty());
+    EXPECT_TRUE(given.stubs().empty());
+}
+
+// A section is taken from the buffer that holds it, not from another one of its size.
+TEST(DwgRead, a_filed_section_is_taken_from_its_own_buffer) {
+    dwg::DwgContainer container;
+    container.buffers = {{1, 2, 3, 4}, {5, 6, 7, 8}};
+    dwg::DwgSections sections;
+    sections.version = dwg::Version::kR2004;
+    sections.codePage = 1252;
+    sections.header = container.buffers[1];
+    AcDbDatabase db(false, true);
+    dwg::KeepFiledObjects(db, sections, &container);
+    EXPECT_EQ(db.dwgFiledObjects().header, (std::vector<std::uint8_t>{5, 6, 7, 8}));
+    EXPECT_EQ(container.buffers[0], (std::vector<std::uint8_t>{1, 2, 3, 4}));
 }
 
 TEST(DwgRead, a_damaged_header_section_is_named_in_the_reason) {

@@ -413,6 +413,17 @@ TEST(DwgBitWriter, patch_overwrites_bits_already_written) {
     EXPECT_EQ(w.bitPosition(), 33u);
 }
 
+TEST(DwgBitWriter, cleared_writer_writes_from_its_first_bit_again) {
+    BitWriter w;
+    w.RL(0xFFFFFFFF);
+    w.B(true);
+    w.clear();
+    EXPECT_EQ(w.bitPosition(), 0u);
+    EXPECT_TRUE(w.buffer().empty());
+    w.MS(0x8001);
+    EXPECT_EQ(w.buffer(), (std::vector<std::uint8_t>{0x01, 0x80, 0x01, 0x00}));
+}
+
 // A value patched in over bits already written leaves the bytes as writing it there would have:
 // at every offset within a byte, for values that fit in one byte, cross into the next, or span
 // several (an object's 32-bit size), over set and over clear bits.

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/dwg/blocks.hpp"
@@ -19,13 +20,18 @@ using dwg::SourceTag;
 
 namespace {
 
-// A drawing of the least the writer needs (layer 0, the model space) and the entity records
-// given, whose first handle is 30; their objects as encoded.
+// A drawing of the least the writer needs (layer 0, the model space), two text styles
+// (STANDARD 11, NOTES 12) and the entity records given, whose first handle is 30; their objects
+// as encoded.
 dwg::EncodedDrawing Encoded(const std::vector<SourceTag>& entities) {
     std::vector<SourceTag> tags = {
         {0, "SECTION"}, {2, "TABLES"},
         {0, "TABLE"}, {2, "LAYER"}, {5, "2"},
         {0, "LAYER"}, {5, "10"}, {2, "0"},
+        {0, "ENDTAB"},
+        {0, "TABLE"}, {2, "STYLE"}, {5, "3"},
+        {0, "STYLE"}, {5, "11"}, {2, "STANDARD"},
+        {0, "STYLE"}, {5, "12"}, {2, "NOTES"},
         {0, "ENDTAB"},
         {0, "TABLE"}, {2, "BLOCK_RECORD"}, {5, "1"},
         {0, "BLOCK_RECORD"}, {5, "1F"}, {2, "*MODEL_SPACE"},
@@ -143,7 +149,7 @@ TEST(DwgEntityRecords, mtext_without_line_spacing_factor_has_one) {
 TEST(DwgEntityRecords, lwpolyline_keeps_points_widths_and_bulges_by_vertex) {
     const dwg::EncodedDrawing encoded = Encoded(
         {{0, "LWPOLYLINE"}, {5, "30"}, {100, "AcDbEntity"}, {8, "0"}, {100, "AcDbPolyline"},
-         {90, "2"}, {70, "0"},
+         {90, "2"}, {70, "0"}, {39, "1.5"},
          {10, "1"}, {20, "2"}, {40, "0.5"}, {41, "0.75"}, {42, "0.25"},
          {10, "3"}, {20, "4"}, {40, "0"}, {41, "0"}, {42, "0"}});
     dwg::ObjectStreams o;
@@ -160,6 +166,93 @@ TEST(DwgEntityRecords, lwpolyline_keeps_points_widths_and_bulges_by_vertex) {
     ASSERT_EQ(back.bulges.size(), 2u);
     EXPECT_EQ(back.bulges[0], 0.25);
     EXPECT_EQ(back.bulges[1], 0.0);
+    EXPECT_EQ(back.thickness, 1.5);
+}
+
+TEST(DwgEntityRecords, text_keeps_its_alignment_point_and_oblique_angle) {
+    const dwg::EncodedDrawing encoded = Encoded(
+        {{0, "TEXT"}, {5, "30"}, {100, "AcDbEntity"}, {8, "0"}, {100, "AcDbText"},
+         {10, "1"}, {20, "2"}, {30, "0"}, {40, "2.5"}, {1, "x"}, {51, "15"}, {72, "1"},
+         {11, "5"}, {21, "6"}, {31, "0"}, {100, "AcDbText"}});
+    dwg::ObjectStreams o;
+    dwg::TextRecord back;
+    ASSERT_TRUE(Opened(encoded, 0x30, o) && dwg::ReadText(o, back));
+    EXPECT_EQ(back.alignment.x, 5.0);
+    EXPECT_EQ(back.alignment.y, 6.0);
+    EXPECT_NEAR(back.oblique, 15 * M_PI / 180, 1e-12);
+    EXPECT_EQ(back.horizontal, 1);
+}
+
+TEST(DwgEntityRecords, text_without_width_factor_has_one) {
+    const dwg::EncodedDrawing encoded = Encoded(
+        {{0, "TEXT"}, {5, "30"}, {100, "AcDbEntity"}, {8, "0"}, {100, "AcDbText"},
+         {10, "1"}, {20, "2"}, {30, "0"}, {40, "2.5"}, {1, "x"}, {100, "AcDbText"}});
+    dwg::ObjectStreams o;
+    dwg::TextRecord back;
+    ASSERT_TRUE(Opened(encoded, 0x30, o) && dwg::ReadText(o, back));
+    EXPECT_EQ(back.widthFactor, 1.0);
+}
+
+// A text names its style, or has the standard one when it names none.
+TEST(DwgEntityRecords, texts_refer_to_the_style_they_name_or_the_standard_one) {
+    const dwg::EncodedDrawing encoded = Encoded(
+        {{0, "TEXT"}, {5, "30"}, {100, "AcDbEntity"}, {8, "0"}, {100, "AcDbText"},
+         {10, "1"}, {20, "2"}, {40, "2.5"}, {1, "x"}, {100, "AcDbText"},
+         {0, "TEXT"}, {5, "31"}, {100, "AcDbEntity"}, {8, "0"}, {100, "AcDbText"},
+         {10, "1"}, {20, "2"}, {40, "2.5"}, {1, "x"}, {7, "NOTES"}, {100, "AcDbText"},
+         {0, "MTEXT"}, {5, "32"}, {100, "AcDbEntity"}, {8, "0"}, {100, "AcDbMText"},
+         {10, "1"}, {20, "2"}, {40, "2.5"}, {1, "x"},
+         {0, "MTEXT"}, {5, "33"}, {100, "AcDbEntity"}, {8, "0"}, {100, "AcDbMText"},
+         {10, "1"}, {20, "2"}, {40, "2.5"}, {1, "x"}, {7, "NOTES"}});
+    const std::pair<std::uint64_t, std::uint64_t> texts[] = {{0x30, 0x11}, {0x31, 0x12}};
+    for (const auto& [handle, style] : texts) {
+        dwg::ObjectStreams o;
+        dwg::TextRecord back;
+        ASSERT_TRUE(Opened(encoded, handle, o) && dwg::ReadText(o, back));
+        EXPECT_EQ(back.style, style) << handle;
+    }
+    const std::pair<std::uint64_t, std::uint64_t> mtexts[] = {{0x32, 0x11}, {0x33, 0x12}};
+    for (const auto& [handle, style] : mtexts) {
+        dwg::ObjectStreams o;
+        dwg::MTextRecord back;
+        ASSERT_TRUE(Opened(encoded, handle, o) && dwg::ReadMText(o, back));
+        EXPECT_EQ(back.style, style) << handle;
+    }
+}
+
+TEST(DwgEntityRecords, polyline_keeps_its_flags_curve_type_widths_and_thickness) {
+    const dwg::EncodedDrawing encoded = Encoded(
+        {{0, "POLYLINE"}, {5, "30"}, {100, "AcDbEntity"}, {8, "0"}, {100, "AcDb2dPolyline"},
+         {66, "1"}, {10, "0"}, {20, "0"}, {30, "0"}, {39, "2"}, {70, "5"}, {40, "0.5"},
+         {41, "0.75"}, {75, "6"},
+         {0, "VERTEX"}, {5, "31"}, {100, "AcDbEntity"}, {8, "0"}, {100, "AcDbVertex"},
+         {100, "AcDb2dVertex"}, {10, "1"}, {20, "2"}, {30, "0"},
+         {0, "SEQEND"}, {5, "32"}, {100, "AcDbEntity"}, {8, "0"}});
+    dwg::ObjectStreams o;
+    dwg::PolylineRecord back;
+    ASSERT_TRUE(Opened(encoded, 0x30, o) && dwg::ReadPolyline(o, back));
+    EXPECT_EQ(back.flags, 5);
+    EXPECT_EQ(back.curveType, 6);
+    EXPECT_EQ(back.startWidth, 0.5);
+    EXPECT_EQ(back.endWidth, 0.75);
+    EXPECT_EQ(back.thickness, 2.0);
+}
+
+TEST(DwgEntityRecords, solid_keeps_its_four_corners_elevation_and_thickness) {
+    const dwg::EncodedDrawing encoded = Encoded(
+        {{0, "SOLID"}, {5, "30"}, {100, "AcDbEntity"}, {8, "0"}, {100, "AcDbTrace"},
+         {10, "1"}, {20, "2"}, {30, "7"}, {11, "3"}, {21, "4"}, {31, "7"},
+         {12, "5"}, {22, "6"}, {32, "7"}, {13, "8"}, {23, "9"}, {33, "7"}, {39, "0.5"}});
+    dwg::ObjectStreams o;
+    dwg::SolidRecord back;
+    ASSERT_TRUE(Opened(encoded, 0x30, o) && dwg::ReadSolid(o, back));
+    const double corners[4][2] = {{1, 2}, {3, 4}, {5, 6}, {8, 9}};
+    for (int i = 0; i < 4; ++i) {
+        EXPECT_EQ(back.corners[i].x, corners[i][0]) << i;
+        EXPECT_EQ(back.corners[i].y, corners[i][1]) << i;
+    }
+    EXPECT_EQ(back.elevation, 7.0);
+    EXPECT_EQ(back.thickness, 0.5);
 }
 
 TEST(DwgEntityRecords, insert_without_columns_or_rows_is_a_single_insert) {

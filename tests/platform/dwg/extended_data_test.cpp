@@ -97,3 +97,48 @@ TEST(DwgExtendedData, text_is_written_in_the_code_page_and_read_back) {
 }
 
 }  // namespace
+
+namespace {
+
+// Groups the format cannot hold leave their application's data out.
+TEST(DwgExtendedData, groups_the_format_cannot_hold_leave_their_application_out) {
+    const std::vector<std::vector<ExtendedGroup>> cases = {
+        {{1004, "0AF"}},                                  // half a byte
+        {{1004, std::string(512, 'A')}},                  // a chunk over 255 bytes
+        {{1010, "1.0"}, {1030, "0.0"}, {1020, "0.0"}},    // a point's axes out of order
+        {{1070, "abc"}},                                  // not a number
+        {{1040, "1.0x"}},
+        {{1005, "XYZ"}},                                  // not a handle
+        {{1006, "1"}},                                    // no such group
+        {{1010, "1.0"}, {1020, "0.0"}},                   // a point cut short
+    };
+    for (const auto& items : cases) {
+        // After an item that is well formed: the whole application goes.
+        std::vector<ExtendedGroup> groups = {{1001, "ACAD"}, {1070, "1"}};
+        groups.insert(groups.end(), items.begin(), items.end());
+        EXPECT_TRUE(Encoded(groups).empty()) << items.front().first << " " << items.front().second.substr(0, 8);
+    }
+}
+
+TEST(DwgExtendedData, empty_chunk_at_the_end_round_trips) {
+    const std::vector<ExtendedGroup> groups = {{1001, "ACAD"}, {1070, "1"}, {1004, ""}};
+    const std::vector<ExtendedData> encoded = Encoded(groups);
+    ASSERT_EQ(encoded.size(), 1u);
+    EXPECT_EQ(encoded[0].bytes, Bytes({70, 1, 0, 4, 0}));
+    EXPECT_EQ(dwg::ExtendedGroupsOf(encoded, kApplications, kLayers, 1252), groups);
+}
+
+// An item that runs past its application's bytes leaves that application out.
+TEST(DwgExtendedData, item_cut_short_leaves_its_application_out) {
+    const std::string cut[] = {Bytes({0, 5, 0, 0x1E, 'A', 'r'}), Bytes({71, 1, 0, 1}), Bytes({70, 1}),
+                               Bytes({40, 0, 0, 0}), Bytes({10, 0, 0, 0}), Bytes({5, 0, 0}), Bytes({4, 3, 1}),
+                               Bytes({2}), Bytes({4}),
+                               // cut short before bytes that would read as an item
+                               Bytes({0, 5, 0, 0x1E, 70, 1, 0}), Bytes({71, 70, 1, 0})};
+    for (const std::string& bytes : cut) {
+        const std::vector<ExtendedData> stored = {{0x12, Bytes({70, 9, 0}) + bytes}};
+        EXPECT_TRUE(dwg::ExtendedGroupsOf(stored, kApplications, kLayers, 1252).empty()) << bytes.size();
+    }
+}
+
+}  // namespace

@@ -53,6 +53,25 @@ inline std::size_t FirstDifferentBit(const std::vector<std::uint8_t>& a, const s
     return n * 8;
 }
 
+// The handle references of an object as stored (after its size, before its CRC) in an AC1018
+// file: those of its handle stream, which follows its values, as absolute handles (0 for a null
+// reference), with their codes.
+inline std::vector<std::pair<std::uint8_t, std::uint64_t>> HandleReferences(const std::vector<std::uint8_t>& bytes) {
+    std::vector<std::pair<std::uint8_t, std::uint64_t>> out;
+    dwg::BitReader r(bytes, dwg::Version::kR2004);
+    r.OT();
+    const std::uint32_t valueBits = r.RL();
+    const std::uint64_t self = r.H().value;
+    r.seekBit(valueBits);
+    while (!r.failed() && r.bitEnd() - r.bitPosition() >= 8) {
+        const dwg::HandleRef ref = r.H();
+        if (r.failed()) break;
+        const bool relative = ref.code >= 6;
+        out.emplace_back(ref.code, relative ? dwg::BitReader::Absolute(ref, self) : ref.value);
+    }
+    return out;
+}
+
 // The objects of `original` that `written` holds with other bytes, one line each: handle,
 // type, both sizes and the first bit that differs. Objects `written` lacks are listed too.
 inline std::vector<std::string> ObjectDifferences(const std::map<std::uint64_t, StoredObject>& original,

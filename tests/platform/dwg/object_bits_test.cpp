@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -107,10 +109,38 @@ TEST_P(ObjectBits, other_code_page_encodes_every_object_anew) {
     EXPECT_EQ(Joined(dwg_test::ObjectDifferences(own, written)), "");
 }
 
+// Why the writer's own encoding of an object cannot give the file's bits back, when the reason
+// is in the file: the object refers to an object the written file does not hold (a kind the
+// writer does not model: a dictionary's entry, a block's viewport, a reactor), or to a null
+// entry (a record erased in AutoCAD, which a table still lists and the database does not hold).
+// Empty when the object holds no such reference.
+std::string ReasonInTheFile(const dwg_test::StoredObject& object,
+                            const std::map<std::uint64_t, dwg_test::StoredObject>& written) {
+    for (const auto& [code, handle] : dwg_test::HandleReferences(object.bytes)) {
+        if (handle != 0 && written.count(handle) == 0) return "refers to an object not written";
+        if (handle == 0 && code == 2) return "lists an erased entry";
+    }
+    return "";
+}
+
+// The objects of kinds the writer models whose values it cannot give back bit for bit, by
+// drawing and handle, each with its reason.
+const std::map<std::string, std::set<std::uint64_t>> kKnownResiduals = {
+    // Arcs: their angles pass through the DXF records in degrees, which may change the last
+    // bit of the radians (0x90, 0x3AF, 0x449). A SPLINE (0x170) and an MTEXT whose text holds
+    // "\U+00B0" where the code page has the character (0x44C).
+    {"example_2004.dwg", {0x90, 0x170, 0x3AF, 0x449, 0x44C}},
+    // A HATCH (0x29F).
+    {"HatchG.dwg", {0x29F}},
+    // The dimension style table's second list in another order (0xA), a dimension style's
+    // extended data of an application (0x244), a layer's colour book name (0x293).
+    {"color_sample_AC1018.dwg", {0xA, 0x244, 0x293}},
+};
+
 // The writer's own encoding of every object, without the bytes kept from the read: the same
-// objects as with them, each listed where its bits are not the file's (handle, type, sizes,
-// first bit that differs) on standard output.
-TEST_P(ObjectBits, reencoding_of_each_object_is_listed_against_the_file) {
+// objects as with them, each with the file's bits unless the file says why not or it is one of
+// the known residuals.
+TEST_P(ObjectBits, own_encoding_of_each_object_gives_the_files_bits) {
     const auto kept = dwg_test::StoredObjects(Rewritten(db_, codePage_));
     db_.dwgFiledObjects() = {};
     const auto written = dwg_test::StoredObjects(Rewritten(db_, codePage_));
@@ -118,9 +148,28 @@ TEST_P(ObjectBits, reencoding_of_each_object_is_listed_against_the_file) {
     for (const auto& entry : kept) keptHandles.push_back(entry.first);
     for (const auto& entry : written) writtenHandles.push_back(entry.first);
     EXPECT_EQ(writtenHandles, keptHandles);
-    const std::vector<std::string> changed = Changed(dwg_test::ObjectDifferences(original_, written));
-    std::printf("%s: %zu of %zu objects re-encode to other bits\n%s", GetParam(), changed.size(),
-                original_.size(), Joined(changed).c_str());
+    const std::set<std::uint64_t>& residuals = kKnownResiduals.at(GetParam());
+    std::vector<std::string> unexplained;
+    std::size_t explained = 0;
+    for (const auto& [handle, object] : original_) {
+        const auto it = written.find(handle);
+        if (it == written.end() || it->second.bytes == object.bytes) continue;
+        if (!ReasonInTheFile(object, written).empty() || residuals.count(handle) != 0) {
+            ++explained;
+            continue;
+        }
+        std::map<std::uint64_t, dwg_test::StoredObject> one{{handle, object}};
+        for (const std::string& line : dwg_test::ObjectDifferences(one, written)) unexplained.push_back(line);
+    }
+    EXPECT_EQ(Joined(unexplained), "");
+    // A residual fixed leaves the list.
+    for (std::uint64_t handle : residuals) {
+        const auto it = written.find(handle);
+        ASSERT_NE(it, written.end()) << std::hex << handle;
+        EXPECT_NE(it->second.bytes, original_.at(handle).bytes) << "residual " << std::hex << handle << " is fixed";
+    }
+    // What the file explains stays a small part of the drawing.
+    EXPECT_LT(explained * 10, original_.size());
 }
 
 INSTANTIATE_TEST_SUITE_P(Corpus, ObjectBits, ::testing::ValuesIn(kAc1018Drawings),

@@ -7,8 +7,10 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "platform/db/object.hpp"
 #include "platform/dxf/dxf.hpp"
 #include "platform/dxf/tagger.hpp"
 #include "platform/win/codepage.hpp"
@@ -102,6 +104,98 @@ TEST(DxfRecordFeed, bad_number_names_the_line_of_its_value) {
     // Header 10 lines, ENTITIES 4, then LINE: its 10 is on line 21, the value on line 22.
     EXPECT_EQ(Utf8FromWide(db.lastError()), "t.dxf:22: DXF005 value 'x1' of group code 10 is not a number");
     EXPECT_TRUE(db.stubs().empty());
+}
+
+// An integer code takes a whole number written as a real ("3.0"), and refuses one with a
+// fraction, in a file and from a feed alike.
+TEST(DxfRecordFeed, integer_codes_take_whole_reals_and_refuse_fractions) {
+    const std::string whole = Drawing("0\nTEXT\n5\n2A\n8\n0\n40\n1\n62\n3.0\n");
+    const std::string fraction = Drawing("0\nTEXT\n5\n2A\n8\n0\n40\n1\n62\n3.5\n");
+    for (const bool fed : {false, true}) {
+        SCOPED_TRACE(fed ? "fed" : "read");
+        AcDbDatabase a(false, true), b(false, true);
+        EXPECT_EQ(fed ? Feed(a, whole, "t.dxf") : dxf::ReadDxfBytes(a, whole, "t.dxf"), Acad::eOk);
+        EXPECT_EQ(fed ? Feed(b, fraction, "t.dxf") : dxf::ReadDxfBytes(b, fraction, "t.dxf"),
+                  Acad::eBadDxfFile);
+        EXPECT_EQ(Utf8FromWide(b.lastError()),
+                  "t.dxf:24: DXF005 value '3.5' of group code 62 is not a number");
+    }
+}
+
+Acad::ErrorStatus FeedEntity(AcDbDatabase& db, const std::vector<dxf::Tag>& entity);
+
+// The value of the first tag of `code` an object of the database keeps; empty when none has one.
+std::string KeptValue(const AcDbDatabase& db, int code) {
+    for (const AcDbStub& stub : db.stubs()) {
+        if (!stub.object) continue;
+        for (const AcDbRawTag& t : stub.object->fileTags())
+            if (t.code == code) return std::string(t.value);
+    }
+    return {};
+}
+
+// An integer is kept in its plain form, however the file or the decoder wrote it: "+3" and
+// "3.0" from a file, "3.0" made from a real and "3" made from an integer are all kept as "3".
+TEST(DxfRecordFeed, integers_are_kept_in_their_plain_form) {
+    using dxf::Made;
+    for (const char* text : {"+3", "3.0", "3"}) {
+        SCOPED_TRACE(text);
+        AcDbDatabase db(false, true);
+        const std::string drawing = Drawing("0\nTEXT\n5\n2A\n8\n0\n40\n1\n62\n" + std::string(text) + "\n");
+        ASSERT_EQ(dxf::ReadDxfBytes(db, drawing, "t.dxf"), Acad::eOk);
+        EXPECT_EQ(KeptValue(db, 62), "3");
+    }
+    const std::pair<const char*, Made> made[] = {{"3.0", Made::kReal}, {"3", Made::kInteger}};
+    for (const auto& [text, how] : made) {
+        SCOPED_TRACE(text);
+        AcDbDatabase db(false, true);
+        ASSERT_EQ(FeedEntity(db, {{0, "TEXT"}, {5, "2A"}, {8, "0"}, {40, "1"}, {62, text, 0, how}}), Acad::eOk);
+        EXPECT_EQ(KeptValue(db, 62), "3");
+    }
+}
+
+// A value that is no number is quoted in the message by its first 40 characters.
+TEST(DxfRecordFeed, a_long_bad_number_is_quoted_by_its_first_forty_characters) {
+    const std::string value = std::string(40, '7') + "x123456789";
+    AcDbDatabase read(false, true), fed(false, true);
+    const std::string text = Drawing("0\nLINE\n5\n2A\n8\n0\n10\n" + value + "\n");
+    EXPECT_EQ(dxf::ReadDxfBytes(read, text, "t.dxf"), Acad::eBadDxfFile);
+    EXPECT_EQ(Feed(fed, text, "t.dxf"), Acad::eBadDxfFile);
+    for (const AcDbDatabase* db : {&read, &fed}) {
+        EXPECT_EQ(Utf8FromWide(db->lastError()),
+                  "t.dxf:22: DXF005 value '" + std::string(40, '7') + "' of group code 10 is not a number");
+    }
+}
+
+// The order of sections, read from a file and from a feed alike, with the line each fault
+// names: a section named by a tag other than 2, a long record name outside a section quoted by
+// its first 40 characters, and the sections an AC1015 drawing needs that an AC1014 one may lack.
+TEST(DxfRecordFeed, section_order_faults_name_their_lines_and_versions_their_sections) {
+    struct OrderCase {
+        const char* behaviour;
+        std::string text;
+        Acad::ErrorStatus status;
+        std::string message;
+    };
+    const std::string entities = "0\nSECTION\n2\nENTITIES\n0\nENDSEC\n0\nEOF\n";
+    const std::string head14 = "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1014\n0\nENDSEC\n";
+    const OrderCase cases[] = {
+        {"a section named by another code", kHead + "0\nSECTION\n3\nENTITIES\n" + kTail,
+         Acad::eBadDxfFile, "t.dxf:13: DXF007 SECTION without a name"},
+        {"a long record outside a section", kHead + "0\n" + std::string(45, 'R') + "\n" + kTail,
+         Acad::eBadDxfFile, "t.dxf:11: DXF007 record " + std::string(40, 'R') + " outside a section"},
+        {"AC1014 without tables, blocks and objects", head14 + entities, Acad::eOk, ""},
+        {"AC1015 without tables, blocks and objects", kHead + entities, Acad::eMissingDxfSection,
+         "t.dxf:17: DXF006 no TABLES section"},
+    };
+    for (const OrderCase& c : cases) {
+        SCOPED_TRACE(c.behaviour);
+        AcDbDatabase read(false, true), fed(false, true);
+        EXPECT_EQ(dxf::ReadDxfBytes(read, c.text, "t.dxf"), c.status);
+        EXPECT_EQ(Feed(fed, c.text, "t.dxf"), c.status);
+        EXPECT_EQ(Utf8FromWide(read.lastError()), c.message);
+        EXPECT_EQ(Utf8FromWide(fed.lastError()), c.message);
+    }
 }
 
 // A drawing of one entity record handed to a feed as a decoder hands it.
