@@ -247,7 +247,6 @@ void SplitLogLines(const ReportScratch& scratch, const fs::path& cgLog, std::uin
             if (named >= 0 && named != current) {
                 current = named;
                 out.close();
-                out.clear();
                 out.open(scratch.Log(current), std::ios::binary | std::ios::app);
             }
         }

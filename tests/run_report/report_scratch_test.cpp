@@ -178,15 +178,27 @@ TEST_F(ReportScratchTest, text_lines_start_at_the_run_and_lose_their_line_ends) 
     EXPECT_EQ(lines, (std::vector<std::wstring>{L"开始处理 a", L"关闭"}));
 }
 
-TEST_F(ReportScratchTest, text_lines_of_a_file_shorter_than_the_start_are_read_whole) {
+// Where the run began against the file's size: a start at its end has nothing new; a start past
+// it (the file was replaced by a shorter one) reads the file whole.
+struct StartCase {
+    std::uintmax_t start;
+    std::vector<std::wstring> lines;
+};
+
+class TextLinesStart : public ReportScratchTest, public ::testing::WithParamInterface<StartCase> {};
+
+TEST_P(TextLinesStart, text_lines_from_the_start_or_whole_when_the_file_is_shorter) {
     fs::path log = scratch.folder / "Cg.log";
-    WriteLog(log, {L"保存"});
-    TextLines from(log, 1000);
-    std::wstring line;
-    ASSERT_TRUE(from.Next(line));
-    EXPECT_EQ(line, L"保存");
-    EXPECT_FALSE(from.Next(line));
+    WriteLog(log, {L"保存", L"x"});  // 4 + 2 + 1 + 2 bytes
+    TextLines from(log, GetParam().start);
+    std::vector<std::wstring> lines;
+    for (std::wstring line; from.Next(line);) lines.push_back(line);
+    EXPECT_EQ(lines, GetParam().lines);
 }
+
+INSTANTIATE_TEST_SUITE_P(Starts, TextLinesStart,
+                         ::testing::Values(StartCase{8, {L""}}, StartCase{9, {}}, StartCase{10, {L"保存", L"x"}},
+                                           StartCase{6, {L"x"}}));
 
 TEST_F(ReportScratchTest, text_lines_after_a_utf8_mark_are_utf8) {
     fs::path log = scratch.folder / "Cg.log";
