@@ -21,6 +21,8 @@ import sys
 import tempfile
 import time
 
+from check_report import ended_process_id, scratch_folders
+
 LOGS = pathlib.Path("drives/d/Mytool/cad")
 HAND_OFF = pathlib.Path("drives/c/Users/cad/AppData/Local/Convert")
 failures = []
@@ -51,16 +53,6 @@ def tavrik_run(tavrik, prefix, tmp):
 def finished(process):
     _, error = process.communicate(timeout=300)
     return process.returncode, error.decode(errors="replace")
-
-
-def ended_process_id():
-    child = subprocess.Popen(["true"])
-    child.wait()
-    return child.pid
-
-
-def scratch_folders(tmp):
-    return sorted(p.name for p in tmp.iterdir() if p.name.startswith("tavrik-report-"))
 
 
 def one_line_hand_off(tavrik, dwgver, workshop, scratch):
