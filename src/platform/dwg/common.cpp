@@ -3,6 +3,17 @@
 #include <array>
 
 namespace dwg {
+
+std::string HexDigits(std::string_view bytes) {
+    static constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string out;
+    out.reserve(bytes.size() * 2);
+    for (unsigned char c : bytes) {
+        out += kDigits[c >> 4];
+        out += kDigits[c & 15];
+    }
+    return out;
+}
 namespace {
 
 void ReadExtendedData(ObjectStreams& o, std::vector<ExtendedData>& out) {

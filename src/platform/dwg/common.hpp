@@ -4,6 +4,7 @@
 // the other properties shared by all kinds. Handles are absolute, as the file numbers objects.
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/dwg/object_stream.hpp"
@@ -15,6 +16,9 @@ struct ExtendedData {
     std::uint64_t application = 0;  // handle of the application's REGAPP record
     std::string bytes;
 };
+
+// Bytes as the upper-case hexadecimal digits a DXF binary value (310, 1004) is written in.
+std::string HexDigits(std::string_view bytes);
 
 struct ObjectCommon {
     std::uint64_t handle = 0;

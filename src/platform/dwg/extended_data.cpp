@@ -91,12 +91,7 @@ bool ReadItem(ItemReader& in, const std::unordered_map<std::uint64_t, std::strin
             if (!in.has(1)) return false;
             const std::size_t length = in.byte();
             if (!in.has(length)) return false;
-            std::string hex;
-            for (unsigned char b : in.take(length)) {
-                hex += "0123456789ABCDEF"[b >> 4];
-                hex += "0123456789ABCDEF"[b & 15];
-            }
-            out.emplace_back(code, std::move(hex));
+            out.emplace_back(code, HexDigits(in.take(length)));
             return true;
         }
         case 1010: case 1011: case 1012: case 1013:

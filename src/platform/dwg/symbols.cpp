@@ -1,7 +1,5 @@
 #include "platform/dwg/symbols.hpp"
 
-#include <algorithm>
-
 #include "platform/dwg/entities.hpp"
 
 namespace dwg {
@@ -306,16 +304,8 @@ void WriteBlockRecord(DxfText& out, const BlockHeaderRecord& r, const std::strin
     out.integer(280, r.explodable ? 1 : 0);
     out.integer(281, r.scaling);
     // The preview image, in lines of 127 bytes as hexadecimal digits.
-    static constexpr char kDigits[] = "0123456789ABCDEF";
-    for (std::size_t at = 0; at < r.preview.size(); at += 127) {
-        std::string line;
-        for (std::size_t i = at; i < std::min(r.preview.size(), at + 127); ++i) {
-            const auto byte = static_cast<unsigned char>(r.preview[i]);
-            line += kDigits[byte >> 4];
-            line += kDigits[byte & 15];
-        }
-        out.tag(310, line);
-    }
+    const std::string_view preview = r.preview;
+    for (std::size_t at = 0; at < preview.size(); at += 127) out.tag(310, HexDigits(preview.substr(at, 127)));
 }
 
 void WriteBlockBegin(DxfText& out, const BlockHeaderRecord& r, const std::string& name,

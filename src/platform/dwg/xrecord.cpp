@@ -50,16 +50,6 @@ std::string Real(double value) {
     return text;
 }
 
-std::string Hex(const std::string& bytes) {
-    static const char kDigits[] = "0123456789ABCDEF";
-    std::string out;
-    for (unsigned char c : bytes) {
-        out += kDigits[c >> 4];
-        out += kDigits[c & 15];
-    }
-    return out;
-}
-
 std::string String(BitReader& d) {
     const unsigned length = d.RS();
     if (d.version() >= Version::kR2007) {
@@ -104,7 +94,7 @@ bool ReadDataGroup(BitReader& d, std::vector<std::pair<int, std::string>>& out) 
             break;
         }
         case Kind::kChar: out.emplace_back(code, std::to_string(d.RC())); break;
-        case Kind::kBinary: out.emplace_back(code, Hex(d.bytes(d.RC()))); break;
+        case Kind::kBinary: out.emplace_back(code, HexDigits(d.bytes(d.RC()))); break;
         case Kind::kHandle: {
             const std::uint64_t low = d.RL();
             const std::uint64_t value = low | (std::uint64_t{d.RL()} << 32);
