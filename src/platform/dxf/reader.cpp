@@ -32,6 +32,7 @@
 #include "platform/dxf/field_values.hpp"
 #include "platform/dxf/mapped_file.hpp"
 #include "platform/dxf/model.hpp"
+#include "platform/dxf/modelled_record.hpp"
 #include "platform/dxf/table_records.hpp"
 #include "platform/dxf/record_feed.hpp"
 #include "platform/dxf/record_walk.hpp"
@@ -102,6 +103,8 @@ bool ParseHandle(std::string_view text, std::uint64_t& value) {
 class Builder {
 public:
     explicit Builder(AcDbDatabase& db) : m_db(db) {}
+    // Entities whose records the writer makes the same from the database alone keep none.
+    void dropModelledRecords() { m_dropModelled = true; }
     // Reads the records of a whole text.
     ReadError build(std::string_view text, MappedFile* file);
     // Builds from one record (its tags checked); ended() once EOF has been met.
@@ -158,6 +161,8 @@ private:
     std::vector<std::pair<AcDbLayerTableRecord*, std::wstring>> m_layerLinetypes;
     std::string m_scratch;
     AcDbRawTags m_packed;
+    bool m_dropModelled = false;
+    Model m_model;  // scratch of DropModelledRecord
 };
 
 // The value as the database keeps it: strings in UTF-8, integers without a plus sign or a
@@ -444,6 +449,7 @@ void Builder::readEntityRecord(std::span<const Tag> record) {
             m_openPolyline = e;
         }
     }
+    if (m_dropModelled) DropModelledRecord(*e, m_model);
 }
 
 void Builder::readBlockRecord(std::span<const Tag> record) {
@@ -653,7 +659,9 @@ Acad::ErrorStatus ReadBytes(AcDbDatabase& db, std::string_view bytes, const std:
 }  // namespace
 
 struct RecordFeed::State {
-    State(AcDbDatabase& d, std::string n) : db(d), name(std::move(n)), builder(d) {}
+    State(AcDbDatabase& d, std::string n) : db(d), name(std::move(n)), builder(d) {
+        builder.dropModelledRecords();
+    }
     AcDbDatabase& db;
     std::string name;
     Builder builder;

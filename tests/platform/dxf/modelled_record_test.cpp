@@ -1,0 +1,141 @@
+// An entity whose record as read is the one the writer makes from the database alone gives its
+// record up; one whose record holds more than that, or holds it otherwise, keeps it.
+#include "platform/dxf/modelled_record.hpp"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "platform/db/arc.hpp"
+#include "platform/db/block_table_record.hpp"
+#include "platform/db/dimension.hpp"
+#include "platform/db/line.hpp"
+#include "platform/dxf/dxf.hpp"
+
+namespace {
+
+void Append(AcDbDatabase& db, AcDbEntity* e) {
+    AcDbBlockTableRecord* block = nullptr;
+    ASSERT_EQ(acdbOpenObject(block, db.modelSpaceId(), AcDb::kForWrite), Acad::eOk);
+    ASSERT_EQ(block->appendAcDbEntity(e), Acad::eOk);
+    e->close();
+    block->close();
+}
+
+std::string Written(AcDbDatabase& db) {
+    std::string out;
+    EXPECT_EQ(dxf::WriteDxfText(db, {}, out), Acad::eOk);
+    return out;
+}
+
+// The text of a drawing of one line and one arc made in memory, as the writer writes it.
+std::string WrittenDrawing() {
+    AcDbDatabase db(true, true);
+    Append(db, new AcDbLine({1.5, 2, 0}, {30, 40.25, 0}));
+    Append(db, new AcDbArc({50, 50, 0}, 20, 0.3, 2.0));
+    return Written(db);
+}
+
+// The first entity of model space of a drawing read from the text, which keeps every record.
+AcDbEntity* FirstEntity(AcDbDatabase& db, const std::string& text, int index = 0) {
+    EXPECT_EQ(dxf::ReadDxfBytes(db, text, "t.dxf"), Acad::eOk);
+    AcDbBlockTableRecord* block = AcDbBlockTableRecord::cast(db.modelSpaceId().stub()->object.get());
+    return AcDbEntity::cast(block->entityIds()[index].stub()->object.get());
+}
+
+// The text with `insert` put in after the first occurrence of `after`.
+std::string Inserted(std::string text, const std::string& after, const std::string& insert) {
+    const auto at = text.find(after);
+    EXPECT_NE(at, std::string::npos) << after;
+    return text.insert(at + after.size(), insert);
+}
+
+TEST(ModelledRecord, record_as_the_writer_makes_it_is_dropped_and_written_the_same) {
+    const std::string text = WrittenDrawing();
+    for (int index : {0, 1}) {
+        SCOPED_TRACE(index);
+        AcDbDatabase db(false, true);
+        AcDbEntity* e = FirstEntity(db, text, index);
+        ASSERT_FALSE(e->fileTags().empty());
+        const std::string before = Written(db);
+        dxf::Model model;
+        EXPECT_TRUE(dxf::DropModelledRecord(*e, model));
+        EXPECT_TRUE(e->fileTags().empty());
+        EXPECT_EQ(Written(db), before);
+    }
+}
+
+struct KeptCase {
+    const char* behaviour;
+    std::string after, insert;
+};
+
+// Records that give the writer something the database does not: each is kept whole.
+TEST(ModelledRecord, record_with_more_or_other_than_the_model_is_kept) {
+    const std::string text = WrittenDrawing();
+    const KeptCase cases[] = {
+        {"a tag the model does not own", "AcDbLine\n", "  3\nnote\n"},
+        {"a value at its default that the model leaves out", "AcDbLine\n", " 39\n0.0\n"},
+        {"a number in a text of its own", "\n 10\n1.5\n", " 40\n2\n"},
+        {"a group of another application", "AcDbLine\n", "102\n{MINE\n330\n1F\n102\n}\n"},
+    };
+    for (const KeptCase& c : cases) {
+        SCOPED_TRACE(c.behaviour);
+        AcDbDatabase db(false, true);
+        AcDbEntity* e = FirstEntity(db, Inserted(text, c.after, c.insert));
+        const AcDbRawTags asRead = e->fileTags();
+        dxf::Model model;
+        EXPECT_FALSE(dxf::DropModelledRecord(*e, model));
+        EXPECT_EQ(e->fileTags(), asRead);
+    }
+}
+
+// "1.50" stands for the model's 1.5: the writer keeps the file's text, so the record stays.
+TEST(ModelledRecord, number_written_otherwise_for_the_same_value_is_kept) {
+    std::string text = WrittenDrawing();
+    text.replace(text.find("\n 10\n1.5\n"), 9, "\n 10\n1.50\n");
+    AcDbDatabase db(false, true);
+    dxf::Model model;
+    EXPECT_FALSE(dxf::DropModelledRecord(*FirstEntity(db, text), model));
+}
+
+// The drawing with the arc's start angle written as `degrees`.
+std::string WithStartAngle(std::string text, const std::string& degrees) {
+    const auto value = text.find("AcDbArc\n") + 8;
+    const auto at = text.find(" 50\n", value) + 4;
+    return text.replace(at, text.find('\n', at) - at, degrees);
+}
+
+// A value the database holds otherwise (an angle kept in radians) that does not come back to
+// the record's text is written from the database either way: the record is dropped.
+TEST(ModelledRecord, angle_that_does_not_come_back_to_its_text_is_dropped) {
+    const std::string text = WrittenDrawing();
+    int dropped = 0;
+    for (int k = 11; k < 50; ++k) {
+        const std::string degrees = "255.85386450389" + std::to_string(k);
+        AcDbDatabase db(false, true);
+        AcDbEntity* arc = FirstEntity(db, WithStartAngle(text, degrees), 1);
+        const std::string before = Written(db);
+        const bool comesBack = before.find(degrees) != std::string::npos;
+        dxf::Model model;
+        const bool drops = dxf::DropModelledRecord(*arc, model);
+        EXPECT_EQ(Written(db), before) << degrees;
+        if (drops && !comesBack) ++dropped;
+    }
+    // Some of the angles do not come back from radians to the same text.
+    EXPECT_GT(dropped, 0);
+}
+
+// A dimension reads its record again (its block, its measurement): never dropped.
+TEST(ModelledRecord, dimension_keeps_its_record) {
+    AcDbDatabase made(true, true);
+    Append(made, new AcDbAlignedDimension({0, 0, 0}, {40, 0, 0}, {20, 10, 0}, L"", made.dimstyle()));
+    AcDbDatabase db(false, true);
+    AcDbEntity* dim = FirstEntity(db, Written(made));
+    ASSERT_TRUE(AcDbDimension::cast(dim));
+    dxf::Model model;
+    EXPECT_FALSE(dxf::DropModelledRecord(*dim, model));
+    EXPECT_FALSE(dim->fileTags().empty());
+}
+
+}  // namespace
