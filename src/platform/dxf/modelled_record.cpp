@@ -59,7 +59,7 @@ private:
 
 }  // namespace
 
-bool DropModelledRecord(AcDbObject& object, Model& model) {
+bool DropModelledRecord(AcDbObject& object, Model& model, AcDbRawTags& dropped) {
     if (object.fileTags().empty() || !ModelIgnoresRecord(object)) return false;
     // The model as the writer builds it once the record is gone.
     AcDbRawTags asRead = std::move(object.fileTags());
@@ -67,7 +67,10 @@ bool DropModelledRecord(AcDbObject& object, Model& model) {
     BuildModel(object, false, model);
     RecordMatch match(asRead);
     NewRecord(object, model, false, match);
-    if (match.whole()) return true;
+    if (match.whole()) {
+        dropped = std::move(asRead);
+        return true;
+    }
     object.fileTags() = std::move(asRead);
     return false;
 }

@@ -9,7 +9,8 @@ namespace dxf {
 
 // Drops the object's record as read when the writer makes the same record from the database's
 // values alone, for the kinds of entity whose model does not look at the record; true when
-// dropped. The model is scratch storage kept between calls.
-bool DropModelledRecord(AcDbObject& object, Model& model);
+// dropped, the record then moved into `dropped` (whose storage may serve again). The model is
+// scratch storage kept between calls.
+bool DropModelledRecord(AcDbObject& object, Model& model, AcDbRawTags& dropped);
 
 }  // namespace dxf

@@ -117,6 +117,8 @@ private:
     // ---- tags ----
     void toRawTags(std::span<const Tag> record, AcDbRawTags& tags,
                    std::vector<AcDbObject::XDataGroup>* xdata);
+    // The same into the buffer kept between records (m_packed) only.
+    void pack(std::span<const Tag> record, std::vector<AcDbObject::XDataGroup>* xdata);
     std::string_view value(const Tag& tag);
     AcDbObjectId idOf(std::string_view handleText);
     // The record's own handle (5, or 105 of a dimension style); null when it has none.
@@ -135,6 +137,7 @@ private:
     AcDbHandle provisionalHandle();
     void readHead(AcDbObject& o);
     void readEntity(AcDbEntity& e);
+    void keepRecord(AcDbEntity& e);
     AcDbSymbolTable* tableFor(const std::string& name);
     AcDbBlockTableRecord* blockRecordNamed(const std::wstring& name);
     void attachEntity(AcDbEntity* e, AcDbObjectId id);
@@ -189,6 +192,11 @@ std::string_view Builder::value(const Tag& tag) {
 // are packed into a buffer kept between records, so that the list grows once, by their size.
 void Builder::toRawTags(std::span<const Tag> record, AcDbRawTags& tags,
                         std::vector<AcDbObject::XDataGroup>* xdata) {
+    pack(record, xdata);
+    tags.append(m_packed);
+}
+
+void Builder::pack(std::span<const Tag> record, std::vector<AcDbObject::XDataGroup>* xdata) {
     m_packed.clear();
     AcDbRawTags* into = &m_packed;
     for (const Tag& t : record) {
@@ -199,7 +207,6 @@ void Builder::toRawTags(std::span<const Tag> record, AcDbRawTags& tags,
         }
         into->push_back(t.code, value(t));
     }
-    tags.append(m_packed);
 }
 
 AcDbObjectId Builder::idOf(std::string_view text) {
@@ -423,11 +430,11 @@ void Builder::readEntityRecord(std::span<const Tag> record) {
         }
         return;
     }
-    AcDbRawTags tags;
     std::vector<AcDbObject::XDataGroup> xdata;
-    toRawTags(record, tags, &xdata);
-    AcDbEntity* e = NewEntity(type, tags);
-    e->fileTags() = std::move(tags);
+    pack(record, &xdata);
+    AcDbEntity* e = NewEntity(type, m_packed);
+    // The entity is read from the packing buffer itself; what it keeps of it is settled last.
+    e->fileTags().swap(m_packed);
     e->xData() = std::move(xdata);
     readHead(*e);
     readEntity(*e);
@@ -449,7 +456,15 @@ void Builder::readEntityRecord(std::span<const Tag> record) {
             m_openPolyline = e;
         }
     }
-    if (m_dropModelled) DropModelledRecord(*e, m_model);
+    keepRecord(*e);
+}
+
+// An entity read from the packing buffer keeps its record in a buffer of its own size, unless
+// it needs none; the packing buffer goes back to packing.
+void Builder::keepRecord(AcDbEntity& e) {
+    if (m_dropModelled && DropModelledRecord(e, m_model, m_packed)) return;
+    m_packed.swap(e.fileTags());
+    e.fileTags().append(m_packed);
 }
 
 void Builder::readBlockRecord(std::span<const Tag> record) {
