@@ -18,6 +18,7 @@
 #include "platform/dxf/dxf.hpp"
 #include "platform/dxf/record_feed.hpp"
 #include "platform/win/codepage.hpp"
+#include "shared_folder.hpp"
 
 namespace {
 
@@ -97,7 +98,7 @@ std::vector<std::uint8_t> WrittenDwg(AcDbDatabase& db) {
 
 std::vector<std::string> CorpusDrawings() {
     std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator("/work/shared/corpus/dwg")) {
+    for (const auto& entry : std::filesystem::directory_iterator(SharedFile("corpus/dwg"))) {
         if (entry.path().extension() == ".dwg") names.push_back(entry.path().filename().string());
     }
     std::sort(names.begin(), names.end());
