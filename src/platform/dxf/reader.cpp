@@ -435,7 +435,7 @@ void Builder::readEntityRecord(std::span<const Tag> record) {
     AcDbEntity* e = NewEntity(type, m_packed);
     // The entity is read from the packing buffer itself; what it keeps of it is settled last.
     e->fileTags().swap(m_packed);
-    e->xData() = std::move(xdata);
+    if (!xdata.empty()) e->xData() = std::move(xdata);
     readHead(*e);
     readEntity(*e);
     AcDbObjectId id = add(e, handleOf(e->fileTags()));
@@ -462,7 +462,10 @@ void Builder::readEntityRecord(std::span<const Tag> record) {
 // An entity read from the packing buffer keeps its record in a buffer of its own size, unless
 // it needs none; the packing buffer goes back to packing.
 void Builder::keepRecord(AcDbEntity& e) {
-    if (m_dropModelled && DropModelledRecord(e, m_model, m_packed)) return;
+    if (m_dropModelled && DropModelledRecord(e, m_model, m_packed)) {
+        e.releaseEmptyParts();
+        return;
+    }
     m_packed.swap(e.fileTags());
     e.fileTags().append(m_packed);
 }
