@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/dxf/angle_text.hpp"
 #include "platform/dxf/tagger.hpp"
 
 namespace dwg {
@@ -44,6 +45,13 @@ double SourceRecord::real(int code, double fallback) const {
         if (c != code) continue;
         double value = fallback;
         return dxf::ParseDouble(v, value) ? value : fallback;
+    }
+    return fallback;
+}
+
+double SourceRecord::angle(int code, double fallback) const {
+    for (const auto& [c, v] : tags) {
+        if (c == code) return dxf::Radians(v);
     }
     return fallback;
 }
