@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -43,6 +44,42 @@ TEST(DwgEncodedObjects, handle_added_again_keeps_its_last_bytes) {
     EXPECT_EQ(objects.find(3)->second, Bytes{30});
     EXPECT_EQ(objects.find(1)->second, Bytes{1});
     EXPECT_EQ(objects.size(), 4u);
+}
+
+// Beyond the runs merged one after another, the same order by one sort.
+TEST(DwgEncodedObjects, many_runs_order_as_few) {
+    EncodedObjects objects;
+    std::vector<std::uint64_t> expected;
+    for (std::uint64_t run = 0; run < 40; ++run) {
+        for (std::uint64_t k = 0; k < 3; ++k) {
+            objects.add(1000 - 10 * run + k, Bytes{static_cast<std::uint8_t>(run)});
+            expected.push_back(1000 - 10 * run + k);
+        }
+    }
+    objects.add(995, Bytes{99});
+    expected.push_back(995);
+    objects.add(1001, Bytes{98});
+    EXPECT_TRUE(objects.contains(612));
+    EXPECT_FALSE(objects.contains(613));
+    objects.order();
+    std::sort(expected.begin(), expected.end());
+    EXPECT_EQ(Handles(objects), expected);
+    EXPECT_EQ(objects.find(995)->second, Bytes{99});
+    EXPECT_EQ(objects.find(990)->second, Bytes{1});
+    EXPECT_EQ(objects.find(1000)->second, Bytes{0});
+    EXPECT_EQ(objects.find(1001)->second, Bytes{98});
+}
+
+TEST(DwgEncodedObjects, handle_added_again_in_many_runs_keeps_its_last_bytes) {
+    EncodedObjects objects;
+    for (std::uint8_t k = 0; k < 30; ++k) {
+        objects.add(5, Bytes{k});
+        objects.add(7, Bytes{static_cast<std::uint8_t>(100 + k)});
+    }
+    objects.order();
+    EXPECT_EQ(Handles(objects), (std::vector<std::uint64_t>{5, 7}));
+    EXPECT_EQ(objects.find(5)->second, Bytes{29});
+    EXPECT_EQ(objects.find(7)->second, Bytes{129});
 }
 
 TEST(DwgEncodedObjects, objects_set_aside_are_known_before_the_order) {
