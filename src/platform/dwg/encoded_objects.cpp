@@ -10,10 +10,6 @@ using Entry = EncodedObjects::Entry;
 bool Before(const Entry& e, std::uint64_t handle) { return e.first < handle; }
 bool Lower(const Entry& a, const Entry& b) { return a.first < b.first; }
 
-// Merging run after run costs a walk over what is merged each time: beyond this many runs, one
-// sort is cheaper.
-constexpr std::size_t kMergedRuns = 16;
-
 }  // namespace
 
 // A search in each run.
@@ -35,18 +31,24 @@ EncodedObjects::const_iterator EncodedObjects::find(std::uint64_t handle) const 
     return at != m_entries.end() && at->first == handle ? at : m_entries.end();
 }
 
-// Both the merges and the sort keep equal handles in the order they came, so the last of each
-// is the one kept.
+// Neighbouring runs merged in pairs, round after round (a walk over the list a round, as many
+// rounds as halvings of the runs). A merge keeps equal handles in the order they came, so the
+// last of each is the one kept.
 void EncodedObjects::order() {
     if (m_runs.empty()) return;
-    if (m_runs.size() <= kMergedRuns) {
-        for (std::size_t k = 0; k < m_runs.size(); ++k) {
-            const std::size_t end = k + 1 < m_runs.size() ? m_runs[k + 1] : m_entries.size();
-            std::inplace_merge(m_entries.begin(), m_entries.begin() + static_cast<std::ptrdiff_t>(m_runs[k]),
-                               m_entries.begin() + static_cast<std::ptrdiff_t>(end), Lower);
+    std::vector<std::size_t> bounds = {0};
+    bounds.insert(bounds.end(), m_runs.begin(), m_runs.end());
+    bounds.push_back(m_entries.size());
+    const auto at = [this](std::size_t i) { return m_entries.begin() + static_cast<std::ptrdiff_t>(i); };
+    while (bounds.size() > 2) {
+        std::vector<std::size_t> merged = {0};
+        std::size_t k = 0;
+        for (; k + 2 < bounds.size(); k += 2) {
+            std::inplace_merge(at(bounds[k]), at(bounds[k + 1]), at(bounds[k + 2]), Lower);
+            merged.push_back(bounds[k + 2]);
         }
-    } else {
-        std::stable_sort(m_entries.begin(), m_entries.end(), Lower);
+        if (k + 1 < bounds.size()) merged.push_back(bounds[k + 1]);
+        bounds = std::move(merged);
     }
     m_runs.clear();
     std::size_t kept = 0;

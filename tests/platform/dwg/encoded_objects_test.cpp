@@ -46,7 +46,7 @@ TEST(DwgEncodedObjects, handle_added_again_keeps_its_last_bytes) {
     EXPECT_EQ(objects.size(), 4u);
 }
 
-// Beyond the runs merged one after another, the same order by one sort.
+// Forty runs (an odd number of them in some rounds) merged round after round.
 TEST(DwgEncodedObjects, many_runs_order_as_few) {
     EncodedObjects objects;
     std::vector<std::uint64_t> expected;
