@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "batch_fixture.hpp"
+#include "shared_folder.hpp"
 
 namespace {
 
@@ -54,7 +55,7 @@ TEST_F(DwgVersion, to_version_into_a_missing_folder_fails_and_says_why) {
 TEST_F(DwgVersion, to_version_names_what_the_dwg_leaves_out) {
     const std::filesystem::path source = ResolvePath(HandOff(L"x.dxf"));
     std::filesystem::create_directories(source.parent_path());
-    std::filesystem::copy_file("/work/shared/corpus/dxf/x0292430_c.dxf", source);
+    std::filesystem::copy_file(SharedFile("corpus/dxf/x0292430_c.dxf"), source);
     testing::internal::CaptureStderr();
     EXPECT_EQ(ConvertDwgVersion(HandOff(L"x.dxf"), HandOff(L"x.dwg"), 8, 0), 0);
     const std::string said = testing::internal::GetCapturedStderr();

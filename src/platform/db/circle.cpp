@@ -15,7 +15,8 @@ Acad::ErrorStatus AcDbCircle::setRadius(double r) {
 
 Acad::ErrorStatus AcDbCircle::setNormal(const AcGeVector3d& n) {
     if (n.isZeroLength()) return Acad::eInvalidInput;
-    m_normal = n.normal();
+    // A normal of unit length is kept as given (a file's own may differ from ours in its last bit).
+    m_normal = n.isUnitLength() ? n : n.normal();
     return Acad::eOk;
 }
 

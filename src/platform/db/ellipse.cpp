@@ -20,7 +20,8 @@ Acad::ErrorStatus AcDbEllipse::set(const AcGePoint3d& center, const AcGeVector3d
         radiusRatio > 1.0)
         return Acad::eInvalidInput;
     m_center = center;
-    m_normal = unitNormal.normal();
+    // A normal of unit length is kept as given (a file's own may differ from ours in its last bit).
+    m_normal = unitNormal.isUnitLength() ? unitNormal : unitNormal.normal();
     m_majorAxis = majorAxis;
     m_ratio = radiusRatio;
     m_startParam = startParam;

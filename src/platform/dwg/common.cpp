@@ -4,6 +4,22 @@
 
 namespace dwg {
 
+std::string ColorNameText(const Color& color) {
+    if ((color.flags & 2) == 0) return (color.flags & 1) ? color.name : std::string();
+    return color.bookName + "$" + ((color.flags & 1) ? color.name : std::string());
+}
+
+void SetColorName(Color& color, std::string_view text) {
+    const std::size_t dollar = text.find('$');
+    if (dollar != std::string_view::npos) {
+        color.bookName = std::string(text.substr(0, dollar));
+        text.remove_prefix(dollar + 1);
+        color.flags |= 2;
+    }
+    color.name = std::string(text);
+    if (!color.name.empty()) color.flags |= 1;
+}
+
 std::string HexDigits(std::string_view bytes) {
     static constexpr char kDigits[] = "0123456789ABCDEF";
     std::string out;

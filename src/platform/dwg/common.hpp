@@ -20,6 +20,11 @@ struct ExtendedData {
 // Bytes as the upper-case hexadecimal digits a DXF binary value (310, 1004) is written in.
 std::string HexDigits(std::string_view bytes);
 
+// A colour's name as DXF gives it (430): the colour book's name and the colour's, joined by
+// "$", or the colour's name alone; and the colour named by such a text.
+std::string ColorNameText(const Color& color);
+void SetColorName(Color& color, std::string_view text);
+
 struct ObjectCommon {
     std::uint64_t handle = 0;
     std::vector<ExtendedData> extended;

@@ -339,6 +339,17 @@ void Drawing::writeTable(const char* name, std::int32_t recordType, std::uint64_
     }
     out.handle(330, 0);
     out.tag(100, "AcDbSymbolTable");
+    if (kept != nullptr && recordType == kDimensionStyle) {
+        // The dimension style table lists its styles a second time, by hard pointers, in an
+        // order of its own.
+        std::vector<std::uint64_t> styles;
+        for (const HandleRef& ref : kept->references) {
+            if (ref.code == 5) styles.push_back(ref.value);
+        }
+        out.tag(100, "AcDbDimStyleTable");
+        out.integer(71, static_cast<long long>(styles.size()));
+        for (std::uint64_t style : styles) out.handle(340, style);
+    }
     if (kept != nullptr) writeExtendedData(kept->common);
     for (const Item& item : items) {
         if (item.type != recordType) continue;

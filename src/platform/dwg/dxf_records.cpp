@@ -2,11 +2,11 @@
 
 #include <charconv>
 #include <cmath>
-#include <numbers>
 #include <type_traits>
 
 #include "platform/dwg/blocks.hpp"
 #include "platform/dwg/entities.hpp"
+#include "platform/dxf/angle_text.hpp"
 
 namespace dwg {
 
@@ -92,7 +92,11 @@ void DxfText::point(int code, const Point2& p) {
     tag(code + 10, p.y);
 }
 
-void DxfText::angle(int code, double radians) { tag(code, radians * 180.0 / std::numbers::pi); }
+void DxfText::angle(int code, double radians) {
+    angleText_.clear();
+    dxf::FormatAngle(radians, angleText_);
+    put(code, angleText_, dxf::Made::kReal, true);
+}
 
 std::string NameIndex::name(const std::unordered_map<std::uint64_t, std::string>& table,
                             std::uint64_t handle) const {

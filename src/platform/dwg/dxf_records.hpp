@@ -50,6 +50,7 @@ private:
     dxf::RecordFeed* feed_ = nullptr;
     std::vector<Span> spans_;
     std::vector<dxf::Tag> tags_;
+    std::string angleText_;  // an angle being written
 };
 
 // What the records need to turn handles into the names DXF uses.

@@ -25,6 +25,8 @@ struct SourceRecord {
     bool has(int code) const;
     std::string_view text(int code) const;
     double real(int code, double fallback = 0) const;
+    // An angle: the degrees of the record in radians (fallback in radians).
+    double angle(int code, double fallback = 0) const;
     long long integer(int code, long long fallback = 0) const;
     std::uint64_t handle(int code) const;
     // A point from code, code+10 and code+20 (z 0 when absent).

@@ -5,6 +5,7 @@
 #include "platform/dwg/encode_header.hpp"
 #include "platform/dwg/encode_tables.hpp"
 #include "platform/dwg/entities.hpp"
+#include "platform/dxf/angle_text.hpp"
 #include "platform/dxf/codepage.hpp"
 #include "platform/dxf/tagger.hpp"
 
@@ -13,7 +14,6 @@ namespace {
 
 constexpr std::int32_t kMLineStyle = 73;
 constexpr std::int32_t kDimStyleControl = 68;
-constexpr double kRadiansPerDegree = 0.017453292519943295;
 
 void WriteStyle(BitWriter& d, const SymbolRecord& r) {
     d.B(r.vertical);
@@ -126,12 +126,12 @@ std::vector<std::uint8_t> EncodeControl(const ControlRecord& control,
     o.data.BL(static_cast<std::int32_t>(control.entries.size()));
     // The dimension style table refers to its styles once more, by hard pointers after the
     // entries, as AutoCAD writes it: their count, then them.
-    const bool styles = control.type == kDimStyleControl;
-    if (styles) o.data.RC(static_cast<std::uint8_t>(std::min<std::size_t>(control.entries.size(), 255)));
+    const std::size_t styles = std::min<std::size_t>(control.styles.size(), 255);
+    if (control.type == kDimStyleControl) o.data.RC(static_cast<std::uint8_t>(styles));
     for (std::uint64_t entry : control.entries) WriteHandle(o, kSoftOwner, entry);
     for (std::uint64_t apart : control.apart) WriteHandle(o, kHardOwner, apart);
-    for (std::size_t i = 0; styles && i < std::min<std::size_t>(control.entries.size(), 255); ++i) {
-        WriteHandle(o, kHardPointer, control.entries[i]);
+    for (std::size_t i = 0; control.type == kDimStyleControl && i < styles; ++i) {
+        WriteHandle(o, kHardPointer, control.styles[i]);
     }
     return FinishObject(o);
 }
@@ -265,7 +265,7 @@ std::size_t WriteDataGroup(BitWriter& d, const std::vector<std::pair<int, std::s
         }
         case DataKind::kReal: {
             const double number = Number(value);
-            d.RD(code >= 50 && code <= 58 ? number * kRadiansPerDegree : number);
+            d.RD(code >= 50 && code <= 58 ? dxf::Radians(value) : number);
             break;
         }
         case DataKind::kShort: d.RS(static_cast<unsigned>(Integer(value)) & 0xFFFF); break;

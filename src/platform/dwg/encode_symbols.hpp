@@ -19,6 +19,8 @@ struct ControlRecord {
     std::int32_t type = 0;  // 48 BLOCK_CONTROL ... 68 DIMSTYLE_CONTROL
     std::vector<std::uint64_t> entries;
     std::vector<std::uint64_t> apart;
+    // The dimension style table's second list of its styles (hard pointers), in its own order.
+    std::vector<std::uint64_t> styles;
 };
 
 // One line of a multiline style.

@@ -289,6 +289,7 @@ void WriteLayer(DxfText& out, const LayerRecord& r, const NameIndex& names) {
     out.integer(70, EntryFlags(r.entry, r.flags));
     out.integer(62, r.off ? -r.color.index : r.color.index);
     if ((r.color.rgb >> 24) == 0xC2) out.integer(420, r.color.rgb & 0xFFFFFF);
+    if (r.color.flags & 3) out.tag(430, ColorNameText(r.color));
     out.tag(6, names.name(names.linetypes, r.linetype));
     if (!r.plotted) out.integer(290, 0);
     out.integer(370, r.lineweight);

@@ -31,8 +31,8 @@ DimensionRecord DimensionOf(const SourceRecord& r, EntityCommon common, WriteCon
     d.flags = static_cast<std::uint8_t>(((flags & 128) ? 0 : 1) | ((flags & 32) ? 2 : 0) | 8);
     d.ordinateX = (flags & 64) != 0;
     d.text = std::string(r.text(1));
-    d.textRotation = r.real(53) * kRadians;
-    d.horizontalDirection = r.real(51) * kRadians;
+    d.textRotation = r.angle(53);
+    d.horizontalDirection = r.angle(51);
     d.attachment = static_cast<std::int16_t>(r.integer(71, 5));
     d.lineSpacingStyle = static_cast<std::int16_t>(r.integer(72, 1));
     d.lineSpacingFactor = r.real(41, 1.0);
@@ -41,8 +41,8 @@ DimensionRecord DimensionOf(const SourceRecord& r, EntityCommon common, WriteCon
     d.clonePoint = {clone.x, clone.y};
     d.points[0] = r.point(10);
     for (int i = 3; i <= 6; ++i) d.points[i] = r.point(10 + i);
-    d.obliqueAngle = r.real(52) * kRadians;
-    d.rotation = r.real(50) * kRadians;
+    d.obliqueAngle = r.angle(52);
+    d.rotation = r.angle(50);
     d.leaderLength = r.real(40);
     d.style = WriteContext::find(c.dimensionStyles, r.has(3) ? r.text(3) : "STANDARD");
     d.block = WriteContext::find(c.blocks, r.text(2));

@@ -90,7 +90,8 @@ HeaderVariables HeaderOf(const SourceDrawing& s, WriteContext& c) {
     h.textsize = Real(s, "$TEXTSIZE", 40, 2.5);
     h.celtscale = Real(s, "$CELTSCALE", 40, 1.0);
     h.pdsize = Real(s, "$PDSIZE", 40, 0.0);
-    h.angbase = Real(s, "$ANGBASE", 50, 0.0) * kRadians;
+    const SourceRecord* angbase = s.variable("$ANGBASE");
+    h.angbase = angbase != nullptr ? angbase->angle(50) : 0;
     h.filletrad = Real(s, "$FILLETRAD", 40, 0.0);
     h.thickness = Real(s, "$THICKNESS", 40, 0.0);
     h.tracewid = Real(s, "$TRACEWID", 40, 1.0);

@@ -117,8 +117,8 @@ TextRecord TextOf(const SourceRecord& r, EntityCommon common, WriteContext& c, i
     t.alignment = {alignment.x, alignment.y};
     t.normal = Normal(r);
     t.thickness = r.real(39);
-    t.oblique = r.real(51) * kRadians;
-    t.rotation = r.real(50) * kRadians;
+    t.oblique = r.angle(51);
+    t.rotation = r.angle(50);
     t.height = r.real(40);
     t.widthFactor = r.real(41, 1.0);
     t.text = std::string(r.text(1));
@@ -148,7 +148,7 @@ MTextRecord MTextOf(const SourceRecord& r, EntityCommon common, WriteContext& c)
     m.normal = Normal(r);
     m.direction = r.has(11) ? r.point(11) : Point3{1, 0, 0};
     if (!r.has(11) && r.has(50)) {
-        const double angle = r.real(50) * kRadians;
+        const double angle = r.angle(50);
         m.direction = {std::cos(angle), std::sin(angle), 0};
     }
     m.width = r.real(41);
@@ -217,7 +217,7 @@ InsertRecord InsertOf(const SourceRecord& r, EntityCommon common, WriteContext& 
     i.block = WriteContext::find(c.blocks, r.text(2));
     i.position = r.point(10);
     i.scale = {r.real(41, 1.0), r.real(42, 1.0), r.real(43, 1.0)};
-    i.rotation = r.real(50) * kRadians;
+    i.rotation = r.angle(50);
     i.normal = Normal(r);
     i.columns = static_cast<std::int16_t>(r.integer(70, 1));
     i.rows = static_cast<std::int16_t>(r.integer(71, 1));
@@ -267,7 +267,7 @@ VertexRecord VertexOf(const SourceRecord& r, EntityCommon common, std::int32_t p
     v.startWidth = r.real(40);
     v.endWidth = r.real(41);
     v.bulge = r.real(42);
-    v.tangent = r.real(50) * kRadians;
+    v.tangent = r.angle(50);
     for (int i = 0; i < 4; ++i) v.faceIndex[i] = static_cast<std::int16_t>(r.integer(71 + i));
     return v;
 }
@@ -315,10 +315,10 @@ bool EntityWriter::writeSimple(const SourceRecord& r, const EntityCommon& common
         if (t == "CIRCLE") {
             c.add(handle, EncodeCircle(circle, o));
         } else {
-            c.add(handle, EncodeArc({std::move(circle), r.real(50) * kRadians, r.real(51) * kRadians}, o));
+            c.add(handle, EncodeArc({std::move(circle), r.angle(50), r.angle(51)}, o));
         }
     } else if (t == "POINT") {
-        c.add(handle, EncodePoint({common, r.point(10), r.real(39), Normal(r), r.real(50) * kRadians}, o));
+        c.add(handle, EncodePoint({common, r.point(10), r.real(39), Normal(r), r.angle(50)}, o));
     } else if (t == "TEXT") {
         c.add(handle, EncodeText(TextOf(r, common, c, 73), o));
     } else if (t == "ATTDEF") {

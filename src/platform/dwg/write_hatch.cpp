@@ -1,6 +1,7 @@
 // A hatch from its DXF record. The record is a sequence whose counts say what follows (paths,
 // their edges or vertices, pattern lines, seeds), so it is read in order.
 #include "platform/dwg/write_context.hpp"
+#include "platform/dxf/angle_text.hpp"
 #include "platform/dxf/tagger.hpp"
 
 namespace dwg {
@@ -15,6 +16,8 @@ public:
         if (at(code)) dxf::ParseDouble(tags_[i_++].second, value);
         return value;
     }
+    // An angle in degrees, as radians.
+    double angle(int code) { return at(code) ? dxf::Radians(tags_[i_++].second) : 0; }
     long long integer(int code, long long fallback = 0) {
         long long value = fallback;
         if (at(code)) dxf::ParseInteger(tags_[i_++].second, value);
@@ -72,8 +75,8 @@ HatchEdge Edge(TagWalk& w) {
             e.start = w.point(10);
             if (e.type == 3) e.end = w.point(11);
             e.radius = w.real(40);
-            e.startAngle = w.real(50) * kRadians;
-            e.endAngle = w.real(51) * kRadians;
+            e.startAngle = w.angle(50);
+            e.endAngle = w.angle(51);
             e.counterClockwise = w.integer(73, 1) != 0;
             break;
         default: SplineEdge(w, e); break;
@@ -102,13 +105,13 @@ HatchPath Path(TagWalk& w) {
 }
 
 void Pattern(TagWalk& w, HatchRecord& h) {
-    h.angle = w.real(52) * kRadians;
+    h.angle = w.angle(52);
     h.scale = w.real(41, 1.0);
     h.doubled = w.integer(77) != 0;
     const long long lines = w.integer(78);
     for (long long i = 0; i < lines; ++i) {
         PatternLine line;
-        line.angle = w.real(53) * kRadians;
+        line.angle = w.angle(53);
         line.base.x = w.real(43);
         line.base.y = w.real(44);
         line.offset.x = w.real(45);
@@ -123,7 +126,7 @@ void Pattern(TagWalk& w, HatchRecord& h) {
 void Gradient(TagWalk& w, HatchRecord& h, std::map<std::string, int>& leftOut) {
     h.gradient = w.integer(450) != 0;
     h.gradientReserved = static_cast<std::int32_t>(w.integer(451));
-    h.gradientAngle = w.real(460) * kRadians;
+    h.gradientAngle = w.angle(460);
     h.gradientShift = w.real(461);
     h.singleColor = static_cast<std::int32_t>(w.integer(452));
     h.gradientTint = w.real(462);

@@ -52,6 +52,7 @@ LayerRecord LayerOf(const SourceRecord& r, WriteContext& c) {
     const long long color = r.integer(62, 7);
     l.off = color < 0;
     l.color = CmcColor(color < 0 ? -color : color, r, 420);
+    SetColorName(l.color, r.text(430));
     l.plotted = r.integer(290, 1) != 0;
     l.lineweight = static_cast<int>(r.integer(370, -3));
     l.plotStyle = r.handle(390);
@@ -123,7 +124,7 @@ SymbolRecord SymbolOf(const SourceRecord& r, std::string_view table, WriteContex
         s.vertical = (flags & 4) != 0;
         s.fixedHeight = r.real(40);
         s.widthFactor = r.real(41, 1.0);
-        s.oblique = r.real(50) * kRadians;
+        s.oblique = r.angle(50);
         s.generation = static_cast<std::uint8_t>(r.integer(71));
         s.lastHeight = r.real(42);
         s.font = std::string(r.text(3));
@@ -153,8 +154,8 @@ SymbolRecord SymbolOf(const SourceRecord& r, std::string_view table, WriteContex
         s.lensLength = r.real(42, 50.0);
         s.frontClip = r.real(43);
         s.backClip = r.real(44);
-        s.snapRotation = r.real(50) * kRadians;
-        s.twist = r.real(51) * kRadians;
+        s.snapRotation = r.angle(50);
+        s.twist = r.angle(51);
         s.viewMode = static_cast<std::uint8_t>(r.integer(71));
         s.circleZoom = static_cast<std::int16_t>(r.integer(72, 1000));
         s.fastZoom = r.integer(73, 1) != 0;
@@ -302,6 +303,27 @@ std::vector<SymbolRecord> MissingLinetypes(const SourceDrawing& source, std::uin
 
 }  // namespace
 
+namespace {
+
+// The dimension style table's second list: the styles its record lists (340) that the table
+// holds, in their order, then the others in the table's.
+std::vector<std::uint64_t> StyleList(const SourceRecord& head, const std::vector<std::uint64_t>& entries) {
+    std::vector<std::uint64_t> out;
+    for (const auto& [code, value] : head.subclass("AcDbDimStyleTable").tags) {
+        const std::uint64_t style = code == 340 ? ParseHandle(value) : 0;
+        if (std::find(entries.begin(), entries.end(), style) != entries.end() &&
+            std::find(out.begin(), out.end(), style) == out.end()) {
+            out.push_back(style);
+        }
+    }
+    for (std::uint64_t entry : entries) {
+        if (std::find(out.begin(), out.end(), entry) == out.end()) out.push_back(entry);
+    }
+    return out;
+}
+
+}  // namespace
+
 void WriteTables(const SourceDrawing& source, WriteContext& c, HeaderHandles& handles) {
     for (const SourceTable& table : source.tables) {
         const TableKind* kind = nullptr;
@@ -352,6 +374,7 @@ void WriteTables(const SourceDrawing& source, WriteContext& c, HeaderHandles& ha
                 control.entries.push_back(linetype.entry.common.handle);
             }
         }
+        if (table.name == "DIMSTYLE") control.styles = StyleList(table.head, control.entries);
         c.add(control.common.handle, EncodeControl(control, c.options));
         std::uint64_t* slot = nullptr;
         switch (kind->control) {
@@ -540,8 +563,8 @@ MLineStyleRecord MLineStyleOf(const SourceRecord& r, WriteContext& c) {
     s.description = std::string(r.text(3));
     s.flags = static_cast<std::int16_t>(r.integer(70));
     s.fill = CmcColor(r.integer(62, 256), r, -1);
-    s.startAngle = r.real(51, 90.0) * kRadians;
-    s.endAngle = r.real(52, 90.0) * kRadians;
+    s.startAngle = r.angle(51, 90 * kRadians);
+    s.endAngle = r.angle(52, 90 * kRadians);
     bool first = true;  // the first 62 is the fill colour, the others the lines'
     for (const auto& [code, value] : r.tags) {
         double number = 0;

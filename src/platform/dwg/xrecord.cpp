@@ -2,8 +2,8 @@
 
 #include <charconv>
 #include <cstdio>
-#include <numbers>
 
+#include "platform/dxf/angle_text.hpp"
 #include "platform/dxf/codepage.hpp"
 
 namespace dwg {
@@ -83,7 +83,13 @@ bool ReadDataGroup(BitReader& d, std::vector<std::pair<int, std::string>>& out) 
         case Kind::kReal: {
             // Angles (50 to 58) are stored in radians and written in degrees.
             const double value = d.RD();
-            out.emplace_back(code, Real(Within(code, 50, 58) ? value * 180.0 / std::numbers::pi : value));
+            if (Within(code, 50, 58)) {
+                std::string degrees;
+                dxf::FormatAngle(value, degrees);
+                out.emplace_back(code, std::move(degrees));
+            } else {
+                out.emplace_back(code, Real(value));
+            }
             break;
         }
         case Kind::kShort: out.emplace_back(code, std::to_string(static_cast<std::int16_t>(d.RS()))); break;

@@ -89,8 +89,8 @@ void ReadRound(T& e, const AcDbRawTags& tags, double* start, double* end) {
             case 210: case 220: case 230: SetAxis(n, tag.code, 210, v); break;
             case 40: e.setRadius(v); break;
             case 39: e.setThickness(v); break;
-            case 50: if (start) *start = v / kDegrees; break;
-            case 51: if (end) *end = v / kDegrees; break;
+            case 50: if (start) *start = Radians(tag.value); break;
+            case 51: if (end) *end = Radians(tag.value); break;
             default: break;
         }
     });
@@ -110,7 +110,7 @@ void ReadPoint(AcDbPoint& e, const AcDbRawTags& tags) {
             case 10: case 20: case 30: SetAxis(p, tag.code, 10, v); break;
             case 210: case 220: case 230: SetAxis(n, tag.code, 210, v); break;
             case 39: e.setThickness(v); break;
-            case 50: e.setEcsRotation(v / kDegrees); break;
+            case 50: e.setEcsRotation(Radians(tag.value)); break;
             default: break;
         }
     });
@@ -135,9 +135,9 @@ void ReadText(T& e, const AcDbRawTags& tags, AcDbDatabase& db, bool attribute) {
             case 39: e.setThickness(Real(s)); break;
             case 40: e.setHeight(Real(s)); break;
             case 1: e.setTextString(Wide(s)); break;
-            case 50: e.setRotation(Real(s) / kDegrees); break;
+            case 50: e.setRotation(Radians(s)); break;
             case 41: e.setWidthFactor(Real(s)); break;
-            case 51: e.setOblique(Real(s) / kDegrees); break;
+            case 51: e.setOblique(Radians(s)); break;
             case 7: {
                 AcDbTextStyleTable* table = nullptr;
                 AcDbObjectId id;
@@ -208,7 +208,7 @@ void ReadMText(AcDbMText& e, const AcDbRawTags& tags, AcDbDatabase& db) {
             case 1: last = s; break;
             case 7: e.setTextStyle(StyleId(db, db.textStyleTableId(), Wide(s))); break;
             case 44: e.setLineSpacingFactor(Real(s)); break;
-            case 50: rotation = Real(s) / kDegrees; break;  // degrees, as for every other angle
+            case 50: rotation = Radians(s); break;  // degrees, as for every other angle
             default: break;
         }
     });
@@ -325,7 +325,7 @@ void ReadBlockReference(AcDbBlockReference& e, const AcDbRawTags& tags, std::wst
             case 41: s.sx = v; break;
             case 42: s.sy = v; break;
             case 43: s.sz = v; break;
-            case 50: e.setRotation(v / kDegrees); break;
+            case 50: e.setRotation(Radians(tag.value)); break;
             case 70: if (minsert) minsert->setColumns(static_cast<int>(Integer(tag.value))); break;
             case 71: if (minsert) minsert->setRows(static_cast<int>(Integer(tag.value))); break;
             case 44: if (minsert) minsert->setColumnSpacing(v); break;
@@ -360,9 +360,9 @@ void ReadDimension(AcDbDimension& e, const AcDbRawTags& tags, AcDbDatabase& db,
             case 3: e.setDimensionStyle(StyleId(db, db.dimStyleTableId(), Wide(s))); break;
             case 1: e.setDimensionText(Wide(s)); break;
             case 42: e.setStoredMeasurement(Real(s)); break;
-            case 53: e.setTextRotation(Real(s) / kDegrees); break;
-            case 50: d.rotation = Real(s) / kDegrees; break;
-            case 52: d.oblique = Real(s) / kDegrees; break;
+            case 53: e.setTextRotation(Radians(s)); break;
+            case 50: d.rotation = Radians(s); break;
+            case 52: d.oblique = Radians(s); break;
             case 40: d.leader = Real(s); break;
             case 210: case 220: case 230: SetAxis(d.normal, c, 210, Real(s)); break;
             case 70: {
@@ -482,7 +482,7 @@ void ReadVertex(V& v, const AcDbRawTags& tags) {
                     if (tag.code == 40) v.startWidth = d;
                     else if (tag.code == 41) v.endWidth = d;
                     else if (tag.code == 42) v.bulge = d;
-                    else if (tag.code == 50) v.tangent = d / kDegrees;
+                    else if (tag.code == 50) v.tangent = Radians(tag.value);
                 }
                 break;
         }

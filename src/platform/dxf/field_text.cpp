@@ -3,6 +3,7 @@
 #include <cctype>
 #include <charconv>
 
+#include "platform/dxf/angle_text.hpp"
 #include "platform/dxf/tagger.hpp"
 
 namespace dxf {
@@ -50,6 +51,7 @@ void AppendField(const Field& f, std::string& out) {
     switch (f.kind) {
         case Field::Kind::kText: out += f.text; break;
         case Field::Kind::kReal: FormatDouble(f.real, out); break;
+        case Field::Kind::kAngle: FormatAngle(f.real, out); break;
         case Field::Kind::kInteger: AppendInteger(f.integer, out); break;
         case Field::Kind::kHandle: AppendHex(static_cast<std::uint64_t>(f.integer), out); break;
     }
@@ -63,6 +65,7 @@ bool SameValue(const Field& f, std::string_view text) {
         double x;
         return ParseDouble(text, x) && x == f.real;
     }
+    if (f.kind == Field::Kind::kAngle && kind == ValueKind::kDouble) return Radians(text) == f.real;
     if (f.kind == Field::Kind::kInteger && IsIntegerKind(kind)) {
         long long x;
         return ParseInteger(text, x) && x == f.integer;

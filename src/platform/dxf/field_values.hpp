@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "platform/db/database.hpp"
+#include "platform/dxf/angle_text.hpp"
 #include "platform/dxf/model.hpp"
 #include "platform/dxf/tagger.hpp"
 

@@ -126,7 +126,10 @@ void ModelWriter::real(int code, double value) {
     m_optional = false;
 }
 
-void ModelWriter::angle(int code, double radians) { real(code, radians * kDegrees); }
+void ModelWriter::angle(int code, double radians) {
+    add(code, Field::Kind::kAngle).real = radians;
+    m_optional = false;
+}
 
 void ModelWriter::integer(int code, long long value) {
     add(code, Field::Kind::kInteger).integer = value;

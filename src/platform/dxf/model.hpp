@@ -15,14 +15,14 @@ namespace dxf {
 // One modelled value. Numbers stay numbers until written, so that a value equal to the one the
 // file has keeps the file's text without being formatted.
 struct Field {
-    enum class Kind : std::uint8_t { kText, kReal, kInteger, kHandle };
+    enum class Kind : std::uint8_t { kText, kReal, kInteger, kHandle, kAngle };
     int code = 0;
     Kind kind = Kind::kText;
     // A value at its default: it replaces a tag of the template, but is not added where the
     // template has none (nor in a new record).
     bool optional = false;
     int run = 0;             // 0: a single value; otherwise the repeating block it belongs to
-    double real = 0.0;       // kReal
+    double real = 0.0;       // kReal; kAngle: radians, written in degrees
     long long integer = 0;   // kInteger, and a handle's value (kHandle)
     std::string text;        // kText, UTF-8
 };

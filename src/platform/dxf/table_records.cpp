@@ -93,7 +93,7 @@ void ReadRecordFields(AcDbSymbolTableRecord& r, const AcDbRawTags& tags,
             switch (c) {
                 case 40: style->setTextSize(Real(s)); break;
                 case 41: style->setXScale(Real(s)); break;
-                case 50: style->setObliquingAngle(Real(s) / kDegrees); break;
+                case 50: style->setObliquingAngle(Radians(s)); break;
                 case 71: style->setTextGenerationFlags(static_cast<int>(Integer(s))); break;
                 case 42: style->setPriorSize(Real(s)); break;
                 case 3: style->setFileName(Wide(s)); break;

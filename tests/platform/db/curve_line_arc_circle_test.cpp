@@ -156,3 +156,18 @@ TEST(CircleCurve, tilted_circle_points_lie_in_its_plane) {
         EXPECT_NEAR(back, t, 1e-12);
     }
 }
+
+// A file's normal of unit length is kept to its last bit; another is made unit length.
+TEST(ArcCurve, unit_normal_is_kept_as_given) {
+    AcDbArc arc;
+    AcDbCircle circle;
+    const AcGeVector3d nearlyUp(0, 0, 0x1.fffffffffffffp-1);
+    ASSERT_EQ(arc.setNormal(nearlyUp), Acad::eOk);
+    ASSERT_EQ(circle.setNormal(nearlyUp), Acad::eOk);
+    EXPECT_EQ(arc.normal().z, nearlyUp.z);
+    EXPECT_EQ(circle.normal().z, nearlyUp.z);
+    ASSERT_EQ(arc.setNormal({0, 0, 3}), Acad::eOk);
+    ASSERT_EQ(circle.setNormal({0, 0, 3}), Acad::eOk);
+    EXPECT_EQ(arc.normal().z, 1.0);
+    EXPECT_EQ(circle.normal().z, 1.0);
+}

@@ -168,3 +168,13 @@ TEST(EllipseCurve, mirror_keeps_the_points_of_an_elliptical_arc) {
     EXPECT_THAT(s, IsNearPoint(AcGePoint3d(0, -2, 0), 1e-12));
     EXPECT_THAT(end, IsNearPoint(AcGePoint3d(4, 0, 0), 1e-12));
 }
+
+// A file's normal of unit length is kept to its last bit; another is made unit length.
+TEST(EllipseCurve, unit_normal_is_kept_as_given) {
+    AcDbEllipse e;
+    const AcGeVector3d nearlyUp(0, 0, 0x1.fffffffffffffp-1);
+    ASSERT_EQ(e.set({1, 2, 0}, nearlyUp, {3, 0, 0}, 0.5, 0, 2 * kPi), Acad::eOk);
+    EXPECT_EQ(e.normal().z, nearlyUp.z);
+    ASSERT_EQ(e.set({1, 2, 0}, {0, 0, 2}, {3, 0, 0}, 0.5, 0, 2 * kPi), Acad::eOk);
+    EXPECT_EQ(e.normal().z, 1.0);
+}

@@ -6,6 +6,7 @@
 
 #include "platform/db/database.hpp"
 #include "platform/dxf/model.hpp"
+#include "shared_folder.hpp"
 
 namespace dwg_test {
 
@@ -14,7 +15,7 @@ namespace dwg_test {
 template <typename Visit>
 int ForEachCorpusDrawing(Visit visit) {
     int drawings = 0;
-    for (const char* folder : {"/work/shared/corpus/dxf", "/work/shared/corpus/dwg"}) {
+    for (const auto& folder : {SharedFile("corpus/dxf"), SharedFile("corpus/dwg")}) {
         if (!std::filesystem::exists(folder)) continue;
         for (const auto& entry : std::filesystem::directory_iterator(folder)) {
             AcDbDatabase db(false, true);

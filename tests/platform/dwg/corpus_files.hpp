@@ -11,11 +11,12 @@
 #include <vector>
 
 #include "platform/dwg/container.hpp"
+#include "shared_folder.hpp"
 
 namespace dwg_test {
 
 inline std::string CorpusPath(const std::string& name) {
-    return "/work/shared/corpus/dwg/" + name;
+    return SharedFile("corpus/dwg/" + name).string();
 }
 
 inline std::vector<std::uint8_t> ReadFileBytes(const std::string& path) {

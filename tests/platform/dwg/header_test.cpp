@@ -11,6 +11,7 @@
 #include "platform/db/database.hpp"
 #include "platform/dwg/corpus_files.hpp"
 #include "platform/dxf/dxf.hpp"
+#include "shared_folder.hpp"
 
 namespace {
 
@@ -57,7 +58,7 @@ dwg::HeaderVariables ReadCorpusHeader(const std::string& name, dwg::Version vers
 TEST(DwgHeader, variables_of_a_2000_drawing_are_those_of_its_dxf_twin) {
     const auto vars = ReadCorpusHeader("example_2000.dwg", dwg::Version::kR2000);
     AcDbDatabase dxf(false, true);
-    ASSERT_EQ(dxf::ReadDxfFile(dxf, "/work/shared/corpus/dxf/example_2000.dxf"), Acad::eOk);
+    ASSERT_EQ(dxf::ReadDxfFile(dxf, SharedFile("corpus/dxf/example_2000.dxf").string()), Acad::eOk);
     // The DXF was exported later and numbered objects of its own: the seed lies above every
     // handle of the DWG and not above the DXF's.
     const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_2000.dwg"));

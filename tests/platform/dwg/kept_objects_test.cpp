@@ -12,6 +12,7 @@
 #include "platform/dxf/dxf.hpp"
 #include "platform/dxf/model.hpp"
 #include "platform/dxf/support.hpp"
+#include "shared_folder.hpp"
 
 namespace {
 
@@ -81,7 +82,7 @@ TEST(DwgKeptObjects, erased_kept_object_is_not_named) {
 
 TEST(DwgKeptObjects, drawing_read_from_dxf_leaves_nothing_out) {
     AcDbDatabase db(false, true);
-    ASSERT_EQ(dxf::ReadDxfFile(db, "/work/shared/corpus/dxf/example_2000.dxf"), Acad::eOk)
+    ASSERT_EQ(dxf::ReadDxfFile(db, SharedFile("corpus/dxf/example_2000.dxf").string()), Acad::eOk)
         << dxf::Utf8(db.lastError());
     EXPECT_TRUE(db.dwgKeptObjects().empty());
     EXPECT_TRUE(dxf::LeftOutOfDxf(db).empty());

@@ -8,7 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "platform/dwg/classes.hpp"
 #include "platform/dwg/container.hpp"
+#include "platform/dwg/decode.hpp"
 #include "platform/dwg/object_map.hpp"
 #include "platform/dwg/object_stream.hpp"
 
@@ -36,6 +38,26 @@ inline std::map<std::uint64_t, StoredObject> StoredObjects(std::span<const std::
         const std::size_t sizeBytes = object.size >= 0x8000 ? 4 : 2;
         const auto bytes = sections.objects.subspan(start + sizeBytes, object.size);
         out[at.handle] = {object.type, {bytes.begin(), bytes.end()}};
+    }
+    return out;
+}
+
+// The object of a handle decoded (a drawing's own kinds kept whole); empty when the file does
+// not hold it.
+inline dwg::DecodedObject DecodedAt(std::span<const std::uint8_t> file, std::uint64_t handle) {
+    dwg::DecodedObject out;
+    dwg::DwgContainer container;
+    dwg::MapError error;
+    if (!dwg::ReadDwgContainer(file, container, error)) return out;
+    const dwg::DwgSections sections = dwg::SectionsOf(container, file);
+    std::vector<dwg::ObjectLocation> map;
+    if (!dwg::ParseObjectMap(sections.objectMap, map, error)) return out;
+    for (const dwg::ObjectLocation& at : map) {
+        dwg::ObjectStreams object;
+        if (at.handle != handle ||
+            !dwg::OpenObject(sections.objects, at.offset, sections.version, sections.codePage, object, error))
+            continue;
+        dwg::DecodeObject(object, {}, out);
     }
     return out;
 }

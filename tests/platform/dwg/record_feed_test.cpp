@@ -15,6 +15,7 @@
 #include "platform/dxf/dxf.hpp"
 #include "platform/dxf/record_feed.hpp"
 #include "platform/win/codepage.hpp"
+#include "shared_folder.hpp"
 
 namespace {
 
@@ -74,7 +75,7 @@ std::string WrittenDxf(AcDbDatabase& db) {
 
 std::vector<std::string> CorpusDrawings() {
     std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator("/work/shared/corpus/dwg")) {
+    for (const auto& entry : std::filesystem::directory_iterator(SharedFile("corpus/dwg"))) {
         if (entry.path().extension() == ".dwg") names.push_back(entry.path().filename().string());
     }
     std::sort(names.begin(), names.end());

@@ -22,6 +22,7 @@
 #include "platform/win/host_state.hpp"
 #include "platform/win/paths.hpp"
 #include "platform/win/recycle.hpp"
+#include "shared_folder.hpp"
 
 namespace {
 
@@ -232,7 +233,7 @@ TEST(SaveAs2004, dwg_save_names_what_it_leaves_out) {
     const fs::path dir = dxftest::TempDir("save_left_out");
     const fs::path target = dir / "x0292430_c.dwg";
     AcDbDatabase db(false, true);
-    ASSERT_EQ(dxf::ReadDxfFile(db, "/work/shared/corpus/dxf/x0292430_c.dxf"), Acad::eOk);
+    ASSERT_EQ(dxf::ReadDxfFile(db, SharedFile("corpus/dxf/x0292430_c.dxf").string()), Acad::eOk);
     ::testing::internal::CaptureStderr();
     const Acad::ErrorStatus es = db.saveAs(target.wstring().c_str());
     const std::string said = ::testing::internal::GetCapturedStderr();

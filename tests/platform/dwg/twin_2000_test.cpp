@@ -29,6 +29,7 @@
 #include "platform/dwg/tables.hpp"
 #include "platform/dxf/dxf.hpp"
 #include "platform/win/codepage.hpp"
+#include "shared_folder.hpp"
 
 namespace {
 
@@ -70,7 +71,7 @@ struct Twin {
 
     explicit Twin(const std::string& stem) {
         dwg = dwg_test::ReadFileBytes(dwg_test::CorpusPath(stem + ".dwg"));
-        EXPECT_EQ(dxf::ReadDxfFile(dxf, "/work/shared/corpus/dxf/" + stem + ".dxf"), Acad::eOk);
+        EXPECT_EQ(dxf::ReadDxfFile(dxf, SharedFile("corpus/dxf/" + stem + ".dxf").string()), Acad::eOk);
     }
 
     void expectLayer(const dwg::EntityCommon& common, const AcDbEntity* entity) {

@@ -11,6 +11,7 @@
 #include "platform/dwg/read.hpp"
 #include "platform/dwg/twin_compare.hpp"
 #include "platform/dxf/dxf.hpp"
+#include "shared_folder.hpp"
 
 namespace {
 
@@ -36,7 +37,7 @@ TEST_P(DwgTwin, database_equals_the_dxf_twin_object_by_object) {
     const auto file = dwg_test::ReadFileBytes(path);
     ASSERT_EQ(dwg::ReadDwgBytes(fromDwg, file, path), Acad::eOk)
         << Utf8FromWide(fromDwg.lastError());
-    ASSERT_EQ(dxf::ReadDxfFile(fromDxf, "/work/shared/corpus/dxf/" + stem + ".dxf"), Acad::eOk);
+    ASSERT_EQ(dxf::ReadDxfFile(fromDxf, SharedFile("corpus/dxf/" + stem + ".dxf").string()), Acad::eOk);
     dwg_test::TwinComparison twins;
     twins.compare(fromDwg, fromDxf, fromDwg.handseed().value());
     for (const auto& d : twins.differences) ADD_FAILURE() << d;

@@ -8,11 +8,12 @@
 #include "platform/dxf/dxf.hpp"
 #include "platform/dxf/model.hpp"
 #include "support.hpp"
+#include "shared_folder.hpp"
 
 namespace {
 
 namespace fs = std::filesystem;
-const fs::path kCorpus = "/work/shared/corpus/dxf";
+const fs::path kCorpus = SharedFile("corpus/dxf");
 
 std::vector<std::string> CorpusFiles() {
     std::vector<std::string> names;

@@ -14,6 +14,7 @@
 #include "platform/dxf/dxf.hpp"
 #include "platform/dxf/tagger.hpp"
 #include "platform/win/codepage.hpp"
+#include "shared_folder.hpp"
 
 namespace {
 
@@ -41,7 +42,7 @@ std::string Written(AcDbDatabase& db) {
 }
 
 std::string FileText(const std::string& name) {
-    std::ifstream in("/work/shared/corpus/dxf/" + name, std::ios::binary);
+    std::ifstream in(SharedFile("corpus/dxf/" + name), std::ios::binary);
     return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 

@@ -5,12 +5,13 @@
 
 #include "platform/dxf/model.hpp"
 #include "platform/render/picture.hpp"
+#include "shared_folder.hpp"
 
 namespace {
 
 using namespace rendertest;
 
-const fs::path kCorpus = "/work/shared/corpus";
+const fs::path kCorpus = SharedFile("corpus");
 
 // The corpus's drawings as "dxf/NAME" and "dwg/NAME".
 std::vector<std::string> CorpusFiles() {
