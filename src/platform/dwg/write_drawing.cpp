@@ -8,6 +8,7 @@
 #include "platform/dwg/encode_header.hpp"
 #include "platform/dwg/encode_sections.hpp"
 #include "platform/dwg/filed_objects.hpp"
+#include "platform/dwg/kept_objects.hpp"
 #include "platform/dwg/r2004_file.hpp"
 #include "platform/dwg/write.hpp"
 #include "platform/dwg/write_tables.hpp"
@@ -16,8 +17,6 @@
 
 namespace dwg {
 namespace {
-
-constexpr std::int32_t kFirstClass = 500;
 
 double Real(const SourceDrawing& s, std::string_view name, int code, double fallback) {
     const SourceRecord* r = s.variable(name);
@@ -275,6 +274,8 @@ void EncodeSource(SourceDrawing& source, int codePage, EncodedDrawing& out) {
     const std::vector<ClassRecord>& classes = out.classes;
     for (const ClassRecord& cls : classes) c.classNumbers.emplace(cls.dxfName, cls.number);
     c.dwgCodePage = DwgCodePageNumber(c.options.codePage);
+    WriteKeptObjects(classes, c);
+    IndexBookColors(source, c);
     WriteTables(source, c, header.handles);
     const BlockInserts inserts = InsertsOf(source, c);
     std::vector<SourceRecord> model, paper;
@@ -310,6 +311,12 @@ Acad::ErrorStatus EncodeDrawing(AcDbDatabase& db, int codePage, EncodedDrawing& 
     if (!ReadSource(parts, source, error)) {
         db.setLastError(L"DWG writer: " + dxf::Wide(error));
         return Acad::eInvalidInput;
+    }
+    for (const auto& [handle, kept] : db.dwgKeptObjects()) {
+        AcDbObjectId id;
+        if (db.getAcDbObjectId(id, false, AcDbHandle(handle)) == Acad::eOk && !id.isErased()) {
+            out.context.kept.emplace_back(handle, &kept);
+        }
     }
     out.context.threads = std::min(std::max(std::thread::hardware_concurrency(), 1u), 4u);
     EncodeSource(source, codePage, out);
