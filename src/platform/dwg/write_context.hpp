@@ -110,6 +110,9 @@ Acad::ErrorStatus EncodeDrawing(AcDbDatabase& db, int codePage, EncodedDrawing& 
 // The same from the records already grouped (the records give up their tag lists), on as many
 // threads as out.context says.
 void EncodeSource(SourceDrawing& source, int codePage, EncodedDrawing& out);
+// The objects the database keeps whole from a DWG read and still holds, for EncodeSource to
+// write back.
+void NoteKeptObjects(AcDbDatabase& db, EncodedDrawing& out);
 // The file's bytes: the encoded objects (those unchanged since the read put back as the file
 // stored them), the object map, classes and header in their pages. What the file does not hold
 // of the database goes to report.

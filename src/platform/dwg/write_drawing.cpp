@@ -298,6 +298,15 @@ void EncodeSource(SourceDrawing& source, int codePage, EncodedDrawing& out) {
     out.measurement = Short(source, "$MEASUREMENT", 0);
 }
 
+void NoteKeptObjects(AcDbDatabase& db, EncodedDrawing& out) {
+    for (const auto& [handle, kept] : db.dwgKeptObjects()) {
+        AcDbObjectId id;
+        if (db.getAcDbObjectId(id, false, AcDbHandle(handle)) == Acad::eOk && !id.isErased()) {
+            out.context.kept.emplace_back(handle, &kept);
+        }
+    }
+}
+
 Acad::ErrorStatus EncodeDrawing(AcDbDatabase& db, int codePage, EncodedDrawing& out) {
     dxf::WriteOptions options;
     options.version = AcDb::kDHL_1032;  // texts as UTF-8, turned into the code page here
@@ -312,12 +321,7 @@ Acad::ErrorStatus EncodeDrawing(AcDbDatabase& db, int codePage, EncodedDrawing& 
         db.setLastError(L"DWG writer: " + dxf::Wide(error));
         return Acad::eInvalidInput;
     }
-    for (const auto& [handle, kept] : db.dwgKeptObjects()) {
-        AcDbObjectId id;
-        if (db.getAcDbObjectId(id, false, AcDbHandle(handle)) == Acad::eOk && !id.isErased()) {
-            out.context.kept.emplace_back(handle, &kept);
-        }
-    }
+    NoteKeptObjects(db, out);
     out.context.threads = std::min(std::max(std::thread::hardware_concurrency(), 1u), 4u);
     EncodeSource(source, codePage, out);
     return Acad::eOk;
