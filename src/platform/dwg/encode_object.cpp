@@ -131,10 +131,11 @@ std::vector<std::uint8_t> FinishObject(ObjectWriter& o) {
     // The last byte is filled with set bits, as AutoCAD fills it.
     const unsigned rest = static_cast<unsigned>((8 - d.bitPosition() % 8) % 8);
     d.bits((1u << rest) - 1, rest);
-    // The object's size before its bytes, its CRC after them, in the values' own buffer; the
-    // size is coded in the handles' buffer, whose bits are now among the values.
-    std::vector<std::uint8_t> out = d.take();
-    BitWriter& size = o.handles;
+    // The size is coded in the handles' buffer, whose bits are now among the values.
+    return FramedObject(d.take(), o.handles);
+}
+
+std::vector<std::uint8_t> FramedObject(std::vector<std::uint8_t> out, BitWriter& size) {
     size.clear();
     size.MS(static_cast<std::uint32_t>(out.size()));
     out.reserve(size.buffer().size() + out.size() + 2);

@@ -28,6 +28,8 @@ struct WriteContext {
     EncodeOptions options;
     std::unordered_map<std::string, std::uint64_t> layers, linetypes, styles, blocks;
     std::unordered_map<std::string, std::uint64_t> dimensionStyles, applications;
+    // The colour objects of colour books by the names the dictionaries give them ("book$colour").
+    std::unordered_map<std::string, std::uint64_t> bookColors;
     std::uint64_t modelSpace = 0, paperSpace = 0;
     std::uint64_t nextHandle = 1;  // for records that come without one
     EncodedObjects objects;
@@ -40,6 +42,9 @@ struct WriteContext {
     // order in batchObjects, to be placed after those of the batches before it.
     bool batch = false;
     std::vector<std::pair<std::uint64_t, std::vector<std::uint8_t>>> batchObjects;
+    // The objects of kinds the database does not model that it keeps whole from a DWG read and
+    // still holds, by handle: their records are left out of the DXF the writer reads.
+    std::vector<std::pair<std::uint64_t, const AcDbDatabase::DwgKeptObject*>> kept;
     // The layer name the last entity gave and its layer: entities in a row mostly share one.
     std::string_view lastLayerName;
     std::uint64_t lastLayer = 0;
@@ -105,6 +110,9 @@ Acad::ErrorStatus EncodeDrawing(AcDbDatabase& db, int codePage, EncodedDrawing& 
 // The same from the records already grouped (the records give up their tag lists), on as many
 // threads as out.context says.
 void EncodeSource(SourceDrawing& source, int codePage, EncodedDrawing& out);
+// The objects the database keeps whole from a DWG read and still holds, for EncodeSource to
+// write back.
+void NoteKeptObjects(AcDbDatabase& db, EncodedDrawing& out);
 // The file's bytes: the encoded objects (those unchanged since the read put back as the file
 // stored them), the object map, classes and header in their pages. What the file does not hold
 // of the database goes to report.

@@ -8,6 +8,7 @@
 #include "platform/dwg/encode_header.hpp"
 #include "platform/dwg/encode_sections.hpp"
 #include "platform/dwg/filed_objects.hpp"
+#include "platform/dwg/kept_objects.hpp"
 #include "platform/dwg/r2004_file.hpp"
 #include "platform/dwg/write.hpp"
 #include "platform/dwg/write_tables.hpp"
@@ -16,8 +17,6 @@
 
 namespace dwg {
 namespace {
-
-constexpr std::int32_t kFirstClass = 500;
 
 double Real(const SourceDrawing& s, std::string_view name, int code, double fallback) {
     const SourceRecord* r = s.variable(name);
@@ -275,6 +274,8 @@ void EncodeSource(SourceDrawing& source, int codePage, EncodedDrawing& out) {
     const std::vector<ClassRecord>& classes = out.classes;
     for (const ClassRecord& cls : classes) c.classNumbers.emplace(cls.dxfName, cls.number);
     c.dwgCodePage = DwgCodePageNumber(c.options.codePage);
+    WriteKeptObjects(classes, c);
+    IndexBookColors(source, c);
     WriteTables(source, c, header.handles);
     const BlockInserts inserts = InsertsOf(source, c);
     std::vector<SourceRecord> model, paper;
@@ -298,6 +299,15 @@ void EncodeSource(SourceDrawing& source, int codePage, EncodedDrawing& out) {
     out.measurement = Short(source, "$MEASUREMENT", 0);
 }
 
+void NoteKeptObjects(AcDbDatabase& db, EncodedDrawing& out) {
+    for (const auto& [handle, kept] : db.dwgKeptObjects()) {
+        AcDbObjectId id;
+        if (db.getAcDbObjectId(id, false, AcDbHandle(handle)) == Acad::eOk && !id.isErased()) {
+            out.context.kept.emplace_back(handle, &kept);
+        }
+    }
+}
+
 Acad::ErrorStatus EncodeDrawing(AcDbDatabase& db, int codePage, EncodedDrawing& out) {
     dxf::WriteOptions options;
     options.version = AcDb::kDHL_1032;  // texts as UTF-8, turned into the code page here
@@ -312,6 +322,7 @@ Acad::ErrorStatus EncodeDrawing(AcDbDatabase& db, int codePage, EncodedDrawing& 
         db.setLastError(L"DWG writer: " + dxf::Wide(error));
         return Acad::eInvalidInput;
     }
+    NoteKeptObjects(db, out);
     out.context.threads = std::min(std::max(std::thread::hardware_concurrency(), 1u), 4u);
     EncodeSource(source, codePage, out);
     return Acad::eOk;

@@ -81,6 +81,14 @@ EntityCommon EntityCommonOf(const SourceRecord& record, std::uint64_t owner, Wri
     }
     e.color.index = static_cast<std::int16_t>(r.integer(62, 256));
     if (r.has(420)) e.color.rgb = 0xC2000000u | (static_cast<std::uint32_t>(r.integer(420)) & 0xFFFFFF);
+    // A colour of a colour book refers to its colour object, when the drawing holds it.
+    if (r.has(430)) {
+        const auto book = c.bookColors.find(std::string(r.text(430)));
+        if (book != c.bookColors.end()) {
+            e.color.hasBookHandle = true;
+            e.colorBook = book->second;
+        }
+    }
     if (r.has(440)) {
         e.color.hasTransparency = true;
         e.color.transparency = static_cast<std::uint32_t>(r.integer(440));

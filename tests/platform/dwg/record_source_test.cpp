@@ -43,6 +43,7 @@ Bytes WrittenThroughText(AcDbDatabase& db, int codePage) {
     EXPECT_TRUE(dwg::ReadSource(tags, source, error)) << error;
     dwg::EncodedDrawing encoded;
     EXPECT_EQ(encoded.context.threads, 1u);
+    dwg::NoteKeptObjects(db, encoded);
     dwg::EncodeSource(source, codePage, encoded);
     dwg::DwgWriteReport report;
     return dwg::AssembleDwg(db, encoded, report);
