@@ -11,6 +11,9 @@
 
 namespace dwg {
 
+// The object type of a drawing's first class.
+inline constexpr std::int32_t kFirstClass = 500;
+
 struct ClassRecord {
     std::int16_t number = 0;      // the object type the drawing uses for it
     std::int16_t proxyFlags = 0;  // DXF 90

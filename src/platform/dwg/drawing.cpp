@@ -230,6 +230,8 @@ void Drawing::index() {
             names.applications[item.handle] = symbols[item.handle].entry.name;
         } else if (item.type == kDimensionStyle) {
             names.dimensionStyles[item.handle] = symbols[item.handle].entry.name;
+        } else if (const auto* dictionary = decoded ? std::get_if<DictionaryRecord>(decoded) : nullptr) {
+            for (const auto& [name, entry] : dictionary->entries) names.entries.emplace(entry, name);
         }
         if (item.entity && item.type != kBlock && item.type != kEndblk) owned[item.owner].push_back(i);
     }

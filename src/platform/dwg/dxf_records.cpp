@@ -154,6 +154,10 @@ void EntityProperties(DxfText& out, const EntityCommon& c, std::uint64_t owner,
     }
     if (c.color.index != 256) out.integer(62, c.color.index);
     if ((c.color.rgb >> 24) == 0xC2) out.integer(420, c.color.rgb & 0xFFFFFF);
+    // A colour of a colour book is its colour object, named by the colour dictionary.
+    if (c.color.hasBookHandle && names.entries.count(c.colorBook) != 0) {
+        out.tag(430, names.entries.at(c.colorBook));
+    }
     if (c.color.hasTransparency) out.integer(440, c.color.transparency);
     const int lineweight = LineweightFromIndex(c.lineweight);
     if (lineweight != -1) out.integer(370, lineweight);

@@ -57,6 +57,9 @@ private:
 struct NameIndex {
     std::unordered_map<std::uint64_t, std::string> layers, linetypes, styles, blocks;
     std::unordered_map<std::uint64_t, std::string> dimensionStyles, applications;
+    // The names dictionaries give their entries, by handle: a colour book's colour object is
+    // named "book$colour" by the drawing's colour dictionary.
+    std::unordered_map<std::uint64_t, std::string> entries;
     std::uint64_t modelSpace = 0, paperSpace = 0;
     std::string name(const std::unordered_map<std::uint64_t, std::string>& table,
                      std::uint64_t handle) const;

@@ -1,16 +1,28 @@
 #include "platform/dwg/dxf_source.hpp"
 
 #include <algorithm>
-#include <charconv>
 
 #include "platform/dxf/angle_text.hpp"
 #include "platform/dxf/tagger.hpp"
 
 namespace dwg {
 
+// The hexadecimal digits from the start, up to the first other character; 0 when they do not
+// fit in 64 bits.
 std::uint64_t ParseHandle(std::string_view text) {
     std::uint64_t value = 0;
-    std::from_chars(text.data(), text.data() + text.size(), value, 16);
+    for (const char c : text) {
+        unsigned digit;
+        if (c >= '0' && c <= '9') {
+            digit = static_cast<unsigned>(c - '0');
+        } else if ((c | 0x20) >= 'a' && (c | 0x20) <= 'f') {
+            digit = static_cast<unsigned>((c | 0x20) - 'a' + 10);
+        } else {
+            break;
+        }
+        if (value >> 60 != 0) return 0;
+        value = (value << 4) | digit;
+    }
     return value;
 }
 

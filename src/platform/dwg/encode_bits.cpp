@@ -1,5 +1,6 @@
 #include "platform/dwg/encode_bits.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -26,30 +27,34 @@ unsigned NextCodePoint(std::string_view text, std::size_t& i) {
 
 }  // namespace
 
-void BitWriter::alignToByte() { bit_ = (bit_ + 7) & ~std::size_t{7}; bytes_.resize(bit_ / 8); }
+// The bits after the last one written are zeros: padding is moving on.
+void BitWriter::alignToByte() { bit_ = (bit_ + 7) & ~std::size_t{7}; }
 
-// What fits in the last byte begun, then whole bytes, then the rest at the top of a new byte.
-// The buffer always ends at the byte that holds the last bit written, so a byte begun is the
-// last one. Bytes are added one by one: a vector's resize is a call for each value, and values
-// are many.
-void BitWriter::bits(std::uint64_t value, unsigned count) {
-    const auto used = static_cast<unsigned>(bit_ & 7);
-    bit_ += count;
-    if (used != 0 && count > 0) {
-        const unsigned room = 8 - used;
-        const unsigned take = count < room ? count : room;
-        count -= take;
-        bytes_.back() |= static_cast<std::uint8_t>(((value >> count) & ((1u << take) - 1)) << (room - take));
-    }
-    while (count >= 8) {
-        count -= 8;
-        bytes_.push_back(static_cast<std::uint8_t>(value >> count));
-    }
-    if (count > 0) bytes_.push_back(static_cast<std::uint8_t>(value << (8 - count)));
+void BitWriter::grow() {
+    bytes_.resize(std::max<std::size_t>({bit_ / 8 + 8, 2 * bytes_.size(), 64}));
 }
 
-// A byte's share of the bits at a time: what fits from the position to the byte's end.
+void BitWriter::longBits(std::uint64_t value, unsigned count) {
+    bits(value >> 32, count - 32);
+    bits(value & 0xFFFFFFFFu, 32);
+}
+
+// In one eight-byte word when the buffer reaches that far (it mostly does: it is kept longer
+// than the bytes written); otherwise a byte's share of the bits at a time.
 void BitWriter::patchBits(std::size_t position, std::uint64_t value, unsigned count) {
+    const std::size_t first = position / 8;
+    const auto skip = static_cast<unsigned>(position & 7);
+    if (count > 0 && skip + count <= 64 && first + 8 <= bytes_.size()) {
+        std::uint64_t word;
+        std::memcpy(&word, bytes_.data() + first, sizeof word);
+        word = __builtin_bswap64(word);
+        const unsigned shift = 64 - skip - count;
+        const std::uint64_t ones = (count == 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << count) - 1) << shift;
+        word = (word & ~ones) | ((value << shift) & ones);
+        word = __builtin_bswap64(word);
+        std::memcpy(bytes_.data() + first, &word, sizeof word);
+        return;
+    }
     while (count > 0) {
         const unsigned room = 8 - static_cast<unsigned>(position & 7);
         const unsigned take = count < room ? count : room;
@@ -211,9 +216,8 @@ void BitWriter::OT(std::int32_t type) {
 void BitWriter::H(const HandleRef& ref) {
     unsigned count = 0;
     for (std::uint64_t v = ref.value; v; v >>= 8) ++count;
-    bits(ref.code, 4);
-    bits(count, 4);
-    for (unsigned i = count; i-- > 0;) RC(static_cast<unsigned>(ref.value >> (8 * i)));
+    bits((static_cast<unsigned>(ref.code & 0xF) << 4) | count, 4 + 4);
+    bits(ref.value, 8 * count);
 }
 
 // The length counts the terminating zero, as the format's own writers store it.
@@ -284,7 +288,8 @@ void BitWriter::ENC(const Color& color) {
 
 void BitWriter::bytes(std::string_view raw) {
     if ((bit_ & 7) == 0) {
-        bytes_.insert(bytes_.end(), raw.begin(), raw.end());
+        if (bytes_.size() < bit_ / 8 + raw.size() + 8) bytes_.resize(bit_ / 8 + raw.size() + 8);
+        if (!raw.empty()) std::memcpy(bytes_.data() + bit_ / 8, raw.data(), raw.size());
         bit_ += raw.size() * 8;
         return;
     }

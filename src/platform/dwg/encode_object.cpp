@@ -116,23 +116,26 @@ void WriteEntityCommon(ObjectWriter& o, const EntityCommon& common) {
 std::vector<std::uint8_t> FinishObject(ObjectWriter& o) {
     BitWriter& d = o.data;
     const std::size_t valueBits = d.bitPosition();
-    for (unsigned i = 0; i < 4; ++i) {
-        d.patchBits(o.dataSizeAt + 8 * i, (valueBits >> (8 * i)) & 0xFF, 8);
-    }
+    // Little-endian as RL writes it: the bytes reversed, as one value.
+    d.patchBits(o.dataSizeAt, __builtin_bswap32(static_cast<std::uint32_t>(valueBits)), 32);
     // The handles follow the values at once, not at a byte boundary.
     const std::size_t handleBits = o.handles.bitPosition();
     const auto& handles = o.handles.buffer();
-    for (std::size_t bit = 0; bit < handleBits; bit += 8) {
-        const unsigned count = static_cast<unsigned>(std::min<std::size_t>(8, handleBits - bit));
-        d.bits(handles[bit / 8] >> (8 - count), count);
+    // Seven bytes of them at a time, the most that one call takes.
+    for (std::size_t bit = 0; bit < handleBits; bit += 56) {
+        const unsigned count = static_cast<unsigned>(std::min<std::size_t>(56, handleBits - bit));
+        std::uint64_t word = 0;
+        for (std::size_t k = 0; k < (count + 7) / 8; ++k) word = (word << 8) | handles[bit / 8 + k];
+        d.bits(word >> ((8 - count % 8) % 8), count);
     }
     // The last byte is filled with set bits, as AutoCAD fills it.
     const unsigned rest = static_cast<unsigned>((8 - d.bitPosition() % 8) % 8);
     d.bits((1u << rest) - 1, rest);
-    // The object's size before its bytes, its CRC after them, in the values' own buffer; the
-    // size is coded in the handles' buffer, whose bits are now among the values.
-    std::vector<std::uint8_t> out = d.take();
-    BitWriter& size = o.handles;
+    // The size is coded in the handles' buffer, whose bits are now among the values.
+    return FramedObject(d.take(), o.handles);
+}
+
+std::vector<std::uint8_t> FramedObject(std::vector<std::uint8_t> out, BitWriter& size) {
     size.clear();
     size.MS(static_cast<std::uint32_t>(out.size()));
     out.reserve(size.buffer().size() + out.size() + 2);

@@ -45,5 +45,8 @@ void WriteObjectCommon(ObjectWriter& o, const ObjectCommon& common);
 void WriteEntityCommon(ObjectWriter& o, const EntityCommon& common);
 // The object as the object data holds it: size (MS), values, handles, CRC.
 std::vector<std::uint8_t> FinishObject(ObjectWriter& o);
+// An object's bytes (its values and handles) framed as the file stores them: its size before
+// them, its CRC after; scratch is a buffer to code the size in.
+std::vector<std::uint8_t> FramedObject(std::vector<std::uint8_t> bytes, BitWriter& scratch);
 
 }  // namespace dwg

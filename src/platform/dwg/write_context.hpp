@@ -14,6 +14,7 @@
 #include "platform/dwg/classes.hpp"
 #include "platform/dwg/dxf_source.hpp"
 #include "platform/dwg/encode_object.hpp"
+#include "platform/dwg/encoded_objects.hpp"
 #include "platform/dwg/hatch.hpp"
 #include "platform/dwg/header.hpp"
 #include "platform/dwg/write.hpp"
@@ -27,9 +28,11 @@ struct WriteContext {
     EncodeOptions options;
     std::unordered_map<std::string, std::uint64_t> layers, linetypes, styles, blocks;
     std::unordered_map<std::string, std::uint64_t> dimensionStyles, applications;
+    // The colour objects of colour books by the names the dictionaries give them ("book$colour").
+    std::unordered_map<std::string, std::uint64_t> bookColors;
     std::uint64_t modelSpace = 0, paperSpace = 0;
     std::uint64_t nextHandle = 1;  // for records that come without one
-    std::map<std::uint64_t, std::vector<std::uint8_t>> objects;
+    EncodedObjects objects;
     std::unordered_map<std::uint64_t, std::vector<std::uint64_t>> owned;  // block record: entities
     std::map<std::string, int> leftOut;  // record type: how many
     std::map<std::string, std::int32_t, std::less<>> classNumbers;  // DXF name: object type
@@ -39,6 +42,9 @@ struct WriteContext {
     // order in batchObjects, to be placed after those of the batches before it.
     bool batch = false;
     std::vector<std::pair<std::uint64_t, std::vector<std::uint8_t>>> batchObjects;
+    // The objects of kinds the database does not model that it keeps whole from a DWG read and
+    // still holds, by handle: their records are left out of the DXF the writer reads.
+    std::vector<std::pair<std::uint64_t, const AcDbDatabase::DwgKeptObject*>> kept;
     // The layer name the last entity gave and its layer: entities in a row mostly share one.
     std::string_view lastLayerName;
     std::uint64_t lastLayer = 0;
@@ -46,15 +52,14 @@ struct WriteContext {
     std::uint64_t handleOf(const SourceRecord& r, int code = 5);
     static std::uint64_t find(const std::unordered_map<std::string, std::uint64_t>& table,
                               std::string_view name);
-    // Objects mostly come in the order of their handles: the end is tried first.
     void add(std::uint64_t handle, std::vector<std::uint8_t> bytes) {
         if (batch) {
             batchObjects.emplace_back(handle, std::move(bytes));
             return;
         }
-        objects.insert_or_assign(objects.end(), handle, std::move(bytes));
+        objects.add(handle, std::move(bytes));
     }
-    bool written(std::uint64_t handle) const { return objects.count(handle) != 0; }
+    bool written(std::uint64_t handle) const { return objects.contains(handle); }
     // The object type the drawing's classes give a DXF name; 0 when it has no class.
     std::int32_t classNumber(std::string_view dxfName) const {
         const auto it = classNumbers.find(dxfName);
@@ -105,6 +110,9 @@ Acad::ErrorStatus EncodeDrawing(AcDbDatabase& db, int codePage, EncodedDrawing& 
 // The same from the records already grouped (the records give up their tag lists), on as many
 // threads as out.context says.
 void EncodeSource(SourceDrawing& source, int codePage, EncodedDrawing& out);
+// The objects the database keeps whole from a DWG read and still holds, for EncodeSource to
+// write back.
+void NoteKeptObjects(AcDbDatabase& db, EncodedDrawing& out);
 // The file's bytes: the encoded objects (those unchanged since the read put back as the file
 // stored them), the object map, classes and header in their pages. What the file does not hold
 // of the database goes to report.

@@ -8,6 +8,7 @@
 #include "platform/dwg/encode_header.hpp"
 #include "platform/dwg/encode_sections.hpp"
 #include "platform/dwg/filed_objects.hpp"
+#include "platform/dwg/kept_objects.hpp"
 #include "platform/dwg/r2004_file.hpp"
 #include "platform/dwg/write.hpp"
 #include "platform/dwg/write_tables.hpp"
@@ -16,8 +17,6 @@
 
 namespace dwg {
 namespace {
-
-constexpr std::int32_t kFirstClass = 500;
 
 double Real(const SourceDrawing& s, std::string_view name, int code, double fallback) {
     const SourceRecord* r = s.variable(name);
@@ -275,6 +274,8 @@ void EncodeSource(SourceDrawing& source, int codePage, EncodedDrawing& out) {
     const std::vector<ClassRecord>& classes = out.classes;
     for (const ClassRecord& cls : classes) c.classNumbers.emplace(cls.dxfName, cls.number);
     c.dwgCodePage = DwgCodePageNumber(c.options.codePage);
+    WriteKeptObjects(classes, c);
+    IndexBookColors(source, c);
     WriteTables(source, c, header.handles);
     const BlockInserts inserts = InsertsOf(source, c);
     std::vector<SourceRecord> model, paper;
@@ -293,8 +294,18 @@ void EncodeSource(SourceDrawing& source, int codePage, EncodedDrawing& out) {
     const std::int32_t withDefault = ClassNumber(classes, "ACDBDICTIONARYWDFLT");
     WriteDictionaries(dictionaries, c, withDefault);
     DictionariesOf(dictionaries, header);
-    header.handseed = std::max(c.nextHandle, c.objects.empty() ? 1 : c.objects.rbegin()->first + 1);
+    c.objects.order();
+    header.handseed = std::max(c.nextHandle, c.objects.empty() ? 1 : std::prev(c.objects.end())->first + 1);
     out.measurement = Short(source, "$MEASUREMENT", 0);
+}
+
+void NoteKeptObjects(AcDbDatabase& db, EncodedDrawing& out) {
+    for (const auto& [handle, kept] : db.dwgKeptObjects()) {
+        AcDbObjectId id;
+        if (db.getAcDbObjectId(id, false, AcDbHandle(handle)) == Acad::eOk && !id.isErased()) {
+            out.context.kept.emplace_back(handle, &kept);
+        }
+    }
 }
 
 Acad::ErrorStatus EncodeDrawing(AcDbDatabase& db, int codePage, EncodedDrawing& out) {
@@ -311,6 +322,7 @@ Acad::ErrorStatus EncodeDrawing(AcDbDatabase& db, int codePage, EncodedDrawing& 
         db.setLastError(L"DWG writer: " + dxf::Wide(error));
         return Acad::eInvalidInput;
     }
+    NoteKeptObjects(db, out);
     out.context.threads = std::min(std::max(std::thread::hardware_concurrency(), 1u), 4u);
     EncodeSource(source, codePage, out);
     return Acad::eOk;
@@ -338,11 +350,19 @@ std::vector<std::uint8_t> AssembleDwg(const AcDbDatabase& db, EncodedDrawing& en
     // Every object of the database that the file does not hold, by its record type: the kinds
     // without an encoder, and any object the drawing's records did not carry.
     // The object map lists the written handles in their order; it is asked first, so that the
-    // objects written (nearly all) are not visited.
-    const auto written = [&map](std::uint64_t handle) {
+    // objects written (nearly all) are not visited. The database's objects mostly come in the
+    // same order: the entry after the last one found is tried before a search.
+    std::size_t next = 0;
+    const auto written = [&map, &next](std::uint64_t handle) {
+        if (next < map.size() && map[next].handle == handle) {
+            ++next;
+            return true;
+        }
         const auto at = std::lower_bound(map.begin(), map.end(), handle,
                                          [](const ObjectLocation& l, std::uint64_t h) { return l.handle < h; });
-        return at != map.end() && at->handle == handle;
+        if (at == map.end() || at->handle != handle) return false;
+        next = static_cast<std::size_t>(at - map.begin()) + 1;
+        return true;
     };
     for (const AcDbStub& stub : db.stubs()) {
         if (!stub.object || written(stub.handle.value()) || stub.object->isErased()) continue;

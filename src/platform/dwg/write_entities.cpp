@@ -81,6 +81,14 @@ EntityCommon EntityCommonOf(const SourceRecord& record, std::uint64_t owner, Wri
     }
     e.color.index = static_cast<std::int16_t>(r.integer(62, 256));
     if (r.has(420)) e.color.rgb = 0xC2000000u | (static_cast<std::uint32_t>(r.integer(420)) & 0xFFFFFF);
+    // A colour of a colour book refers to its colour object, when the drawing holds it.
+    if (r.has(430)) {
+        const auto book = c.bookColors.find(std::string(r.text(430)));
+        if (book != c.bookColors.end()) {
+            e.color.hasBookHandle = true;
+            e.colorBook = book->second;
+        }
+    }
     if (r.has(440)) {
         e.color.hasTransparency = true;
         e.color.transparency = static_cast<std::uint32_t>(r.integer(440));
@@ -448,9 +456,9 @@ bool IsOwnedRecord(const SourceRecord& r) {
 // vertices and their SEQEND stay with their owner), with a context holding what the writer
 // reads: the drawing's names and the options.
 std::vector<EntityBatch> Batches(const std::vector<SourceRecord>& records, WriteContext& c) {
-    std::map<std::uint64_t, std::vector<std::uint8_t>> objects = std::move(c.objects);
+    EncodedObjects objects = std::move(c.objects);
     std::map<std::string, int> leftOut = std::move(c.leftOut);
-    c.objects.clear();
+    c.objects = EncodedObjects();
     c.leftOut.clear();
     std::vector<EntityBatch> batches;
     for (std::size_t begin = 0; begin < records.size();) {

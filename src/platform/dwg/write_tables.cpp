@@ -234,6 +234,18 @@ void IndexNames(const SourceDrawing& source, WriteContext& c) {
     c.paperSpace = WriteContext::find(c.blocks, "*PAPER_SPACE");
 }
 
+void IndexBookColors(const SourceDrawing& source, WriteContext& c) {
+    for (const SourceRecord& r : source.objects) {
+        if (r.type != "DICTIONARY") continue;
+        std::string_view name;
+        for (const auto& [code, value] : r.tags) {
+            if (code == 3) name = value;
+            const std::uint64_t entry = code == 350 ? ParseHandle(value) : 0;
+            if (name.find('$') != std::string_view::npos && c.written(entry)) c.bookColors.emplace(name, entry);
+        }
+    }
+}
+
 namespace {
 
 // Notes a name that a record gives in `code` and the table lacks, with a new handle for it.

@@ -11,6 +11,9 @@ namespace dwg {
 
 // The handles of the layers, linetypes, styles, blocks and dimension styles by name.
 void IndexNames(const SourceDrawing& source, WriteContext& c);
+// The colour objects of colour books that the written file holds, by the names the drawing's
+// dictionaries give them ("book$colour"), for the entities that name them (430).
+void IndexBookColors(const SourceDrawing& source, WriteContext& c);
 // Every table's records and control object; the control objects' handles go to handles.
 void WriteTables(const SourceDrawing& source, WriteContext& c, HeaderHandles& handles);
 // The INSERTs of each block record, by the record's handle, in the order of their handles.

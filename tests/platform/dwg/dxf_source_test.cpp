@@ -75,3 +75,20 @@ TEST(DwgSource, subclass_that_the_record_lacks_is_empty) {
 }
 
 }  // namespace
+
+// A handle's text: hexadecimal digits of either case up to the first other character; none
+// (0) for no digits or for more than 64 bits.
+TEST(DwgSource, handle_text_reads_its_leading_hexadecimal_digits) {
+    EXPECT_EQ(dwg::ParseHandle("1F"), 0x1Fu);
+    EXPECT_EQ(dwg::ParseHandle("a9b"), 0xA9Bu);
+    EXPECT_EQ(dwg::ParseHandle("09afAF"), 0x09AFAFu);
+    EXPECT_EQ(dwg::ParseHandle("2G5"), 2u);
+    EXPECT_EQ(dwg::ParseHandle("2:"), 2u);
+    EXPECT_EQ(dwg::ParseHandle("2@"), 2u);
+    EXPECT_EQ(dwg::ParseHandle("2`"), 2u);
+    EXPECT_EQ(dwg::ParseHandle(""), 0u);
+    EXPECT_EQ(dwg::ParseHandle("-5"), 0u);
+    EXPECT_EQ(dwg::ParseHandle("FFFFFFFFFFFFFFFF"), 0xFFFFFFFFFFFFFFFFu);
+    EXPECT_EQ(dwg::ParseHandle("0000FFFFFFFFFFFFFFFF"), 0xFFFFFFFFFFFFFFFFu);
+    EXPECT_EQ(dwg::ParseHandle("10000000000000000"), 0u);
+}

@@ -424,6 +424,63 @@ TEST(DwgBitWriter, cleared_writer_writes_from_its_first_bit_again) {
     EXPECT_EQ(w.buffer(), (std::vector<std::uint8_t>{0x01, 0x80, 0x01, 0x00}));
 }
 
+// Values of any width at any offset, past the first room the buffer had and with the buffer
+// read between them, leave the bits that writing them one at a time leaves.
+TEST(DwgBitWriter, values_of_any_width_equal_their_bits_one_by_one) {
+    BitWriter whole, single;
+    std::uint64_t state = 0x9E3779B97F4A7C15u;
+    for (int i = 0; i < 600; ++i) {
+        state = state * 6364136223846793005u + 1442695040888963407u;
+        const unsigned count = static_cast<unsigned>(state >> 58);  // 0 to 63
+        const std::uint64_t value = state * 0xD1B54A32D192ED03u;
+        whole.bits(value, count == 63 ? 64 : count);
+        for (unsigned k = count == 63 ? 64 : count; k-- > 0;) single.B(((value >> k) & 1) != 0);
+        if (i % 97 == 0) {
+            EXPECT_EQ(whole.buffer().size(), (whole.bitPosition() + 7) / 8);
+        }
+    }
+    EXPECT_EQ(whole.bitPosition(), single.bitPosition());
+    EXPECT_EQ(whole.buffer(), single.buffer());
+}
+
+// Raw bytes on a byte boundary and the values after them go where they belong.
+TEST(DwgBitWriter, raw_bytes_then_values_follow_each_other) {
+    BitWriter w;
+    w.RC(0xAB);
+    w.bytes(std::string(100, '\x5A'));
+    w.B(true);
+    w.RS(0x1234);
+    const std::vector<std::uint8_t>& b = w.buffer();
+    ASSERT_EQ(b.size(), 1u + 100 + 3);
+    EXPECT_EQ(b[0], 0xAB);
+    EXPECT_EQ(b[100], 0x5A);
+    EXPECT_EQ(b[101], 0x80 | (0x34 >> 1));
+    EXPECT_EQ(b[102], static_cast<std::uint8_t>((0x34 << 7) | (0x12 >> 1)));
+    EXPECT_EQ(b[103], static_cast<std::uint8_t>(0x12 << 7));
+}
+
+// The bytes written so far, seen without cutting the buffer, are those buffer() gives.
+TEST(DwgBitWriter, written_bytes_are_the_buffer_so_far) {
+    BitWriter w;
+    w.RC(0x12);
+    w.bits(0b101, 3);
+    const std::span<const std::uint8_t> seen = w.written();
+    const std::vector<std::uint8_t> copy(seen.begin(), seen.end());
+    EXPECT_EQ(copy, (std::vector<std::uint8_t>{0x12, 0b1010'0000}));
+    EXPECT_EQ(copy, w.buffer());
+}
+
+// A patch at the very end of what the buffer holds (after reading it) changes only its bits.
+TEST(DwgBitWriter, patch_at_the_end_of_a_read_buffer_changes_only_its_bits) {
+    BitWriter w;
+    w.bits(0, 13);
+    EXPECT_EQ(w.buffer().size(), 2u);
+    w.patchBits(9, 0b1011, 4);
+    EXPECT_EQ(w.buffer(), (std::vector<std::uint8_t>{0x00, 0b0101'1000}));
+    w.B(true);
+    EXPECT_EQ(w.buffer(), (std::vector<std::uint8_t>{0x00, 0b0101'1100}));
+}
+
 // A value patched in over bits already written leaves the bytes as writing it there would have:
 // at every offset within a byte, for values that fit in one byte, cross into the next, or span
 // several (an object's 32-bit size), over set and over clear bits.

@@ -113,6 +113,38 @@ TEST(DwgPageChecksum, sums_wrap_at_0xfff1_per_chunk_of_0x15b0_bytes) {
     EXPECT_EQ(PageChecksum(0, two), static_cast<std::uint32_t>((next2 << 16) | next1));
 }
 
+// Data of every length around the sixteen-byte steps and the chunk's end sums as one byte at a
+// time does, from any seed.
+TEST(DwgPageChecksum, long_data_sums_as_byte_by_byte) {
+    const auto byteByByte = [](std::uint32_t seed, std::span<const std::uint8_t> bytes) {
+        std::uint64_t sum1 = seed & 0xFFFF, sum2 = seed >> 16;
+        for (std::size_t at = 0; at < bytes.size(); ++at) {
+            sum1 += bytes[at];
+            sum2 += sum1;
+            if ((at + 1) % 0x15B0 == 0 || at + 1 == bytes.size()) {
+                sum1 %= 0xFFF1;
+                sum2 %= 0xFFF1;
+            }
+        }
+        return static_cast<std::uint32_t>((sum2 << 16) | (sum1 & 0xFFFF));
+    };
+    std::vector<std::uint8_t> data(3 * 0x15B0 + 40);
+    std::uint32_t state = 12345;
+    for (std::uint8_t& b : data) {
+        state = state * 1103515245u + 12345u;
+        b = static_cast<std::uint8_t>(state >> 16);
+    }
+    for (const std::size_t length : {15u, 16u, 17u, 31u, 33u, 0x15AFu, 0x15B0u, 0x15B1u, 0x15C0u,
+                                     2u * 0x15B0 + 7, static_cast<unsigned>(data.size())}) {
+        const std::span<const std::uint8_t> part(data.data(), length);
+        for (const std::uint32_t seed : {0u, 0xFFF0FFF0u, 0x12345678u}) {
+            EXPECT_EQ(PageChecksum(seed, part), byteByByte(seed, part)) << length << " " << seed;
+        }
+    }
+    const std::vector<std::uint8_t> full(0x15B0 + 100, 0xFF);
+    EXPECT_EQ(PageChecksum(0xFFF0FFF0u, full), byteByByte(0xFFF0FFF0u, full));
+}
+
 TEST(DwgCrc32, standard_check_value) {
     const std::string text = "123456789";
     EXPECT_EQ(Crc32(std::span<const std::uint8_t>(

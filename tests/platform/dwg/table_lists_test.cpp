@@ -1,6 +1,6 @@
-// Values of the symbol tables that the database does not model but keeps in the records it
-// carries, through a DXF on their way from one DWG to another: a layer's colour book name and
-// the dimension style table's own order of its styles.
+// Values that the database does not model but keeps in the records it carries, through a DXF
+// on their way from one DWG to another: a layer's colour book name, an entity's colour book
+// colour and the dimension style table's own order of its styles.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -18,6 +18,7 @@ namespace {
 
 constexpr std::uint64_t kBookColouredLayer = 0x293;
 constexpr std::uint64_t kDimensionStyleTable = 0xA;
+constexpr std::uint64_t kBookColouredCircle = 0x289;
 
 class TableLists : public ::testing::Test {
 protected:
@@ -62,6 +63,38 @@ TEST_F(TableLists, layer_colour_book_name_goes_through_dxf_into_the_dwg) {
     EXPECT_EQ(layer->color.name, original->color.name);
     EXPECT_EQ(layer->color.bookName, original->color.bookName);
     EXPECT_EQ(layer->color.rgb, original->color.rgb);
+}
+
+// Written from the database read, the colour object is written back (kept whole) and the
+// entity refers to it; the DXF names the colour as the colour dictionary does.
+TEST_F(TableLists, entity_colour_of_a_colour_book_refers_to_its_colour_object) {
+    AcDbDatabase db(false, true);
+    ASSERT_EQ(dwg::ReadDwgBytes(db, file_, "color_sample_AC1018.dwg"), Acad::eOk);
+    db.dwgFiledObjects() = {};
+    std::vector<std::uint8_t> again;
+    dwg::DwgWriteReport report;
+    ASSERT_EQ(dwg::WriteDwgBytes(db, 1252, again, report), Acad::eOk);
+    const dwg::DecodedObject before = dwg_test::DecodedAt(file_, kBookColouredCircle);
+    const dwg::DecodedObject after = dwg_test::DecodedAt(again, kBookColouredCircle);
+    const auto* original = std::get_if<dwg::CircleRecord>(&before);
+    const auto* circle = std::get_if<dwg::CircleRecord>(&after);
+    ASSERT_NE(original, nullptr);
+    ASSERT_NE(circle, nullptr);
+    ASSERT_TRUE(original->common.color.hasBookHandle);
+    EXPECT_TRUE(circle->common.color.hasBookHandle);
+    EXPECT_EQ(circle->common.colorBook, original->common.colorBook);
+    EXPECT_EQ(circle->common.color.index, original->common.color.index);
+    EXPECT_EQ(dwg_test::StoredObjects(again).count(original->common.colorBook), 1u);
+    EXPECT_NE(dxfText_.find("\n430\nRAL CLASSIC$RAL 1006\n"), std::string::npos);
+}
+
+// Through a DXF the colour object is not carried (it is kept whole only from a DWG): the
+// entity keeps its colour's index and name, and refers to no colour object that the file lacks.
+TEST_F(TableLists, entity_colour_of_a_book_without_its_colour_object_refers_to_none) {
+    const dwg::DecodedObject after = dwg_test::DecodedAt(written_, kBookColouredCircle);
+    const auto* circle = std::get_if<dwg::CircleRecord>(&after);
+    ASSERT_NE(circle, nullptr);
+    EXPECT_FALSE(circle->common.color.hasBookHandle);
 }
 
 TEST_F(TableLists, dimension_style_table_keeps_its_second_list_in_its_order) {
