@@ -57,7 +57,9 @@ struct Drawing {
     std::vector<ClassRecord> classes;
     std::vector<Item> items;
     std::unordered_map<std::uint64_t, SymbolRecord> symbols;  // the records kept whole above
-    std::unordered_map<std::uint64_t, std::size_t> byHandle;
+    // The items in the order of their handles, the last of two with one handle first: 4 bytes an
+    // object where a hash map of the handles took some 40.
+    std::vector<std::uint32_t> byHandle;
     std::unordered_map<std::uint64_t, std::vector<std::size_t>> owned;  // entities by owner
     NameIndex names;
     DxfText out;
@@ -66,6 +68,7 @@ struct Drawing {
 
     bool decode(MapError& error);
     bool decodeOne(const ObjectLocation& loc, MapError& error);
+    void sortHandles();
     MapError decodeError(const Item& item) const {
         return {static_cast<std::size_t>(item.offset),
                 "object " + std::to_string(item.handle) + " (" + typeName(item) +
@@ -91,8 +94,9 @@ struct Drawing {
         return c.owner;
     }
     const Item* find(std::uint64_t handle) const {
-        const auto it = byHandle.find(handle);
-        return it == byHandle.end() ? nullptr : &items[it->second];
+        const auto it = std::lower_bound(byHandle.begin(), byHandle.end(), handle,
+                                         [&](std::uint32_t i, std::uint64_t h) { return items[i].handle < h; });
+        return it == byHandle.end() || items[*it].handle != handle ? nullptr : &items[*it];
     }
     void writeHeader();
     void writeClasses();
@@ -104,6 +108,14 @@ struct Drawing {
     void writeObjects();
     void takeKept(std::vector<KeptData>& kept);
 };
+
+void Drawing::sortHandles() {
+    byHandle.resize(items.size());
+    for (std::size_t i = 0; i < items.size(); ++i) byHandle[i] = static_cast<std::uint32_t>(items.size() - 1 - i);
+    // From the last item back, so that of two items with one handle the later is found.
+    std::stable_sort(byHandle.begin(), byHandle.end(),
+                     [&](std::uint32_t a, std::uint32_t b) { return items[a].handle < items[b].handle; });
+}
 
 bool Drawing::decode(MapError& error) {
     const Version v = sections.version;
@@ -118,6 +130,7 @@ bool Drawing::decode(MapError& error) {
     for (const auto& loc : map) {
         if (!decodeOne(loc, error)) return false;
     }
+    sortHandles();
     return true;
 }
 
@@ -140,7 +153,6 @@ bool Drawing::decodeOne(const ObjectLocation& loc, MapError& error) {
         }
         item.entity = true;
         item.owner = ownerOf(common);
-        byHandle[loc.handle] = items.size();
         items.push_back(std::move(item));
         return true;
     }
@@ -163,7 +175,6 @@ bool Drawing::decodeOne(const ObjectLocation& loc, MapError& error) {
     if (!item.entity || whole || item.type == kBlock || item.type == kEndblk) {
         item.decoded = std::move(decoded);
     }
-    byHandle[loc.handle] = items.size();
     items.push_back(std::move(item));
     return true;
 }
