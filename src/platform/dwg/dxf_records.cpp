@@ -13,7 +13,7 @@ namespace dwg {
 void DxfText::tag(int code, std::string_view text) { put(code, text, dxf::Made::kText, false); }
 
 void DxfText::put(int code, std::string_view text, dxf::Made made, bool plain) {
-    if (feed_ != nullptr) {
+    if (feed_ != nullptr || keep_) {
         if (code == 0) flush();
         const std::size_t begin = out_.size();
         if (plain) out_.append(text);
@@ -52,6 +52,13 @@ void DxfText::flush() {
         tags_.push_back({s.code, values.substr(s.begin, s.end - s.begin), 0, s.made});
     }
     feed_->record(tags_);
+    spans_.clear();
+    out_.clear();
+}
+
+void DxfText::handTo(DxfText& to) {
+    const std::string_view values = out_;
+    for (const Span& s : spans_) to.put(s.code, values.substr(s.begin, s.end - s.begin), s.made, true);
     spans_.clear();
     out_.clear();
 }

@@ -20,6 +20,16 @@ class DxfText {
 public:
     DxfText() = default;
     explicit DxfText(dxf::RecordFeed* feed) : feed_(feed) {}
+    // Records kept as they are written, to be handed on later by handTo (by another thread
+    // than the one that wrote them).
+    static DxfText Kept() {
+        DxfText kept;
+        kept.keep_ = true;
+        return kept;
+    }
+    // Writes the records kept here to `to`, as if they had been written there, and clears them.
+    void handTo(DxfText& to);
+    bool feeds() const { return feed_ != nullptr; }
     void tag(int code, std::string_view value);
     void tag(int code, double value);
     void integer(int code, long long value);
@@ -48,6 +58,7 @@ private:
     };
     std::string out_;  // the text, or the values of the record being written
     dxf::RecordFeed* feed_ = nullptr;
+    bool keep_ = false;
     std::vector<Span> spans_;
     std::vector<dxf::Tag> tags_;
     std::string angleText_;  // an angle being written
