@@ -83,7 +83,8 @@ void DxfText::integer(int code, long long value) {
 void DxfText::handle(int code, std::uint64_t value) {
     char buffer[20];
     char* end = std::to_chars(buffer, buffer + sizeof buffer, value, 16).ptr;
-    for (char* c = buffer; c != end; ++c) *c = static_cast<char>(std::toupper(static_cast<unsigned char>(*c)));
+    for (char* c = buffer; c != end; ++c)
+        if (*c >= 'a') *c = static_cast<char>(*c - 'a' + 'A');  // hexadecimal digits a to f
     // A handle is hexadecimal: checked as any text is.
     put(code, std::string_view(buffer, end), dxf::Made::kText, true);
 }
@@ -105,10 +106,11 @@ void DxfText::angle(int code, double radians) {
     put(code, angleText_, dxf::Made::kReal, true);
 }
 
-std::string NameIndex::name(const std::unordered_map<std::uint64_t, std::string>& table,
-                            std::uint64_t handle) const {
+const std::string& NameIndex::name(const std::unordered_map<std::uint64_t, std::string>& table,
+                                   std::uint64_t handle) const {
+    static const std::string kNone;
     const auto it = table.find(handle);
-    return it == table.end() ? std::string() : it->second;
+    return it == table.end() ? kNone : it->second;
 }
 
 namespace {

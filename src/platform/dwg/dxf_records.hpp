@@ -72,8 +72,9 @@ struct NameIndex {
     // named "book$colour" by the drawing's colour dictionary.
     std::unordered_map<std::uint64_t, std::string> entries;
     std::uint64_t modelSpace = 0, paperSpace = 0;
-    std::string name(const std::unordered_map<std::uint64_t, std::string>& table,
-                     std::uint64_t handle) const;
+    // The name of the handle's record, empty when the table has none.
+    const std::string& name(const std::unordered_map<std::uint64_t, std::string>& table,
+                            std::uint64_t handle) const;
 };
 
 // The head every record starts with: type, handle, reactors, extension dictionary, owner.
