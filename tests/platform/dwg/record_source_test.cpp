@@ -3,6 +3,7 @@
 // the DXF text of the same drawing, read back tag by tag, byte for byte.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <map>
@@ -12,6 +13,7 @@
 #include "platform/db/block_table_record.hpp"
 #include "platform/db/database.hpp"
 #include "platform/db/line.hpp"
+#include "platform/db/polyline.hpp"
 #include "platform/db/symbol_tables.hpp"
 #include "platform/dwg/corpus_drawings.hpp"
 #include "platform/dwg/write.hpp"
@@ -137,6 +139,34 @@ TEST(DwgRecordSource, records_without_handles_in_a_long_list_are_numbered_as_on_
     }
     EXPECT_GT(objects[0].size(), 9000u);
     EXPECT_TRUE(objects[0] == objects[1]);
+}
+
+// A record longer than a part's usual length stays whole in one part: every part begins with a
+// record's 0 tag, also after a polyline of 40000 vertices (80000 coordinate tags).
+TEST(DwgRecordSource, record_longer_than_a_part_stays_whole) {
+    AcDbDatabase db(true, false);
+    AcDbBlockTable* blocks = nullptr;
+    db.getSymbolTable(blocks, AcDb::kForRead);
+    AcDbBlockTableRecord* model = nullptr;
+    blocks->getAt(ACDB_MODEL_SPACE, model, AcDb::kForWrite);
+    blocks->close();
+    auto* polyline = new AcDbPolyline();
+    for (unsigned i = 0; i < 40000; ++i) polyline->addVertexAt(i, AcGePoint2d(i, i % 7));
+    polyline->setDatabaseDefaults(&db);
+    model->appendAcDbEntity(polyline);
+    polyline->close();
+    model->close();
+    dxf::WriteOptions options;
+    options.version = AcDb::kDHL_1032;
+    dxf::DrawingTags tags;
+    ASSERT_EQ(dxf::WriteDxfTags(db, options, tags), Acad::eOk);
+    std::size_t longest = 0;
+    for (const auto& part : tags.parts()) {
+        ASSERT_FALSE(part.empty());
+        EXPECT_EQ(part.front().first, 0);
+        longest = std::max(longest, part.size());
+    }
+    EXPECT_GT(longest, 80000u);
 }
 
 }  // namespace
