@@ -17,3 +17,14 @@ bool acdbNamesEqual(const std::wstring& a, const std::wstring& b) {
             return false;
     return true;
 }
+
+std::size_t acdbNameHash(const std::wstring& name) {
+    std::size_t hash = 14695981039346656037ull;
+    for (wchar_t c : name) {
+        // ASCII letters fold here without the library call: most names are ASCII.
+        const wint_t code = static_cast<wint_t>(c);
+        const wint_t upper = code >= 0x80 ? std::towupper(code) : code >= L'a' && code <= L'z' ? code - 32 : code;
+        hash = (hash ^ upper) * 1099511628211ull;
+    }
+    return hash;
+}

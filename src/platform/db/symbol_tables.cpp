@@ -1,5 +1,7 @@
 #include "platform/db/symbol_tables.hpp"
 
+#include <atomic>
+
 #include "platform/db/block_table_record.hpp"
 #include "platform/db/database.hpp"
 #include "platform/db/entity.hpp"
@@ -35,6 +37,10 @@ Acad::ErrorStatus AcDbSymbolTableRecord::getName(std::wstring& name) const {
 
 namespace {
 
+// Renames of records in a database, in any database: a table's name index made before one is
+// made anew, as the renamed record may be in it.
+std::atomic<std::uint64_t> g_recordRenames{0};
+
 // The table that owns a resident record, or null.
 const AcDbSymbolTable* OwningTable(const AcDbSymbolTableRecord* record) {
     AcDbObjectId owner = record->ownerId();
@@ -53,18 +59,25 @@ void RenameLayerOfEntities(AcDbDatabase* db, const std::wstring& from, const std
 
 }  // namespace
 
+// Look-ups by name made before a record of a database changes its name index it no longer.
+void AcDbSymbolTableRecord::takeName(const std::wstring& name) {
+    if (name == m_name) return;
+    m_name = name;
+    if (database() != nullptr) g_recordRenames.fetch_add(1, std::memory_order_relaxed);
+}
+
 // A record of a drawing, open for write, is renamed as in the host: another record of the name
 // refuses it, and a layer's entities follow. Records being built (not open) just take the name.
 Acad::ErrorStatus AcDbSymbolTableRecord::setName(const std::wstring& name) {
     if (name.empty()) return Acad::eInvalidSymbolTableName;
     const AcDbSymbolTable* table = database() && isWriteEnabled() ? OwningTable(this) : nullptr;
     if (table == nullptr || acdbNamesEqual(name, m_name)) {
-        m_name = name;
+        takeName(name);
         return Acad::eOk;
     }
     if (table->has(name)) return Acad::eDuplicateRecordName;
     std::wstring previous = m_name;
-    m_name = name;
+    takeName(name);
     if (isKindOf(AcDbLayerTableRecord::desc())) RenameLayerOfEntities(database(), previous, name);
     return Acad::eOk;
 }
@@ -89,16 +102,47 @@ void AcDbDimStyleTableRecord::collectReferences(AcDbObjectIdArray& refs) const {
 
 // ---- Tables ----
 
+// Indexes the records added since the last look-up, or all of them after a rename. A record
+// whose object is not there yet stops the indexing; look-ups walk the records from there.
+void AcDbSymbolTable::indexNames() const {
+    const std::uint64_t renames = g_recordRenames.load(std::memory_order_relaxed);
+    if (m_names.renames != renames) {
+        m_names.positions.clear();
+        m_names.indexed = 0;
+        m_names.renames = renames;
+    }
+    for (; m_names.indexed < m_records.length(); ++m_names.indexed) {
+        const AcDbStub* stub = m_records[m_names.indexed].stub();
+        if (stub == nullptr || stub->object == nullptr) break;
+        const auto* record = static_cast<const AcDbSymbolTableRecord*>(stub->object.get());
+        m_names.positions[record->name()].push_back(m_names.indexed);
+    }
+}
+
+bool AcDbSymbolTable::recordMatches(int position, const std::wstring& name, bool erased) const {
+    const AcDbStub* stub = m_records[position].stub();
+    const AcDbObject* object = stub ? stub->object.get() : nullptr;
+    if (object == nullptr || (object->isErased() && !erased)) return false;
+    return acdbNamesEqual(static_cast<const AcDbSymbolTableRecord*>(object)->name(), name);
+}
+
+// The first record of the name in the table's order, as a walk over the records finds it.
 Acad::ErrorStatus AcDbSymbolTable::getAt(const std::wstring& name, AcDbObjectId& id,
                                          bool getErasedRecord) const {
-    for (const AcDbObjectId& recordId : m_records) {
-        AcDbObject* object = recordId.stub() ? recordId.stub()->object.get() : nullptr;
-        if (object == nullptr || (object->isErased() && !getErasedRecord)) continue;
-        if (acdbNamesEqual(static_cast<AcDbSymbolTableRecord*>(object)->name(), name)) {
-            id = recordId;
+    std::lock_guard<std::mutex> lock(m_names.guard);
+    indexNames();
+    auto found = m_names.positions.find(name);
+    if (found != m_names.positions.end())
+        for (int position : found->second)
+            if (recordMatches(position, name, getErasedRecord)) {
+                id = m_records[position];
+                return Acad::eOk;
+            }
+    for (int position = m_names.indexed; position < m_records.length(); ++position)
+        if (recordMatches(position, name, getErasedRecord)) {
+            id = m_records[position];
             return Acad::eOk;
         }
-    }
     return Acad::eKeyNotFound;
 }
 

@@ -1,9 +1,13 @@
 #pragma once
+#include <cstdint>
 #include <map>
+#include <mutex>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "platform/db/color.hpp"
+#include "platform/db/names.hpp"
 #include "platform/db/object.hpp"
 #include "platform/ge/point2d.hpp"
 #include "platform/ge/point3d.hpp"
@@ -28,6 +32,7 @@ protected:
     AcDbSymbolTableRecord(const AcDbSymbolTableRecord&) = default;
 
 private:
+    void takeName(const std::wstring& name);
     std::wstring m_name;
     int m_flags = 0;
 };
@@ -246,6 +251,27 @@ private:
 
 // ---- Tables ----
 
+// Where a table's records stand by name, ignoring case, so that a look-up by name does not walk
+// the records. The table brings it up to date at each look-up; a copy starts empty, to be built
+// from the copy's own records.
+struct AcDbRecordNameIndex {
+    struct Hash {
+        std::size_t operator()(const std::wstring& name) const { return acdbNameHash(name); }
+    };
+    struct Equal {
+        bool operator()(const std::wstring& a, const std::wstring& b) const { return acdbNamesEqual(a, b); }
+    };
+    // Positions in the table's records, in order, of the records of each name.
+    std::unordered_map<std::wstring, std::vector<int>, Hash, Equal> positions;
+    int indexed = 0;            // the records before this position are in `positions`
+    std::uint64_t renames = 0;  // the count of record renames `positions` was made at
+    std::mutex guard;           // look-ups may come from several threads of a writer
+
+    AcDbRecordNameIndex() = default;
+    AcDbRecordNameIndex(const AcDbRecordNameIndex&) {}
+    AcDbRecordNameIndex& operator=(const AcDbRecordNameIndex&) = delete;
+};
+
 // A table of named records. The table owns its records (by id); look-ups ignore case and skip
 // erased records unless asked for them.
 class AcDbSymbolTable : public AcDbObject {
@@ -278,7 +304,10 @@ protected:
     AcDbSymbolTable(const AcDbSymbolTable&) = default;
 
 private:
+    void indexNames() const;
+    bool recordMatches(int position, const std::wstring& name, bool erased) const;
     AcDbObjectIdArray m_records;
+    mutable AcDbRecordNameIndex m_names;
 };
 
 // Walks a table's records in order.

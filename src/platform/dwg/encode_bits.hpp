@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,6 +27,8 @@ public:
         bytes_.resize(byteLength());
         return bytes_;
     }
+    // The same without cutting the buffer: valid up to the next value written.
+    std::span<const std::uint8_t> written() const { return {bytes_.data(), byteLength()}; }
     std::vector<std::uint8_t> take() {
         bytes_.resize(byteLength());
         return std::move(bytes_);

@@ -152,21 +152,22 @@ std::vector<std::uint8_t> EncodeClassesSection(const std::vector<ClassRecord>& c
 std::vector<std::uint8_t> EncodeObjectMap(const std::vector<ObjectLocation>& locations) {
     std::vector<std::uint8_t> out;
     BitWriter page(Version::kR2000);
+    BitWriter entry(Version::kR2000);  // whole bytes, as the page
     std::uint64_t handle = 0;
     std::int64_t offset = 0;
     for (const ObjectLocation& at : locations) {
-        BitWriter entry(Version::kR2000);
+        entry.clear();
         entry.UMC(at.handle - handle);
         entry.MC(at.offset - offset);
-        if (page.buffer().size() + entry.buffer().size() + 2 > kMapPageLimit) {
+        if (page.bitPosition() / 8 + entry.bitPosition() / 8 + 2 > kMapPageLimit) {
             AppendPage(out, page.take());
             page = BitWriter(Version::kR2000);
-            entry = BitWriter(Version::kR2000);
+            entry.clear();
             entry.UMC(at.handle);
             entry.MC(at.offset);
         }
-        page.bytes(std::string_view(reinterpret_cast<const char*>(entry.buffer().data()),
-                                    entry.buffer().size()));
+        const std::span<const std::uint8_t> bytes = entry.written();
+        page.bytes(std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
         handle = at.handle;
         offset = at.offset;
     }

@@ -14,6 +14,7 @@
 #include "platform/dwg/classes.hpp"
 #include "platform/dwg/dxf_source.hpp"
 #include "platform/dwg/encode_object.hpp"
+#include "platform/dwg/encoded_objects.hpp"
 #include "platform/dwg/hatch.hpp"
 #include "platform/dwg/header.hpp"
 #include "platform/dwg/write.hpp"
@@ -31,7 +32,7 @@ struct WriteContext {
     std::unordered_map<std::string, std::uint64_t> bookColors;
     std::uint64_t modelSpace = 0, paperSpace = 0;
     std::uint64_t nextHandle = 1;  // for records that come without one
-    std::map<std::uint64_t, std::vector<std::uint8_t>> objects;
+    EncodedObjects objects;
     std::unordered_map<std::uint64_t, std::vector<std::uint64_t>> owned;  // block record: entities
     std::map<std::string, int> leftOut;  // record type: how many
     std::map<std::string, std::int32_t, std::less<>> classNumbers;  // DXF name: object type
@@ -53,15 +54,14 @@ struct WriteContext {
     std::uint64_t handleOf(const SourceRecord& r, int code = 5);
     static std::uint64_t find(const std::unordered_map<std::string, std::uint64_t>& table,
                               std::string_view name);
-    // Objects mostly come in the order of their handles: the end is tried first.
     void add(std::uint64_t handle, std::vector<std::uint8_t> bytes) {
         if (batch) {
             batchObjects.emplace_back(handle, std::move(bytes));
             return;
         }
-        objects.insert_or_assign(objects.end(), handle, std::move(bytes));
+        objects.add(handle, std::move(bytes));
     }
-    bool written(std::uint64_t handle) const { return objects.count(handle) != 0; }
+    bool written(std::uint64_t handle) const { return objects.contains(handle); }
     // The object type the drawing's classes give a DXF name; 0 when it has no class.
     std::int32_t classNumber(std::string_view dxfName) const {
         const auto it = classNumbers.find(dxfName);

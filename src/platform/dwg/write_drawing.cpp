@@ -294,7 +294,8 @@ void EncodeSource(SourceDrawing& source, int codePage, EncodedDrawing& out) {
     const std::int32_t withDefault = ClassNumber(classes, "ACDBDICTIONARYWDFLT");
     WriteDictionaries(dictionaries, c, withDefault);
     DictionariesOf(dictionaries, header);
-    header.handseed = std::max(c.nextHandle, c.objects.empty() ? 1 : c.objects.rbegin()->first + 1);
+    c.objects.order();
+    header.handseed = std::max(c.nextHandle, c.objects.empty() ? 1 : std::prev(c.objects.end())->first + 1);
     out.measurement = Short(source, "$MEASUREMENT", 0);
 }
 
@@ -349,11 +350,19 @@ std::vector<std::uint8_t> AssembleDwg(const AcDbDatabase& db, EncodedDrawing& en
     // Every object of the database that the file does not hold, by its record type: the kinds
     // without an encoder, and any object the drawing's records did not carry.
     // The object map lists the written handles in their order; it is asked first, so that the
-    // objects written (nearly all) are not visited.
-    const auto written = [&map](std::uint64_t handle) {
+    // objects written (nearly all) are not visited. The database's objects mostly come in the
+    // same order: the entry after the last one found is tried before a search.
+    std::size_t next = 0;
+    const auto written = [&map, &next](std::uint64_t handle) {
+        if (next < map.size() && map[next].handle == handle) {
+            ++next;
+            return true;
+        }
         const auto at = std::lower_bound(map.begin(), map.end(), handle,
                                          [](const ObjectLocation& l, std::uint64_t h) { return l.handle < h; });
-        return at != map.end() && at->handle == handle;
+        if (at == map.end() || at->handle != handle) return false;
+        next = static_cast<std::size_t>(at - map.begin()) + 1;
+        return true;
     };
     for (const AcDbStub& stub : db.stubs()) {
         if (!stub.object || written(stub.handle.value()) || stub.object->isErased()) continue;

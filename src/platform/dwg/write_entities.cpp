@@ -456,9 +456,9 @@ bool IsOwnedRecord(const SourceRecord& r) {
 // vertices and their SEQEND stay with their owner), with a context holding what the writer
 // reads: the drawing's names and the options.
 std::vector<EntityBatch> Batches(const std::vector<SourceRecord>& records, WriteContext& c) {
-    std::map<std::uint64_t, std::vector<std::uint8_t>> objects = std::move(c.objects);
+    EncodedObjects objects = std::move(c.objects);
     std::map<std::string, int> leftOut = std::move(c.leftOut);
-    c.objects.clear();
+    c.objects = EncodedObjects();
     c.leftOut.clear();
     std::vector<EntityBatch> batches;
     for (std::size_t begin = 0; begin < records.size();) {

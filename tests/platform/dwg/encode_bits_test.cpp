@@ -459,6 +459,17 @@ TEST(DwgBitWriter, raw_bytes_then_values_follow_each_other) {
     EXPECT_EQ(b[103], static_cast<std::uint8_t>(0x12 << 7));
 }
 
+// The bytes written so far, seen without cutting the buffer, are those buffer() gives.
+TEST(DwgBitWriter, written_bytes_are_the_buffer_so_far) {
+    BitWriter w;
+    w.RC(0x12);
+    w.bits(0b101, 3);
+    const std::span<const std::uint8_t> seen = w.written();
+    const std::vector<std::uint8_t> copy(seen.begin(), seen.end());
+    EXPECT_EQ(copy, (std::vector<std::uint8_t>{0x12, 0b1010'0000}));
+    EXPECT_EQ(copy, w.buffer());
+}
+
 // A patch at the very end of what the buffer holds (after reading it) changes only its bits.
 TEST(DwgBitWriter, patch_at_the_end_of_a_read_buffer_changes_only_its_bits) {
     BitWriter w;

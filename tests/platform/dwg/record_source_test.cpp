@@ -125,7 +125,7 @@ TEST(DwgRecordSource, records_without_handles_in_a_long_list_are_numbered_as_on_
             tags.erase(tags.begin() + static_cast<std::ptrdiff_t>(i) + 1);
         }
     }
-    std::map<std::uint64_t, std::vector<std::uint8_t>> objects[2];
+    dwg::EncodedObjects objects[2];
     for (std::size_t threads : {1u, 2u}) {
         dwg::SourceDrawing source;
         std::string error;
