@@ -7,7 +7,7 @@ int AcCmColor::setColorIndex(std::uint16_t index) {
     m_index = index;
     m_hasTrueColor = false;
     m_rgb = 0;
-    m_name.clear();
+    m_name = std::wstring_view();
     return Acad::eOk;
 }
 

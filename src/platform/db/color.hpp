@@ -2,6 +2,8 @@
 #include <cstdint>
 #include <string>
 
+#include "platform/db/shared_name.hpp"
+
 // An entity or layer colour: a colour index (0 ByBlock, 1-255, 256 ByLayer), optionally a true
 // colour and a colour-book name, which the drawing file keeps beside the index.
 class AcCmColor {
@@ -23,14 +25,14 @@ public:
     // 0x00RRGGBB.
     std::uint32_t trueColor() const { return m_rgb; }
     void setTrueColor(std::uint32_t rgb) { m_rgb = rgb & 0xFFFFFF; m_hasTrueColor = true; }
-    const std::wstring& colorName() const { return m_name; }
+    const std::wstring& colorName() const { return m_name.str(); }
     void setColorName(const std::wstring& name) { m_name = name; }
 
     bool operator==(const AcCmColor&) const = default;
 
 private:
+    AcDbSharedName m_name;  // colour-book names are few and repeat
+    std::uint32_t m_rgb = 0;
     std::uint16_t m_index = 256;
     bool m_hasTrueColor = false;
-    std::uint32_t m_rgb = 0;
-    std::wstring m_name;
 };

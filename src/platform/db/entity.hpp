@@ -77,11 +77,11 @@ protected:
 private:
     AcDbSharedName m_layer{L"0"};
     AcDbSharedName m_linetype{L"BYLAYER"};
+    AcDbSharedName m_plotStyleName;
     AcCmColor m_color;
     double m_linetypeScale = 1.0;
     AcDb::LineWeight m_lineWeight = AcDb::kLnWtByLayer;
     AcDb::Visibility m_visibility = AcDb::kVisible;
-    AcDbSharedName m_plotStyleName;
     bool m_paperSpace = false;
 };
 

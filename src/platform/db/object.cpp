@@ -38,15 +38,25 @@ AcRxClass* AcDbObjectId::objectClass() const {
     return isValid() ? m_stub->object->isA() : nullptr;
 }
 
-AcDbObject::AcDbObject(const AcDbObject& other)
-    : AcRxObject(other),
-      m_owner(other.m_owner),
-      m_extensionDictionary(),
-      m_reactors(),
-      m_xdata(other.m_xdata),
-      m_fileTags(other.m_fileTags) {}
+AcDbObject::AcDbObject(const AcDbObject& other) : AcRxObject(other), m_owner(other.m_owner) {
+    // A copy has no extension dictionary nor reactors of its own.
+    if (!other.xData().empty()) xData() = other.xData();
+    if (!other.fileTags().empty()) fileTags() = other.fileTags();
+}
 
 AcDbObject::~AcDbObject() = default;
+
+const AcDbObject::Rare& AcDbObject::NoRare() {
+    static const Rare none;
+    return none;
+}
+
+void AcDbObject::releaseEmptyParts() {
+    if (m_rare && m_rare->extensionDictionary.isNull() && m_rare->reactors.isEmpty() &&
+        m_rare->xdata.empty() && m_rare->fileTags.empty()) {
+        m_rare.reset();
+    }
+}
 
 AcDbHandle AcDbObject::getHandle() const { return m_stub ? m_stub->handle : AcDbHandle{}; }
 
@@ -105,11 +115,11 @@ Acad::ErrorStatus AcDbObject::downgradeOpen() {
 }
 
 void AcDbObject::collectReferences(AcDbObjectIdArray& refs) const {
-    if (!m_extensionDictionary.isNull()) refs.append(m_extensionDictionary);
+    if (!extensionDictionary().isNull()) refs.append(extensionDictionary());
 }
 
 void AcDbObject::remapReferences(const AcDbIdMapper& map) {
-    if (!m_extensionDictionary.isNull()) m_extensionDictionary = map(m_extensionDictionary);
+    if (!extensionDictionary().isNull()) setExtensionDictionary(map(extensionDictionary()));
 }
 
 Acad::ErrorStatus acdbOpenAcDbObject(AcDbObject*& obj, AcDbObjectId id, AcDb::OpenMode mode,

@@ -57,23 +57,28 @@ public:
     virtual Acad::ErrorStatus writeRefusal() const { return Acad::eOk; }
 
     // Extension dictionary and persistent reactors, as ids in the same database.
-    AcDbObjectId extensionDictionary() const { return m_extensionDictionary; }
-    void setExtensionDictionary(AcDbObjectId id) { m_extensionDictionary = id; }
-    const AcDbObjectIdArray& persistentReactors() const { return m_reactors; }
-    AcDbObjectIdArray& persistentReactors() { return m_reactors; }
+    AcDbObjectId extensionDictionary() const { return m_rare ? m_rare->extensionDictionary : AcDbObjectId(); }
+    void setExtensionDictionary(AcDbObjectId id) {
+        if (m_rare || !id.isNull()) rare().extensionDictionary = id;
+    }
+    const AcDbObjectIdArray& persistentReactors() const { return m_rare ? m_rare->reactors : NoRare().reactors; }
+    AcDbObjectIdArray& persistentReactors() { return rare().reactors; }
 
     // Extended entity data (group codes 1000 and up), per registered application in file order.
     struct XDataGroup {
         std::wstring appName;
         AcDbRawTags tags;  // the tags after the 1001 application name
     };
-    const std::vector<XDataGroup>& xData() const { return m_xdata; }
-    std::vector<XDataGroup>& xData() { return m_xdata; }
+    const std::vector<XDataGroup>& xData() const { return m_rare ? m_rare->xdata : NoRare().xdata; }
+    std::vector<XDataGroup>& xData() { return rare().xdata; }
 
     // The object's record as last read from a drawing file. The writer walks it and gives back,
-    // in place, every tag the database does not model. Empty for objects made in memory.
-    const AcDbRawTags& fileTags() const { return m_fileTags; }
-    AcDbRawTags& fileTags() { return m_fileTags; }
+    // in place, every tag the database does not model. Empty for objects made in memory, and
+    // for objects whose record the writer makes the same from the database alone.
+    const AcDbRawTags& fileTags() const { return m_rare ? m_rare->fileTags : NoRare().fileTags; }
+    AcDbRawTags& fileTags() { return rare().fileTags; }
+    // Gives back the storage of the parts above when none of them holds anything.
+    void releaseEmptyParts();
 
     // The reference ids this object holds to others (owner excepted); purge counts them.
     virtual void collectReferences(AcDbObjectIdArray& refs) const;
@@ -98,12 +103,23 @@ protected:
     bool writeEnabledOrNew() const { return m_stub == nullptr || m_writer; }
 
 private:
+    // What most objects of a large drawing lack, apart behind one pointer that is null until one
+    // of them is asked for to be changed: an object then costs a pointer for them, not 100 bytes.
+    struct Rare {
+        AcDbObjectId extensionDictionary;
+        AcDbObjectIdArray reactors;
+        std::vector<XDataGroup> xdata;
+        AcDbRawTags fileTags;
+    };
+    Rare& rare() {
+        if (!m_rare) m_rare = std::make_unique<Rare>();
+        return *m_rare;
+    }
+    static const Rare& NoRare();
+
     AcDbStub* m_stub = nullptr;
     AcDbObjectId m_owner;
-    AcDbObjectId m_extensionDictionary;
-    AcDbObjectIdArray m_reactors;
-    std::vector<XDataGroup> m_xdata;
-    AcDbRawTags m_fileTags;
+    std::unique_ptr<Rare> m_rare;
     int m_readers = 0;
     bool m_writer = false;
     bool m_erased = false;

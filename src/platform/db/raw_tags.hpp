@@ -105,6 +105,7 @@ public:
     }
     void append(const AcDbRawTags& other) { m_bytes += other.m_bytes; }
     void clear() { m_bytes.clear(); }
+    void swap(AcDbRawTags& other) noexcept { m_bytes.swap(other.m_bytes); }
     void reserve(std::size_t bytes) { m_bytes.reserve(bytes); }
     bool operator==(const AcDbRawTags&) const = default;
 

@@ -254,3 +254,6 @@ Acad::ErrorStatus AcDbSymbolTableIterator::getRecord(AcDbSymbolTableRecord*& rec
     if (done()) return Acad::eIteratorDone;
     return acdbOpenObject(record, m_ids[m_index], mode, openErasedRecord);
 }
+
+// Out of line: inlined into the readers' casts, the copy trips a false overflow warning of GCC.
+void AcDbLayerTableRecord::setColor(const AcCmColor& color) { m_color = color; }

@@ -43,7 +43,7 @@ public:
     AcDbLayerTableRecord() = default;
 
     AcCmColor color() const { return m_color; }
-    void setColor(const AcCmColor& color) { m_color = color; }
+    void setColor(const AcCmColor& color);
     AcDbObjectId linetypeObjectId() const { return m_linetype; }
     void setLinetypeObjectId(AcDbObjectId id) { m_linetype = id; }
     bool isFrozen() const { return m_frozen; }

@@ -1,8 +1,10 @@
 #include "platform/dwg/drawing.hpp"
 
 #include <algorithm>
+#include <future>
 #include <map>
 #include <memory>
+#include <thread>
 #include <unordered_map>
 #include <vector>
 
@@ -48,6 +50,9 @@ struct Item {
     std::unique_ptr<DecodedObject> decoded;  // null for entities decoded when written
 };
 
+// Entities a helper thread writes at a time when a block has many (see writeEntitiesAlongside).
+constexpr std::size_t kEntityBatch = 2048;
+
 bool IsControl(std::int32_t type) { return type >= 48 && type <= 70 && type % 2 == 0; }
 bool IsTableRecord(std::int32_t type) { return type >= 49 && type <= 71 && type % 2 == 1; }
 
@@ -76,11 +81,12 @@ struct Drawing {
     std::string typeName(const Item& item) const { return TypeName(item.type, classes); }
     void index();
     // The extended data of the record just written, as the groups that end it.
-    void writeExtendedData(const ObjectCommon& common) {
+    void writeExtendedData(const ObjectCommon& common) { writeExtendedData(out, common); }
+    void writeExtendedData(DxfText& to, const ObjectCommon& common) const {
         if (common.extended.empty()) return;
         for (const auto& [code, value] :
              ExtendedGroupsOf(common.extended, names.applications, names.layers, sections.codePage)) {
-            out.tag(code, value);
+            to.tag(code, value);
         }
     }
     std::string blockName(const BlockHeaderRecord& block, std::uint64_t handle,
@@ -100,7 +106,9 @@ struct Drawing {
     void writeTable(const char* name, std::int32_t recordType, std::uint64_t control);
     void writeBlocks();
     void writeEntities(std::uint64_t owner);
-    void writeEntity(std::size_t index, std::uint64_t owner);
+    void sortByRank(std::vector<std::size_t>& entities, const BlockHeaderRecord& block) const;
+    void writeEntity(DxfText& to, std::size_t index, std::uint64_t owner);
+    void writeEntitiesAlongside(const std::vector<std::size_t>& entities, std::uint64_t owner);
     void writeObjects();
     void takeKept(std::vector<KeptData>& kept);
 };
@@ -385,22 +393,37 @@ void Drawing::writeTables() {
     out.tag(0, "ENDSEC");
 }
 
-void Drawing::writeEntity(std::size_t index, std::uint64_t owner) {
+void Drawing::writeEntity(DxfText& to, std::size_t index, std::uint64_t owner) {
     Item& item = items[index];
     item.written = true;
     DecodedObject again;
     if (!item.decoded && !decodeAgain(item, again)) return;
     const DecodedObject& decoded = item.decoded ? *item.decoded : again;
-    WriteEntity(out, decoded, typeName(item), owner, names);
+    WriteEntity(to, decoded, typeName(item), owner, names);
     const EntityCommon* common = EntityCommonOf(decoded);
-    if (common != nullptr && !std::holds_alternative<KeptObject>(decoded)) writeExtendedData(*common);
+    if (common != nullptr && !std::holds_alternative<KeptObject>(decoded)) writeExtendedData(to, *common);
     // Attributes and vertices follow their owner, and the SEQEND closes them.
     const auto it = owned.find(item.handle);
     if (it == owned.end()) return;
     std::vector<std::size_t> children = it->second;
     std::stable_partition(children.begin(), children.end(),
                           [&](std::size_t i) { return items[i].type != kSeqend; });
-    for (std::size_t i : children) writeEntity(i, item.handle);
+    for (std::size_t i : children) writeEntity(to, i, item.handle);
+}
+
+// Entities in the order of the block record's list, those it does not list after them.
+void Drawing::sortByRank(std::vector<std::size_t>& entities, const BlockHeaderRecord& block) const {
+    std::unordered_map<std::uint64_t, std::size_t> rank;
+    for (std::size_t k = 0; k < block.entities.size(); ++k) rank.emplace(block.entities[k], k);
+    std::vector<std::pair<std::size_t, std::size_t>> ranked;  // rank, item
+    ranked.reserve(entities.size());
+    for (std::size_t i : entities) {
+        const auto r = rank.find(items[i].handle);
+        ranked.emplace_back(r == rank.end() ? block.entities.size() : r->second, i);
+    }
+    std::stable_sort(ranked.begin(), ranked.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    for (std::size_t k = 0; k < ranked.size(); ++k) entities[k] = ranked[k].second;
 }
 
 // A block's entities in the order its record lists them (2004 on), which is the drawing's
@@ -411,17 +434,32 @@ void Drawing::writeEntities(std::uint64_t owner) {
     std::vector<std::size_t> entities = it->second;
     const Item* record = find(owner);
     const auto* block = record ? std::get_if<BlockHeaderRecord>(record->decoded.get()) : nullptr;
-    if (block != nullptr && !block->entities.empty()) {
-        std::unordered_map<std::uint64_t, std::size_t> rank;
-        for (std::size_t k = 0; k < block->entities.size(); ++k) rank.emplace(block->entities[k], k);
-        auto rankOf = [&](std::size_t i) {
-            const auto r = rank.find(items[i].handle);
-            return r == rank.end() ? block->entities.size() : r->second;
-        };
-        std::stable_sort(entities.begin(), entities.end(),
-                         [&](std::size_t a, std::size_t b) { return rankOf(a) < rankOf(b); });
+    if (block != nullptr && !block->entities.empty()) sortByRank(entities, *block);
+    if (entities.size() >= 2 * kEntityBatch && out.feeds() && std::thread::hardware_concurrency() > 1) {
+        writeEntitiesAlongside(entities, owner);
+        return;
     }
-    for (std::size_t i : entities) writeEntity(i, owner);
+    for (std::size_t i : entities) writeEntity(out, i, owner);
+}
+
+// The entities decoded and written as records a batch at a time on a helper thread, while this
+// one hands the batch before to the feed that builds the database: the feed takes the same
+// records in the same order as from writeEntity alone. Only the helper touches the items while
+// it runs.
+void Drawing::writeEntitiesAlongside(const std::vector<std::size_t>& entities, std::uint64_t owner) {
+    auto batchFrom = [&](std::size_t first) {
+        DxfText batch = DxfText::Kept();
+        const std::size_t last = std::min(entities.size(), first + kEntityBatch);
+        for (std::size_t k = first; k < last; ++k) writeEntity(batch, entities[k], owner);
+        return batch;
+    };
+    std::future<DxfText> next = std::async(std::launch::async, batchFrom, 0);
+    for (std::size_t first = 0; first < entities.size(); first += kEntityBatch) {
+        DxfText batch = next.get();
+        if (first + kEntityBatch < entities.size())
+            next = std::async(std::launch::async, batchFrom, first + kEntityBatch);
+        batch.handTo(out);
+    }
 }
 
 void Drawing::writeBlocks() {

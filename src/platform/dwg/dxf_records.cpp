@@ -13,7 +13,7 @@ namespace dwg {
 void DxfText::tag(int code, std::string_view text) { put(code, text, dxf::Made::kText, false); }
 
 void DxfText::put(int code, std::string_view text, dxf::Made made, bool plain) {
-    if (feed_ != nullptr) {
+    if (feed_ != nullptr || keep_) {
         if (code == 0) flush();
         const std::size_t begin = out_.size();
         if (plain) out_.append(text);
@@ -56,6 +56,13 @@ void DxfText::flush() {
     out_.clear();
 }
 
+void DxfText::handTo(DxfText& to) {
+    const std::string_view values = out_;
+    for (const Span& s : spans_) to.put(s.code, values.substr(s.begin, s.end - s.begin), s.made, true);
+    spans_.clear();
+    out_.clear();
+}
+
 void DxfText::tag(int code, double value) {
     char buffer[40];
     auto end = std::to_chars(buffer, buffer + 32, value).ptr;
@@ -76,7 +83,8 @@ void DxfText::integer(int code, long long value) {
 void DxfText::handle(int code, std::uint64_t value) {
     char buffer[20];
     char* end = std::to_chars(buffer, buffer + sizeof buffer, value, 16).ptr;
-    for (char* c = buffer; c != end; ++c) *c = static_cast<char>(std::toupper(static_cast<unsigned char>(*c)));
+    for (char* c = buffer; c != end; ++c)
+        if (*c >= 'a') *c = static_cast<char>(*c - 'a' + 'A');  // hexadecimal digits a to f
     // A handle is hexadecimal: checked as any text is.
     put(code, std::string_view(buffer, end), dxf::Made::kText, true);
 }
@@ -98,10 +106,11 @@ void DxfText::angle(int code, double radians) {
     put(code, angleText_, dxf::Made::kReal, true);
 }
 
-std::string NameIndex::name(const std::unordered_map<std::uint64_t, std::string>& table,
-                            std::uint64_t handle) const {
+const std::string& NameIndex::name(const std::unordered_map<std::uint64_t, std::string>& table,
+                                   std::uint64_t handle) const {
+    static const std::string kNone;
     const auto it = table.find(handle);
-    return it == table.end() ? std::string() : it->second;
+    return it == table.end() ? kNone : it->second;
 }
 
 namespace {

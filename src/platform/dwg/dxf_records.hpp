@@ -20,6 +20,16 @@ class DxfText {
 public:
     DxfText() = default;
     explicit DxfText(dxf::RecordFeed* feed) : feed_(feed) {}
+    // Records kept as they are written, to be handed on later by handTo (by another thread
+    // than the one that wrote them).
+    static DxfText Kept() {
+        DxfText kept;
+        kept.keep_ = true;
+        return kept;
+    }
+    // Writes the records kept here to `to`, as if they had been written there, and clears them.
+    void handTo(DxfText& to);
+    bool feeds() const { return feed_ != nullptr; }
     void tag(int code, std::string_view value);
     void tag(int code, double value);
     void integer(int code, long long value);
@@ -48,6 +58,7 @@ private:
     };
     std::string out_;  // the text, or the values of the record being written
     dxf::RecordFeed* feed_ = nullptr;
+    bool keep_ = false;
     std::vector<Span> spans_;
     std::vector<dxf::Tag> tags_;
     std::string angleText_;  // an angle being written
@@ -61,8 +72,9 @@ struct NameIndex {
     // named "book$colour" by the drawing's colour dictionary.
     std::unordered_map<std::uint64_t, std::string> entries;
     std::uint64_t modelSpace = 0, paperSpace = 0;
-    std::string name(const std::unordered_map<std::uint64_t, std::string>& table,
-                     std::uint64_t handle) const;
+    // The name of the handle's record, empty when the table has none.
+    const std::string& name(const std::unordered_map<std::uint64_t, std::string>& table,
+                            std::uint64_t handle) const;
 };
 
 // The head every record starts with: type, handle, reactors, extension dictionary, owner.

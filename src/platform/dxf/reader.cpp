@@ -32,6 +32,7 @@
 #include "platform/dxf/field_values.hpp"
 #include "platform/dxf/mapped_file.hpp"
 #include "platform/dxf/model.hpp"
+#include "platform/dxf/modelled_record.hpp"
 #include "platform/dxf/table_records.hpp"
 #include "platform/dxf/record_feed.hpp"
 #include "platform/dxf/record_walk.hpp"
@@ -102,6 +103,8 @@ bool ParseHandle(std::string_view text, std::uint64_t& value) {
 class Builder {
 public:
     explicit Builder(AcDbDatabase& db) : m_db(db) {}
+    // Entities whose records the writer makes the same from the database alone keep none.
+    void dropModelledRecords() { m_dropModelled = true; }
     // Reads the records of a whole text.
     ReadError build(std::string_view text, MappedFile* file);
     // Builds from one record (its tags checked); ended() once EOF has been met.
@@ -114,6 +117,8 @@ private:
     // ---- tags ----
     void toRawTags(std::span<const Tag> record, AcDbRawTags& tags,
                    std::vector<AcDbObject::XDataGroup>* xdata);
+    // The same into the buffer kept between records (m_packed) only.
+    void pack(std::span<const Tag> record, std::vector<AcDbObject::XDataGroup>* xdata);
     std::string_view value(const Tag& tag);
     AcDbObjectId idOf(std::string_view handleText);
     // The record's own handle (5, or 105 of a dimension style); null when it has none.
@@ -132,6 +137,7 @@ private:
     AcDbHandle provisionalHandle();
     void readHead(AcDbObject& o);
     void readEntity(AcDbEntity& e);
+    void keepRecord(AcDbEntity& e);
     AcDbSymbolTable* tableFor(const std::string& name);
     AcDbBlockTableRecord* blockRecordNamed(const std::wstring& name);
     void attachEntity(AcDbEntity* e, AcDbObjectId id);
@@ -158,6 +164,8 @@ private:
     std::vector<std::pair<AcDbLayerTableRecord*, std::wstring>> m_layerLinetypes;
     std::string m_scratch;
     AcDbRawTags m_packed;
+    bool m_dropModelled = false;
+    Model m_model;  // scratch of DropModelledRecord
 };
 
 // The value as the database keeps it: strings in UTF-8, integers without a plus sign or a
@@ -184,6 +192,11 @@ std::string_view Builder::value(const Tag& tag) {
 // are packed into a buffer kept between records, so that the list grows once, by their size.
 void Builder::toRawTags(std::span<const Tag> record, AcDbRawTags& tags,
                         std::vector<AcDbObject::XDataGroup>* xdata) {
+    pack(record, xdata);
+    tags.append(m_packed);
+}
+
+void Builder::pack(std::span<const Tag> record, std::vector<AcDbObject::XDataGroup>* xdata) {
     m_packed.clear();
     AcDbRawTags* into = &m_packed;
     for (const Tag& t : record) {
@@ -194,7 +207,6 @@ void Builder::toRawTags(std::span<const Tag> record, AcDbRawTags& tags,
         }
         into->push_back(t.code, value(t));
     }
-    tags.append(m_packed);
 }
 
 AcDbObjectId Builder::idOf(std::string_view text) {
@@ -418,12 +430,12 @@ void Builder::readEntityRecord(std::span<const Tag> record) {
         }
         return;
     }
-    AcDbRawTags tags;
     std::vector<AcDbObject::XDataGroup> xdata;
-    toRawTags(record, tags, &xdata);
-    AcDbEntity* e = NewEntity(type, tags);
-    e->fileTags() = std::move(tags);
-    e->xData() = std::move(xdata);
+    pack(record, &xdata);
+    AcDbEntity* e = NewEntity(type, m_packed);
+    // The entity is read from the packing buffer itself; what it keeps of it is settled last.
+    e->fileTags().swap(m_packed);
+    if (!xdata.empty()) e->xData() = std::move(xdata);
     readHead(*e);
     readEntity(*e);
     AcDbObjectId id = add(e, handleOf(e->fileTags()));
@@ -444,6 +456,18 @@ void Builder::readEntityRecord(std::span<const Tag> record) {
             m_openPolyline = e;
         }
     }
+    keepRecord(*e);
+}
+
+// An entity read from the packing buffer keeps its record in a buffer of its own size, unless
+// it needs none; the packing buffer goes back to packing.
+void Builder::keepRecord(AcDbEntity& e) {
+    if (m_dropModelled && DropModelledRecord(e, m_model, m_packed)) {
+        e.releaseEmptyParts();
+        return;
+    }
+    m_packed.swap(e.fileTags());
+    e.fileTags().append(m_packed);
 }
 
 void Builder::readBlockRecord(std::span<const Tag> record) {
@@ -653,7 +677,9 @@ Acad::ErrorStatus ReadBytes(AcDbDatabase& db, std::string_view bytes, const std:
 }  // namespace
 
 struct RecordFeed::State {
-    State(AcDbDatabase& d, std::string n) : db(d), name(std::move(n)), builder(d) {}
+    State(AcDbDatabase& d, std::string n) : db(d), name(std::move(n)), builder(d) {
+        builder.dropModelledRecords();
+    }
     AcDbDatabase& db;
     std::string name;
     Builder builder;
