@@ -138,6 +138,9 @@ public:
     struct DwgKeptObject {
         std::string typeName;
         std::vector<std::uint8_t> data;
+        // The code page of the data's texts when the data is of an AC1018 file (which a DWG
+        // written again can hold as it is); 0 for other versions.
+        int ac1018CodePage = 0;
     };
     std::unordered_map<std::uint64_t, DwgKeptObject>& dwgKeptObjects() { return m_dwgKept; }
     const std::unordered_map<std::uint64_t, DwgKeptObject>& dwgKeptObjects() const {

@@ -1,22 +1,38 @@
 #include "platform/dwg/kept_objects.hpp"
 
+#include <algorithm>
+
 #include "platform/dwg/bit_reader.hpp"
+#include "platform/dwg/common.hpp"
 #include "platform/dwg/decode.hpp"
 
 namespace dwg {
 
 namespace {
 
-bool FitsTheWrittenFile(std::uint64_t handle, const AcDbDatabase::DwgKeptObject& kept,
-                        const std::vector<ClassRecord>& classes, const WriteContext& c) {
+bool FitsTheWrittenFile(std::uint64_t handle, const AcDbDatabase::DwgKeptObject& kept, std::int32_t& type,
+                        const WriteContext& c) {
+    // The data of another version, or with texts of another code page, is not the written file's.
+    if (kept.ac1018CodePage != c.options.codePage) return false;
     BitReader r(kept.data, Version::kR2004);
-    const std::int32_t type = r.OT();
+    type = r.OT();
     r.RL();
     const std::uint64_t self = r.H().value;
-    if (r.failed() || self != handle || IsEntityType(type, classes)) return false;
+    if (r.failed() || self != handle) return false;
     // A fixed kind keeps its number; a drawing's own kind needs the number the written classes
     // give its name.
     return type < kFirstClass || c.classNumber(kept.typeName) == type;
+}
+
+// The block record that lists an entity: the space its mode names, or its owner.
+std::uint64_t BlockOf(const std::vector<std::uint8_t>& framed, const WriteContext& c) {
+    ObjectStreams o;
+    MapError error;
+    if (!OpenObject(framed, 0, Version::kR2004, c.options.codePage, o, error, false)) return 0;
+    EntityCommon common;
+    ReadEntityCommon(o, common);
+    if (o.data.failed() || o.handles.failed()) return 0;
+    return common.mode == 1 ? c.paperSpace : common.mode == 2 ? c.modelSpace : common.owner;
 }
 
 }  // namespace
@@ -24,9 +40,27 @@ bool FitsTheWrittenFile(std::uint64_t handle, const AcDbDatabase::DwgKeptObject&
 void WriteKeptObjects(const std::vector<ClassRecord>& classes, WriteContext& c) {
     BitWriter scratch(Version::kR2004, c.options.codePage);
     for (const auto& [handle, kept] : c.kept) {
-        if (c.written(handle) || !FitsTheWrittenFile(handle, *kept, classes, c)) continue;
-        c.add(handle, FramedObject(kept->data, scratch));
+        std::int32_t type = 0;
+        if (c.written(handle) || !FitsTheWrittenFile(handle, *kept, type, c)) continue;
+        std::vector<std::uint8_t> framed = FramedObject(kept->data, scratch);
+        if (!IsEntityType(type, classes)) {
+            c.add(handle, std::move(framed));
+            continue;
+        }
+        const std::uint64_t block = BlockOf(framed, c);
+        if (block != 0) c.keptEntities[block].emplace_back(handle, std::move(framed));
     }
+}
+
+void AddKeptEntities(std::uint64_t block, std::vector<std::uint64_t>& entities, WriteContext& c) {
+    const auto it = c.keptEntities.find(block);
+    if (it == c.keptEntities.end()) return;
+    for (auto& [handle, bytes] : it->second) {
+        const auto after = std::find_if(entities.begin(), entities.end(), [&](std::uint64_t h) { return h > handle; });
+        entities.insert(after, handle);
+        c.add(handle, std::move(bytes));
+    }
+    c.keptEntities.erase(it);
 }
 
 }  // namespace dwg

@@ -37,12 +37,13 @@ void KeepFileVersion(AcDbDatabase& db, Version version) {
 }
 
 // The kept objects' data goes with the objects their head records made.
-void KeepWhole(AcDbDatabase& db, std::vector<KeptData>& kept) {
+void KeepWhole(AcDbDatabase& db, std::vector<KeptData>& kept, const DwgSections& sections) {
     auto& whole = db.dwgKeptObjects();
+    const int ac1018CodePage = sections.version == Version::kR2004 ? sections.codePage : 0;
     for (KeptData& k : kept) {
         AcDbObjectId id;
         if (db.getAcDbObjectId(id, false, AcDbHandle(k.handle)) != Acad::eOk) continue;
-        whole[k.handle] = {std::move(k.typeName), std::move(k.bytes)};
+        whole[k.handle] = {std::move(k.typeName), std::move(k.bytes), ac1018CodePage};
     }
 }
 
@@ -113,7 +114,7 @@ Acad::ErrorStatus ReadRecords(AcDbDatabase& db, const DwgSections& sections, con
         return Acad::eDwgNeedsRecovery;
     }
     KeepFileVersion(db, sections.version);
-    KeepWhole(db, kept);
+    KeepWhole(db, kept, sections);
     KeepFiledObjects(db, sections, container);
     db.setLastError(L"");
     return Acad::eOk;

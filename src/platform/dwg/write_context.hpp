@@ -45,6 +45,8 @@ struct WriteContext {
     // The objects of kinds the database does not model that it keeps whole from a DWG read and
     // still holds, by handle: their records are left out of the DXF the writer reads.
     std::vector<std::pair<std::uint64_t, const AcDbDatabase::DwgKeptObject*>> kept;
+    // Those of them that are entities, by the block that lists them: handle and bytes.
+    std::unordered_map<std::uint64_t, std::vector<std::pair<std::uint64_t, std::vector<std::uint8_t>>>> keptEntities;
     // The layer name the last entity gave and its layer: entities in a row mostly share one.
     std::string_view lastLayerName;
     std::uint64_t lastLayer = 0;

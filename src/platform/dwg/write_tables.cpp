@@ -13,6 +13,7 @@
 #include "platform/dwg/encode_symbols.hpp"
 #include "platform/dwg/encode_tables.hpp"
 #include "platform/dwg/entities.hpp"
+#include "platform/dwg/kept_objects.hpp"
 #include "platform/dxf/tagger.hpp"
 
 namespace dwg {
@@ -506,6 +507,7 @@ void WriteBlocks(const SourceDrawing& source, WriteContext& c, const BlockInsert
         // entities (those of every space included) follow.
         b.entities = c.owned[recordHandle];
         for (std::uint64_t h : WriteEntities(block.entities, recordHandle, c)) b.entities.push_back(h);
+        AddKeptEntities(recordHandle, b.entities, c);
         c.add(b.entry.common.handle, EncodeBlockHeader(b, c.options));
     }
 }

@@ -91,6 +91,23 @@ TEST_P(DwgEncodeByVersion, line_round_trips_with_its_common_data) {
     EXPECT_EQ(o.data.bitPosition(), o.dataEnd);  // every value read, none left over
 }
 
+// An owner far ahead of the entity is referred to by its distance; the entity's own graphic
+// (a preview) is stored whole.
+TEST_P(DwgEncodeByVersion, entity_with_a_preview_and_an_owner_far_ahead_round_trips) {
+    LineRecord line;
+    line.common = SampleCommon(0x2A);
+    line.common.owner = 0x95;
+    line.common.preview = std::string("\x05\x06\x07\x08\x09", 5);
+    line.end = {1, 1, 0};
+    const auto bytes = EncodeLine(line, options());
+    ObjectStreams o = Open(bytes, options());
+    LineRecord back;
+    ASSERT_TRUE(ReadLine(o, back));
+    ExpectSameCommon(back.common, line.common);
+    EXPECT_EQ(back.common.preview, line.common.preview);
+    ExpectPoint(back.end, line.end);
+}
+
 TEST_P(DwgEncodeByVersion, flat_line_leaves_out_its_heights) {
     LineRecord flat;
     flat.common = SampleCommon(0x2B);

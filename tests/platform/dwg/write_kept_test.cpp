@@ -1,5 +1,5 @@
 // Objects of kinds the database does not model, kept whole from a DWG read, written back to a
-// DWG as the file stored them; kept entities stay out (their blocks do not list them).
+// DWG as the file stored them, kept entities in the blocks that list them.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -54,12 +54,30 @@ TEST_F(WriteKept, kept_objects_are_written_with_the_files_bits) {
     }
 }
 
-TEST_F(WriteKept, kept_entities_stay_out_of_the_file) {
+// Kept entities go back into the blocks that list them, with the file's bits, and each block
+// lists its entities as the file did.
+TEST_F(WriteKept, kept_entities_are_written_into_their_blocks) {
     const auto out = written();
-    for (const char* kind : {"REGION", "MLINE", "VIEWPORT"}) {
+    for (const char* kind : {"REGION", "MLINE", "VIEWPORT", "3DSOLID"}) {
         const std::vector<std::uint64_t> handles = keptOf(kind);
         ASSERT_FALSE(handles.empty()) << kind;
-        for (std::uint64_t handle : handles) EXPECT_EQ(out.count(handle), 0u) << kind;
+        for (std::uint64_t handle : handles) {
+            ASSERT_EQ(out.count(handle), 1u) << kind;
+            EXPECT_EQ(out.at(handle).bytes, original_.at(handle).bytes) << kind;
+        }
+    }
+    std::vector<std::uint8_t> again;
+    dwg::DwgWriteReport report;
+    ASSERT_EQ(dwg::WriteDwgBytes(db_, 1252, again, report), Acad::eOk);
+    for (const auto& [handle, object] : original_) {
+        if (object.type != 49) continue;  // block records
+        const dwg::DecodedObject before = dwg_test::DecodedAt(file_, handle);
+        const dwg::DecodedObject after = dwg_test::DecodedAt(again, handle);
+        const auto* original = std::get_if<dwg::BlockHeaderRecord>(&before);
+        const auto* block = std::get_if<dwg::BlockHeaderRecord>(&after);
+        ASSERT_NE(original, nullptr);
+        ASSERT_NE(block, nullptr);
+        EXPECT_EQ(block->entities, original->entities) << std::hex << handle;
     }
 }
 
@@ -82,6 +100,30 @@ TEST_F(WriteKept, kept_object_under_another_handle_is_not_written) {
     ASSERT_NE(handle, other);
     db_.dwgKeptObjects()[other] = db_.dwgKeptObjects()[handle];
     EXPECT_EQ(written().count(other), 0u);
+}
+
+// Texts of another code page than the one written, or data of another version, are not the
+// written file's: such kept objects are left out.
+TEST_F(WriteKept, kept_objects_are_left_out_in_another_code_page) {
+    std::vector<std::uint8_t> out;
+    dwg::DwgWriteReport report;
+    ASSERT_EQ(dwg::WriteDwgBytes(db_, 936, out, report), Acad::eOk);
+    const auto written936 = dwg_test::StoredObjects(out);
+    for (std::uint64_t handle : keptOf("VISUALSTYLE")) EXPECT_EQ(written936.count(handle), 0u);
+    for (std::uint64_t handle : keptOf("REGION")) EXPECT_EQ(written936.count(handle), 0u);
+    EXPECT_GT(report.leftOut["VISUALSTYLE"], 0);
+}
+
+TEST(WriteKeptOfOtherVersions, kept_objects_of_a_2000_drawing_are_left_out) {
+    const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_2000.dwg"));
+    AcDbDatabase db(false, true);
+    ASSERT_EQ(dwg::ReadDwgBytes(db, file, "example_2000.dwg"), Acad::eOk);
+    ASSERT_FALSE(db.dwgKeptObjects().empty());
+    std::vector<std::uint8_t> out;
+    dwg::DwgWriteReport report;
+    ASSERT_EQ(dwg::WriteDwgBytes(db, 1252, out, report), Acad::eOk);
+    const auto written = dwg_test::StoredObjects(out);
+    for (const auto& [handle, kept] : db.dwgKeptObjects()) EXPECT_EQ(written.count(handle), 0u) << kept.typeName;
 }
 
 }  // namespace

@@ -65,6 +65,13 @@ TEST(AngleText, text_of_another_writer_reads_as_its_degrees) {
     EXPECT_EQ(dxf::Radians("1.80000000000000000000e+02"), std::numbers::pi);
 }
 
+// Seventeen digits are a double's: such a text is divided as every reader divides it, though
+// the precise conversion would give the next double.
+TEST(AngleText, text_of_seventeen_digits_reads_by_the_plain_division) {
+    EXPECT_EQ(dxf::Radians("1.0185185183685175"), 0x1.23400d4b0ed1bp-6);
+    EXPECT_EQ(dxf::Radians("1.0185185183685175000"), 0x1.23400d4b0ed1cp-6);
+}
+
 TEST(AngleText, text_that_is_no_number_reads_as_no_angle) {
     EXPECT_EQ(dxf::Radians(""), 0.0);
     EXPECT_EQ(dxf::Radians("east"), 0.0);
