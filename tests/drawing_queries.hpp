@@ -53,6 +53,19 @@ inline std::vector<std::pair<AcGePoint3d, AcGePoint3d>> ModelSpaceLines(AcDbData
     return lines;
 }
 
+// Adds a layer of that name to `db` and answers its id.
+inline AcDbObjectId AddLayer(AcDbDatabase& db, const std::wstring& name) {
+    AcDbLayerTable* layers = nullptr;
+    db.getSymbolTable(layers, AcDb::kForWrite);
+    auto* layer = new AcDbLayerTableRecord;
+    layer->setName(name);
+    AcDbObjectId id;
+    layers->add(id, layer);
+    layer->close();
+    layers->close();
+    return id;
+}
+
 // Adds a text style of that name to `db` and answers its id.
 inline AcDbObjectId AddTextStyle(AcDbDatabase& db, const std::wstring& name) {
     AcDbTextStyleTable* styles = nullptr;

@@ -10,6 +10,7 @@
 #include "platform/db/database.hpp"
 #include "platform/db/names.hpp"
 #include "platform/db/symbol_tables.hpp"
+#include "drawing_queries.hpp"
 
 namespace {
 
@@ -30,18 +31,6 @@ AcDbObjectId IndexedId(const AcDbSymbolTable& table, const std::wstring& name, b
 
 AcDbLayerTable* Layers(AcDbDatabase& db) {
     return static_cast<AcDbLayerTable*>(db.layerTableId().stub()->object.get());
-}
-
-AcDbObjectId AddLayer(AcDbDatabase& db, const std::wstring& name) {
-    AcDbLayerTable* layers = nullptr;
-    db.getSymbolTable(layers, AcDb::kForWrite);
-    auto* layer = new AcDbLayerTableRecord;
-    layer->setName(name);
-    AcDbObjectId id;
-    layers->add(id, layer);
-    layer->close();
-    layers->close();
-    return id;
 }
 
 // As a drawing reader does: added to the database and attached, with no check of the name.

@@ -6,6 +6,7 @@
 #include "platform/db/database.hpp"
 #include "platform/db/line.hpp"
 #include "platform/db/symbol_tables.hpp"
+#include "drawing_queries.hpp"
 
 namespace {
 
@@ -21,18 +22,6 @@ AcDbObjectId AddLine(AcDbDatabase& db, const std::wstring& layer) {
     model->appendAcDbEntity(id, line);
     line->close();
     model->close();
-    return id;
-}
-
-AcDbObjectId AddLayer(AcDbDatabase& db, const std::wstring& name) {
-    AcDbLayerTable* layers = nullptr;
-    db.getSymbolTable(layers, AcDb::kForWrite);
-    auto* layer = new AcDbLayerTableRecord;
-    layer->setName(name);
-    AcDbObjectId id;
-    layers->add(id, layer);
-    layer->close();
-    layers->close();
     return id;
 }
 
