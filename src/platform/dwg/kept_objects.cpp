@@ -55,10 +55,11 @@ void WriteKeptObjects(const std::vector<ClassRecord>& classes, WriteContext& c) 
 void AddKeptEntities(std::uint64_t block, std::vector<std::uint64_t>& entities, WriteContext& c) {
     const auto it = c.keptEntities.find(block);
     if (it == c.keptEntities.end()) return;
-    for (auto& [handle, bytes] : it->second) {
+    for (auto& kept : it->second) {
+        const std::uint64_t handle = kept.first;
         const auto after = std::find_if(entities.begin(), entities.end(), [&](std::uint64_t h) { return h > handle; });
         entities.insert(after, handle);
-        c.add(handle, std::move(bytes));
+        c.add(handle, std::move(kept.second));
     }
     c.keptEntities.erase(it);
 }
