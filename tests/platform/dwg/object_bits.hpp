@@ -21,24 +21,33 @@ struct StoredObject {
     std::vector<std::uint8_t> bytes;
 };
 
+// Opens each object the map of a file lists and gives it to visit with its place and the
+// file's sections; nothing when the file does not read.
+template <typename Visit>
+void ForEachMappedObject(std::span<const std::uint8_t> file, Visit visit) {
+    dwg::DwgContainer container;
+    dwg::MapError error;
+    if (!dwg::ReadDwgContainer(file, container, error)) return;
+    const dwg::DwgSections sections = dwg::SectionsOf(container, file);
+    std::vector<dwg::ObjectLocation> map;
+    if (!dwg::ParseObjectMap(sections.objectMap, map, error)) return;
+    for (const dwg::ObjectLocation& at : map) {
+        dwg::ObjectStreams object;
+        if (dwg::OpenObject(sections.objects, at.offset, sections.version, sections.codePage, object, error))
+            visit(at, object, sections);
+    }
+}
+
 // Every object the map lists, by handle; empty when the file does not read.
 inline std::map<std::uint64_t, StoredObject> StoredObjects(std::span<const std::uint8_t> file) {
     std::map<std::uint64_t, StoredObject> out;
-    dwg::DwgContainer container;
-    dwg::MapError error;
-    if (!dwg::ReadDwgContainer(file, container, error)) return out;
-    const dwg::DwgSections sections = dwg::SectionsOf(container, file);
-    std::vector<dwg::ObjectLocation> map;
-    if (!dwg::ParseObjectMap(sections.objectMap, map, error)) return out;
-    for (const dwg::ObjectLocation& at : map) {
-        dwg::ObjectStreams object;
-        if (!dwg::OpenObject(sections.objects, at.offset, sections.version, sections.codePage, object, error))
-            continue;
+    ForEachMappedObject(file, [&](const dwg::ObjectLocation& at, const dwg::ObjectStreams& object,
+                                  const dwg::DwgSections& sections) {
         const std::size_t start = static_cast<std::size_t>(at.offset);
         const std::size_t sizeBytes = object.size >= 0x8000 ? 4 : 2;
         const auto bytes = sections.objects.subspan(start + sizeBytes, object.size);
         out[at.handle] = {object.type, {bytes.begin(), bytes.end()}};
-    }
+    });
     return out;
 }
 
@@ -46,19 +55,10 @@ inline std::map<std::uint64_t, StoredObject> StoredObjects(std::span<const std::
 // not hold it.
 inline dwg::DecodedObject DecodedAt(std::span<const std::uint8_t> file, std::uint64_t handle) {
     dwg::DecodedObject out;
-    dwg::DwgContainer container;
-    dwg::MapError error;
-    if (!dwg::ReadDwgContainer(file, container, error)) return out;
-    const dwg::DwgSections sections = dwg::SectionsOf(container, file);
-    std::vector<dwg::ObjectLocation> map;
-    if (!dwg::ParseObjectMap(sections.objectMap, map, error)) return out;
-    for (const dwg::ObjectLocation& at : map) {
-        dwg::ObjectStreams object;
-        if (at.handle != handle ||
-            !dwg::OpenObject(sections.objects, at.offset, sections.version, sections.codePage, object, error))
-            continue;
-        dwg::DecodeObject(object, {}, out);
-    }
+    ForEachMappedObject(file, [&](const dwg::ObjectLocation& at, dwg::ObjectStreams& object,
+                                  const dwg::DwgSections&) {
+        if (at.handle == handle) dwg::DecodeObject(object, {}, out);
+    });
     return out;
 }
 
