@@ -10,15 +10,15 @@
 
 namespace dwg {
 
-void DxfText::tag(int code, std::string_view text) { put(code, text, dxf::Made::kText, false); }
+void DxfText::tag(int code, std::string_view text) { put(code, text, {}, false); }
 
-void DxfText::put(int code, std::string_view text, dxf::Made made, bool plain) {
+void DxfText::put(int code, std::string_view text, const Number& number, bool plain) {
     if (feed_ != nullptr || keep_) {
         if (code == 0) flush();
         const std::size_t begin = out_.size();
         if (plain) out_.append(text);
         else value(text);
-        spans_.push_back({code, begin, out_.size(), made});
+        spans_.push_back({code, begin, out_.size(), number});
         return;
     }
     char buffer[12];
@@ -49,7 +49,8 @@ void DxfText::flush() {
     tags_.clear();
     const std::string_view values = out_;
     for (const Span& s : spans_) {
-        tags_.push_back({s.code, values.substr(s.begin, s.end - s.begin), 0, s.made});
+        tags_.push_back({s.code, values.substr(s.begin, s.end - s.begin), 0, s.number.made, s.number.real,
+                         s.number.integer});
     }
     feed_->record(tags_);
     spans_.clear();
@@ -58,26 +59,24 @@ void DxfText::flush() {
 
 void DxfText::handTo(DxfText& to) {
     const std::string_view values = out_;
-    for (const Span& s : spans_) to.put(s.code, values.substr(s.begin, s.end - s.begin), s.made, true);
+    for (const Span& s : spans_) to.put(s.code, values.substr(s.begin, s.end - s.begin), s.number, true);
     spans_.clear();
     out_.clear();
 }
 
 void DxfText::tag(int code, double value) {
-    char buffer[40];
-    auto end = std::to_chars(buffer, buffer + 32, value).ptr;
-    // A whole number keeps a decimal point, as every DXF writer gives it.
-    if (std::string_view(buffer, end).find_first_of(".eEn") == std::string_view::npos) {
-        *end++ = '.';
-        *end++ = '0';
-    }
-    put(code, std::string_view(buffer, end), dxf::Made::kReal, true);
+    // The writer's form, so that a value the database still holds compares by its number; a
+    // negative zero keeps its sign, which the writer's form drops.
+    numberText_.clear();
+    if (value == 0 && std::signbit(value)) numberText_ = "-0.0";
+    else dxf::FormatDouble(value, numberText_);
+    put(code, numberText_, {dxf::Made::kReal, value, 0}, true);
 }
 
 void DxfText::integer(int code, long long value) {
     char buffer[24];
     put(code, std::string_view(buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr),
-        dxf::Made::kInteger, true);
+        {dxf::Made::kInteger, 0.0, value}, true);
 }
 
 void DxfText::handle(int code, std::uint64_t value) {
@@ -86,7 +85,7 @@ void DxfText::handle(int code, std::uint64_t value) {
     for (char* c = buffer; c != end; ++c)
         if (*c >= 'a') *c = static_cast<char>(*c - 'a' + 'A');  // hexadecimal digits a to f
     // A handle is hexadecimal: checked as any text is.
-    put(code, std::string_view(buffer, end), dxf::Made::kText, true);
+    put(code, std::string_view(buffer, end), {}, true);
 }
 
 void DxfText::point(int code, const Point3& p) {
@@ -101,9 +100,9 @@ void DxfText::point(int code, const Point2& p) {
 }
 
 void DxfText::angle(int code, double radians) {
-    angleText_.clear();
-    dxf::FormatAngle(radians, angleText_);
-    put(code, angleText_, dxf::Made::kReal, true);
+    numberText_.clear();
+    dxf::FormatAngle(radians, numberText_);
+    put(code, numberText_, {dxf::Made::kAngle, radians, 0}, true);
 }
 
 const std::string& NameIndex::name(const std::unordered_map<std::uint64_t, std::string>& table,

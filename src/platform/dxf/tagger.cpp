@@ -133,8 +133,44 @@ bool IsPlainDecimal(std::string_view text) {
     return digits > 0;
 }
 
+namespace {
+
+// A plain decimal of up to 17 characters whose digits make an integer below 2^53, read exactly:
+// the digits and the power of ten are both exact doubles, and one division rounds correctly, so
+// the value is the general conversion's. The common case, and much cheaper than that conversion.
+bool ParseShortDecimal(std::string_view text, double& value) {
+    static constexpr double kPowers[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,
+                                         1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16};
+    if (text.empty() || text.size() > 17) return false;
+    const char* p = text.data();
+    const char* const end = p + text.size();
+    const bool negative = *p == '-';
+    if (negative) ++p;
+    const char* const first = p;
+    const char* point = nullptr;
+    std::uint64_t digits = 0;
+    for (; p != end; ++p) {
+        const auto d = static_cast<unsigned>(*p - '0');
+        if (d < 10) {
+            digits = digits * 10 + d;
+        } else if (*p == '.' && point == nullptr) {
+            point = p;
+        } else {
+            return false;
+        }
+    }
+    const auto decimals = point == nullptr ? 0 : end - point - 1;
+    if (end - first == (point == nullptr ? 0 : 1) || digits > (std::uint64_t{1} << 53)) return false;
+    const double magnitude = static_cast<double>(digits) / kPowers[decimals];
+    value = negative ? -magnitude : magnitude;
+    return true;
+}
+
+}  // namespace
+
 bool ParseDouble(std::string_view text, double& value) {
     if (!text.empty() && text.front() == '+') text.remove_prefix(1);
+    if (ParseShortDecimal(text, value)) return true;
     auto [ptr, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
     return !text.empty() && ec == std::errc() && ptr == text.data() + text.size();
 }

@@ -19,15 +19,19 @@ inline bool IsIntegerKind(ValueKind k) {
 // The value without the blanks (spaces, tabs) around it, as numbers are read.
 std::string_view TrimBlanks(std::string_view s);
 
-// How a value's text was made: read from a file, or written by a decoder from an integer or a
-// real, which gives it in the plain form that needs no check as a number of those kinds.
-enum class Made : std::uint8_t { kText, kInteger, kReal };
+// How a value's text was made: read from a file, or written by a decoder from an integer, a
+// real (FormatDouble's text, "-0.0" for a negative zero) or an angle in radians (FormatAngle's
+// text), which gives it in the plain form that needs no check as a number of those kinds.
+enum class Made : std::uint8_t { kText, kInteger, kReal, kAngle };
 
 struct Tag {
     int code = 0;
     std::string_view value;  // as the file has it; trimmed for every kind but strings
     int line = 0;            // line of the group code (ASCII text)
     Made made = Made::kText;
+    // The number the text was made from, so that it is compared without reading the text.
+    double real = 0.0;       // kReal; kAngle: the radians
+    long long integer = 0;   // kInteger
 };
 
 // Walks the tags of an ASCII drawing file held in memory.
