@@ -3,6 +3,7 @@
 // reader builds the database from them: a drawing read from DWG then holds exactly what the
 // same drawing read from DXF holds (units the DXF way: degrees, names instead of handles).
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -47,11 +48,10 @@ public:
     std::string take() { return std::move(out_); }  // the text, without a copy
 
 private:
-    // How a value was made, and from which number, for the feed.
+    // How a value was made, and from which real, for the feed.
     struct Number {
         dxf::Made made = dxf::Made::kText;
         double real = 0.0;
-        long long integer = 0;
     };
     // The value, and how it was made. A plain one (a number or handle made here) has no control
     // characters to write out: it goes in as it is.
@@ -62,6 +62,8 @@ private:
         std::size_t begin, end;  // of the value in out_
         Number number;
     };
+    // Hands one whole record, its values in `values`, to the feed.
+    void feed(std::string_view values, std::span<const Span> record);
     std::string out_;  // the text, or the values of the record being written
     dxf::RecordFeed* feed_ = nullptr;
     bool keep_ = false;

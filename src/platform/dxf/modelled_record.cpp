@@ -38,6 +38,12 @@ std::optional<bool> MadeValueKept(const Field& f, const Tag& made) {
         // Both texts are the integers' plain digits: the same integer, the same text.
         return true;
     }
+    if (f.kind == Field::Kind::kHandle && made.made == Made::kHandle &&
+        (kind == ValueKind::kHandle || kind == ValueKind::kString)) {
+        // Both texts are the handles' upper-case digits, which read as the same handle only
+        // when they are the same text.
+        return true;
+    }
     if (kind != ValueKind::kDouble) return {};
     if (f.kind == Field::Kind::kReal && made.made == Made::kReal) {
         // Both texts are FormatDouble's but for the decoder's negative zero, which reads as the

@@ -9,7 +9,7 @@ namespace dxf {
 
 namespace {
 
-ValueKind KindByRange(int code) {
+constexpr ValueKind KindByRange(int code) {
     if (code < 0) return ValueKind::kInvalid;
     if (code <= 9) return ValueKind::kString;
     if (code <= 59) return ValueKind::kDouble;
@@ -47,19 +47,14 @@ ValueKind KindByRange(int code) {
     return ValueKind::kInvalid;
 }
 
-constexpr int kCodeCount = 1072;
-
 }  // namespace
 
-ValueKind KindOfCode(int code) {
-    // Every tag asks this: the ranges above, looked up in a table made once.
-    static const auto kinds = [] {
-        std::array<ValueKind, kCodeCount> table{};
-        for (int c = 0; c < kCodeCount; ++c) table[static_cast<size_t>(c)] = KindByRange(c);
-        return table;
-    }();
-    return code >= 0 && code < kCodeCount ? kinds[static_cast<size_t>(code)] : ValueKind::kInvalid;
-}
+// Filled when the program is loaded, before any code that may read a tag runs.
+constinit const std::array<ValueKind, kGroupCodeCount> kGroupCodeKinds = [] {
+    std::array<ValueKind, kGroupCodeCount> table{};
+    for (int c = 0; c < kGroupCodeCount; ++c) table[static_cast<size_t>(c)] = KindByRange(c);
+    return table;
+}();
 
 bool TagCursor::readLine(std::string_view& line) {
     if (m_pos >= m_text.size()) return false;

@@ -158,7 +158,8 @@ std::vector<dxf::Tag> MadeTags(const AcDbRawTags& tags, std::initializer_list<in
             EXPECT_TRUE(dxf::ParseDouble(t.value, tag.real));
         } else if (dxf::IsIntegerKind(kind)) {
             tag.made = dxf::Made::kInteger;
-            EXPECT_TRUE(dxf::ParseInteger(t.value, tag.integer));
+        } else if (t.code == 5 || t.code == 330) {
+            tag.made = dxf::Made::kHandle;
         }
         made.push_back(tag);
     }
@@ -185,6 +186,8 @@ TEST(ModelledRecord, numbers_made_by_a_decoder_decide_as_their_texts_do) {
         {"a negative zero the writer gives as 0.0", 0, kLineStart, kNegativeZero, nullptr, false},
         {"a negative zero the database changed", 0, kLineStart, kNegativeZero,
          [](AcDbEntity& e) { AcDbLine::cast(&e)->setStartPoint({1.5, 2, 3}); }, true},
+        {"a line the database gave another owner", 0, "", "",
+         [](AcDbEntity& e) { e.setOwnerId(e.database()->paperSpaceId()); }, true},
         {"the same arc", 1, "", "", nullptr, true},
         {"an arc the database turned", 1, "", "",
          [](AcDbEntity& e) { AcDbArc::cast(&e)->setStartAngle(1.0); }, true},
