@@ -40,19 +40,11 @@ void AcDbDatabase::discardContents() {
 
 // ---- Objects ----
 
-namespace {
-std::uint64_t LargestHandle(const std::unordered_map<std::uint64_t, AcDbStub*>& byHandle) {
-    std::uint64_t largest = 0;
-    for (const auto& entry : byHandle) largest = std::max(largest, entry.first);
-    return largest;
-}
-}  // namespace
-
 AcDbStub& AcDbDatabase::newStub(AcDbHandle handle) {
     AcDbStub& stub = m_stubs.emplace_back();
     stub.database = this;
     stub.handle = handle;
-    m_byHandle[handle.value()] = &stub;
+    m_byHandle.insert(&stub);
     m_maxHandle = std::max(m_maxHandle, handle.value());
     if (handle.value() >= m_handseed.value()) m_handseed = AcDbHandle(handle.value() + 1);
     return stub;
@@ -67,11 +59,10 @@ Acad::ErrorStatus AcDbDatabase::addAcDbObjectWithHandle(AcDbObjectId& id, AcDbOb
     if (object == nullptr) return Acad::eNullObjectPointer;
     if (!object->isNewObject()) return Acad::eAlreadyInDb;
     if (handle.isNull()) return Acad::eNullHandle;
-    auto found = m_byHandle.find(handle.value());
-    AcDbStub* stub = nullptr;
-    if (found != m_byHandle.end()) {
-        if (found->second->object != nullptr) return Acad::eHandleInUse;
-        stub = found->second;  // a forward reference made the slot before the object came
+    AcDbStub* stub = m_byHandle.find(handle.value());
+    if (stub != nullptr) {
+        // A forward reference made the slot before the object came.
+        if (stub->object != nullptr) return Acad::eHandleInUse;
     } else {
         stub = &newStub(handle);
     }
@@ -87,12 +78,12 @@ Acad::ErrorStatus AcDbDatabase::moveToHandle(AcDbObjectId id, AcDbHandle handle)
     AcDbStub* stub = id.stub();
     if (stub == nullptr || stub->database != this || stub->object == nullptr) return Acad::eNullObjectId;
     if (handle.isNull()) return Acad::eNullHandle;
-    if (m_byHandle.count(handle.value()) != 0) return Acad::eHandleInUse;
+    if (m_byHandle.find(handle.value()) != nullptr) return Acad::eHandleInUse;
     const std::uint64_t old = stub->handle.value();
     m_byHandle.erase(old);
     stub->handle = handle;
-    m_byHandle[handle.value()] = stub;
-    if (old == m_maxHandle) m_maxHandle = LargestHandle(m_byHandle);
+    m_byHandle.insert(stub);
+    if (old == m_maxHandle) m_maxHandle = m_byHandle.largestHandle();
     m_maxHandle = std::max(m_maxHandle, handle.value());
     if (handle.value() >= m_handseed.value()) m_handseed = AcDbHandle(handle.value() + 1);
     return Acad::eOk;
@@ -101,9 +92,8 @@ Acad::ErrorStatus AcDbDatabase::moveToHandle(AcDbObjectId id, AcDbHandle handle)
 Acad::ErrorStatus AcDbDatabase::getAcDbObjectId(AcDbObjectId& id, bool createIfNotFound,
                                                 const AcDbHandle& handle) {
     if (handle.isNull()) return Acad::eNullHandle;
-    auto found = m_byHandle.find(handle.value());
-    if (found != m_byHandle.end()) {
-        id = AcDbObjectId(found->second);
+    if (AcDbStub* found = m_byHandle.find(handle.value())) {
+        id = AcDbObjectId(found);
         return Acad::eOk;
     }
     if (!createIfNotFound) return Acad::eUnknownHandle;

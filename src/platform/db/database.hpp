@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/db/object.hpp"
+#include "platform/db/stub_index.hpp"
 #include "platform/db/symbol_tables.hpp"
 #include "platform/ge/matrix3d.hpp"
 
@@ -195,7 +196,7 @@ private:
     void buildDefaultDrawing();
 
     std::deque<AcDbStub> m_stubs;
-    std::unordered_map<std::uint64_t, AcDbStub*> m_byHandle;
+    AcDbStubIndex m_byHandle;
     std::uint64_t m_maxHandle = 0;  // largest key of m_byHandle
     std::uint64_t m_added = 0;  // objects added so far, for AcDbStub::added
     AcDbHandle m_handseed{1};

@@ -1,0 +1,92 @@
+// The stubs by handle: finding, adding and removing in any order answers as a plain map of the
+// same handles does, through growth and removals that move stubs back along their probes.
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <map>
+#include <random>
+
+#include "platform/db/object.hpp"
+#include "platform/db/stub_index.hpp"
+
+namespace {
+
+struct Differential {
+    std::deque<AcDbStub> stubs;
+    AcDbStubIndex index;
+    std::map<std::uint64_t, AcDbStub*> plain;
+
+    void add(std::uint64_t handle) {
+        if (plain.count(handle) != 0) return;
+        AcDbStub& stub = stubs.emplace_back();
+        stub.handle = AcDbHandle(handle);
+        index.insert(&stub);
+        plain[handle] = &stub;
+    }
+    void remove(std::uint64_t handle) {
+        index.erase(handle);
+        plain.erase(handle);
+    }
+    // Every handle up to `last` found as the plain map finds it.
+    void expectSame(std::uint64_t last) const {
+        ASSERT_EQ(index.size(), plain.size());
+        for (std::uint64_t h = 0; h <= last; ++h) {
+            const auto it = plain.find(h);
+            ASSERT_EQ(index.find(h), it == plain.end() ? nullptr : it->second) << h;
+        }
+        EXPECT_EQ(index.largestHandle(), plain.empty() ? 0 : plain.rbegin()->first);
+    }
+};
+
+TEST(StubIndex, empty_index_finds_nothing_and_removing_from_it_does_nothing) {
+    AcDbStubIndex index;
+    EXPECT_EQ(index.find(1), nullptr);
+    index.erase(1);
+    EXPECT_TRUE(index.empty());
+    EXPECT_EQ(index.largestHandle(), 0u);
+}
+
+// Consecutive handles, as a drawing's, then every third removed and some added again.
+TEST(StubIndex, consecutive_handles_grow_and_shrink_as_a_map_does) {
+    Differential d;
+    for (std::uint64_t h = 1; h <= 5000; ++h) d.add(h);
+    d.expectSame(5100);
+    for (std::uint64_t h = 1; h <= 5000; h += 3) d.remove(h);
+    d.expectSame(5100);
+    for (std::uint64_t h = 4; h <= 2000; h += 6) d.add(h);
+    d.remove(5000);
+    d.expectSame(5100);
+}
+
+// Random handles in a small range, so that probes collide and wrap around the slots' end.
+TEST(StubIndex, random_adds_and_removes_answer_as_a_map_does) {
+    for (unsigned seed = 1; seed <= 4; ++seed) {
+        SCOPED_TRACE(seed);
+        Differential d;
+        std::mt19937_64 random(seed);
+        for (int step = 0; step < 20000; ++step) {
+            const std::uint64_t handle = 1 + random() % 600;
+            if (random() % 3 == 0) d.remove(handle);
+            else d.add(handle);
+            if (step % 997 == 0) d.expectSame(601);
+        }
+        d.expectSame(601);
+    }
+}
+
+TEST(StubIndex, reserved_room_keeps_what_it_holds_and_clear_empties_it) {
+    Differential d;
+    for (std::uint64_t h = 10; h < 40; ++h) d.add(h * 7);
+    d.index.reserve(10000);
+    d.expectSame(300);
+    d.index.reserve(5);  // less than held: nothing changes
+    d.expectSame(300);
+    d.index.clear();
+    EXPECT_TRUE(d.index.empty());
+    EXPECT_EQ(d.index.find(70), nullptr);
+    d.plain.clear();
+    d.add(70);
+    d.expectSame(300);
+}
+
+}  // namespace
