@@ -1,5 +1,6 @@
 #include "platform/dxf/entity_records.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <map>
 #include <type_traits>
@@ -23,6 +24,14 @@
 namespace dxf {
 
 namespace {
+
+// Reserves room for the count a record gives of its values, so that the database holds no spare
+// capacity: no more than the record can hold, each value taking a tag of at least three bytes.
+template <typename Vector>
+void ReserveCounted(Vector& values, std::string_view count, const AcDbRawTags& tags) {
+    const long long n = Integer(count);
+    if (n > 0) values.reserve(std::min<std::size_t>(static_cast<std::size_t>(n), tags.byteSize() / 3));
+}
 
 void ReadCommon(AcDbEntity& e, std::string_view marker, const AcDbRawTag& t) {
     if (!marker.empty() && marker != "AcDbEntity") return;
@@ -235,6 +244,7 @@ void ReadLwPolyline(AcDbPolyline& e, const AcDbRawTags& tags) {
             case 43: constant = true; constantWidth = v; break;
             case 38: e.setElevation(v); break;
             case 39: e.setThickness(v); break;
+            case 90: ReserveCounted(verts, tag.value, tags); break;
             case 10: verts.push_back({{v, 0.0}, 0.0, 0.0, 0.0}); break;
             case 20: if (!verts.empty()) verts.back().point.y = v; break;
             case 40: if (!verts.empty()) verts.back().startWidth = v; break;
@@ -267,6 +277,9 @@ void ReadSpline(AcDbSpline& e, const AcDbRawTags& tags) {
                 break;
             }
             case 71: e.setDegree(static_cast<int>(Integer(tag.value))); break;
+            case 72: ReserveCounted(e.knots(), tag.value, tags); break;
+            case 73: ReserveCounted(e.controlPoints(), tag.value, tags); break;
+            case 74: ReserveCounted(e.fitPoints(), tag.value, tags); break;
             case 42: e.setKnotTolerance(v); break;
             case 43: e.setControlPointTolerance(v); break;
             case 44: e.setFitTolerance(v); break;
