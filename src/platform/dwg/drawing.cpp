@@ -115,6 +115,7 @@ struct Drawing {
     void writeEntitiesAlongside(const std::vector<std::size_t>& entities, std::uint64_t owner);
     void writeObjects();
     void takeKept(std::vector<KeptData>& kept);
+    void takeErasedEntries(std::vector<ErasedEntries>& erased) const;
 };
 
 void Drawing::sortHandles() {
@@ -514,6 +515,21 @@ void Drawing::writeObjects() {
     out.tag(0, "ENDSEC");
 }
 
+void Drawing::takeErasedEntries(std::vector<ErasedEntries>& erased) const {
+    for (const Item& item : items) {
+        const auto* control = std::get_if<KeptObject>(item.decoded.get());
+        if (control == nullptr || !IsControl(item.type)) continue;
+        ErasedEntries entries{item.handle, {}};
+        int place = 0;
+        for (const HandleRef& ref : control->references) {
+            if (ref.code != 2) continue;  // the records a control owns softly
+            if (ref.value == 0) entries.places.push_back(place);
+            ++place;
+        }
+        if (!entries.places.empty()) erased.push_back(std::move(entries));
+    }
+}
+
 void Drawing::takeKept(std::vector<KeptData>& kept) {
     for (Item& item : items) {
         auto* whole = std::get_if<KeptObject>(item.decoded.get());
@@ -559,9 +575,11 @@ bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<Kep
 }
 
 bool DwgToRecords(const DwgSections& sections, dxf::RecordFeed& feed, std::vector<KeptData>& kept,
-                  MapError& error) {
+                  std::vector<ErasedEntries>& erased, MapError& error) {
     Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}, DxfText(&feed), {}, false};
-    return WriteDrawing(drawing, kept, error);
+    if (!WriteDrawing(drawing, kept, error)) return false;
+    drawing.takeErasedEntries(erased);
+    return true;
 }
 
 }  // namespace dwg

@@ -35,13 +35,21 @@ struct KeptData {
     std::vector<std::uint8_t> bytes;
 };
 
+// A table's control object that lists null entries (records erased before the file was
+// saved): the places of those entries in its list of records.
+struct ErasedEntries {
+    std::uint64_t control = 0;
+    std::vector<int> places;
+};
+
 // False with the offset (in the section named by the reason) and the reason when a section
 // does not decode. The objects whose records are their head only are appended to `kept`
 // (symbol table records and control objects are written whole and are not among them).
 bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<KeptData>& kept,
                   MapError& error);
-// The same records handed to the feed one at a time, as they are made.
+// The same records handed to the feed one at a time, as they are made; the tables' erased
+// entries, which no record holds, go to `erased`.
 bool DwgToRecords(const DwgSections& sections, dxf::RecordFeed& feed, std::vector<KeptData>& kept,
-                  MapError& error);
+                  std::vector<ErasedEntries>& erased, MapError& error);
 
 }  // namespace dwg

@@ -47,6 +47,9 @@ struct WriteContext {
     std::vector<std::pair<std::uint64_t, const AcDbDatabase::DwgKeptObject*>> kept;
     // Those of them that are entities, by the block that lists them: handle and bytes.
     std::unordered_map<std::uint64_t, std::vector<std::pair<std::uint64_t, std::vector<std::uint8_t>>>> keptEntities;
+    // The places of the null entries of each table's control object, by its handle: records
+    // erased before the file the database was read from was saved.
+    std::unordered_map<std::uint64_t, std::vector<int>> erasedEntries;
     // The layer name the last entity gave and its layer: entities in a row mostly share one.
     std::string_view lastLayerName;
     std::uint64_t lastLayer = 0;

@@ -323,6 +323,7 @@ Acad::ErrorStatus EncodeDrawing(AcDbDatabase& db, int codePage, EncodedDrawing& 
         return Acad::eInvalidInput;
     }
     NoteKeptObjects(db, out);
+    NoteErasedEntries(db, out.context);
     out.context.threads = std::min(std::max(std::thread::hardware_concurrency(), 1u), 4u);
     EncodeSource(source, codePage, out);
     return Acad::eOk;

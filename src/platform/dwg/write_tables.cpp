@@ -335,7 +335,30 @@ std::vector<std::uint64_t> StyleList(const SourceRecord& head, const std::vector
     return out;
 }
 
+// The null entries go back to their places, in the order of the places, so that each place
+// counts the nulls before it; a place beyond the list (records erased since the read) goes to
+// its end.
+void ListErasedEntries(const std::unordered_map<std::uint64_t, std::vector<int>>& erased,
+                       ControlRecord& control) {
+    const auto it = erased.find(control.common.handle);
+    if (it == erased.end()) return;
+    for (int place : it->second) {
+        const auto at = std::min(static_cast<std::size_t>(place), control.entries.size());
+        control.entries.insert(control.entries.begin() + static_cast<std::ptrdiff_t>(at), 0);
+    }
+}
+
 }  // namespace
+
+void NoteErasedEntries(const AcDbDatabase& db, WriteContext& c) {
+    for (int kind = 0; kind < AcDbDatabase::kTableCount; ++kind) {
+        const AcDbObjectId id = db.tableId(static_cast<AcDbDatabase::TableKind>(kind));
+        const auto* table = id.isNull() || !id.stub() ? nullptr : AcDbSymbolTable::cast(id.stub()->object.get());
+        if (table != nullptr && !table->erasedEntryPlaces().empty()) {
+            c.erasedEntries[id.handle().value()] = table->erasedEntryPlaces();
+        }
+    }
+}
 
 void WriteTables(const SourceDrawing& source, WriteContext& c, HeaderHandles& handles) {
     for (const SourceTable& table : source.tables) {
@@ -388,6 +411,7 @@ void WriteTables(const SourceDrawing& source, WriteContext& c, HeaderHandles& ha
             }
         }
         if (table.name == "DIMSTYLE") control.styles = StyleList(table.head, control.entries);
+        ListErasedEntries(c.erasedEntries, control);
         c.add(control.common.handle, EncodeControl(control, c.options));
         std::uint64_t* slot = nullptr;
         switch (kind->control) {
