@@ -536,8 +536,9 @@ void Body(DxfText& out, const SplineRecord& r, const NameIndex&) {
     out.integer(74, static_cast<long long>(r.fitPoints.size()));
     out.tag(42, r.knotTolerance);
     out.tag(43, r.controlTolerance);
-    out.tag(44, r.fitTolerance);
+    // The fit tolerance is stored with fit data only; a DXF record has it only then too.
     if (r.scenario == 2) {
+        out.tag(44, r.fitTolerance);
         out.point(12, r.startTangent);
         out.point(13, r.endTangent);
     }
