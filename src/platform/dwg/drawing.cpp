@@ -531,10 +531,20 @@ void Drawing::takeErasedEntries(std::vector<ErasedEntries>& erased) const {
 }
 
 void Drawing::takeKept(std::vector<KeptData>& kept) {
+    // The block records' references and the layouts' viewports, by the object listed.
+    std::unordered_map<std::uint64_t, std::uint64_t> listedBy;
+    for (const Item& item : items) {
+        if (const auto* block = std::get_if<BlockHeaderRecord>(item.decoded.get())) {
+            for (std::uint64_t insert : block->inserts) listedBy.emplace(insert, item.handle);
+        } else if (const auto* layout = std::get_if<LayoutRecord>(item.decoded.get())) {
+            for (std::uint64_t viewport : layout->viewports) listedBy.emplace(viewport, item.handle);
+        }
+    }
     for (Item& item : items) {
         auto* whole = std::get_if<KeptObject>(item.decoded.get());
         if (whole == nullptr || IsControl(item.type) || IsTableRecord(item.type)) continue;
-        kept.push_back({item.handle, typeName(item), std::move(whole->bytes)});
+        const auto by = listedBy.find(item.handle);
+        kept.push_back({item.handle, typeName(item), std::move(whole->bytes), by == listedBy.end() ? 0 : by->second});
     }
 }
 

@@ -33,6 +33,7 @@ struct KeptData {
     std::uint64_t handle = 0;
     std::string typeName;
     std::vector<std::uint8_t> bytes;
+    std::uint64_t listedBy = 0;  // a block record listing it as a reference, a layout as a viewport
 };
 
 // A table's control object that lists null entries (records erased before the file was

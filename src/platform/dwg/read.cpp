@@ -43,7 +43,7 @@ void KeepWhole(AcDbDatabase& db, std::vector<KeptData>& kept, const DwgSections&
     for (KeptData& k : kept) {
         AcDbObjectId id;
         if (db.getAcDbObjectId(id, false, AcDbHandle(k.handle)) != Acad::eOk) continue;
-        whole[k.handle] = {std::move(k.typeName), std::move(k.bytes), ac1018CodePage};
+        whole[k.handle] = {std::move(k.typeName), std::move(k.bytes), ac1018CodePage, k.listedBy};
     }
 }
 

@@ -306,6 +306,7 @@ void NoteKeptObjects(AcDbDatabase& db, EncodedDrawing& out) {
             out.context.kept.emplace_back(handle, &kept);
         }
     }
+    NoteErasedEntries(db, out.context);
 }
 
 Acad::ErrorStatus EncodeDrawing(AcDbDatabase& db, int codePage, EncodedDrawing& out) {
@@ -323,7 +324,6 @@ Acad::ErrorStatus EncodeDrawing(AcDbDatabase& db, int codePage, EncodedDrawing& 
         return Acad::eInvalidInput;
     }
     NoteKeptObjects(db, out);
-    NoteErasedEntries(db, out.context);
     out.context.threads = std::min(std::max(std::thread::hardware_concurrency(), 1u), 4u);
     EncodeSource(source, codePage, out);
     return Acad::eOk;

@@ -488,6 +488,11 @@ BlockInserts InsertsOf(const SourceDrawing& source, const WriteContext& c) {
     for (const SourceBlock& b : source.blocks) {
         for (const SourceRecord& r : b.entities) note(r);
     }
+    // Entities kept whole that draw a block (ACAD_TABLE) are among its references too.
+    for (const auto& [name, block] : c.blocks) {
+        const auto kept = c.keptListed.find(block);
+        if (kept != c.keptListed.end()) out[block].insert(out[block].end(), kept->second.begin(), kept->second.end());
+    }
     for (auto& [block, handles] : out) std::sort(handles.begin(), handles.end());
     return out;
 }
@@ -591,6 +596,9 @@ LayoutRecord LayoutOf(const SourceRecord& r, WriteContext& c) {
     l.viewport = a.handle(331);
     l.namedUcs = a.handle(345);
     l.baseUcs = a.handle(346);
+    // Its viewports, which the database keeps whole.
+    const auto viewports = c.keptListed.find(l.common.handle);
+    if (viewports != c.keptListed.end()) l.viewports = viewports->second;
     return l;
 }
 

@@ -19,7 +19,8 @@ void NoteErasedEntries(const AcDbDatabase& db, WriteContext& c);
 // Every table's records and control object; the control objects' handles go to handles. A
 // control object lists null entries at the places c.erasedEntries gives for it.
 void WriteTables(const SourceDrawing& source, WriteContext& c, HeaderHandles& handles);
-// The INSERTs of each block record, by the record's handle, in the order of their handles.
+// The INSERTs of each block record and the entities kept whole that draw it (ACAD_TABLE), by
+// the record's handle, in the order of their handles.
 using BlockInserts = std::unordered_map<std::uint64_t, std::vector<std::uint64_t>>;
 BlockInserts InsertsOf(const SourceDrawing& source, const WriteContext& c);
 // Every block record with its BLOCK, entities and ENDBLK. The model and paper space entities

@@ -133,9 +133,7 @@ const std::map<std::string, std::set<std::uint64_t>> kKnownResiduals = {
     // An MTEXT whose text holds "\U+00B0" where the code page has the character (0x44C). A
     // 3D polyline's vertex with a reactor of its own, which the database keeps with the
     // polyline (0x41E).
-    // A layout (0x56) and a block record (0x4F3) that refer to objects kept whole, which the
-    // writer puts back: not analysed yet.
-    {"example_2004.dwg", {0x41E, 0x44C, 0x56, 0x4F3}},
+    {"example_2004.dwg", {0x41E, 0x44C}},
     {"HatchG.dwg", {}},
     // A dimension style's extended data of an application (0x244).
     {"color_sample_AC1018.dwg", {0x244}},
