@@ -14,6 +14,7 @@
 #include "platform/dwg/encode_tables.hpp"
 #include "platform/dwg/entities.hpp"
 #include "platform/dwg/kept_objects.hpp"
+#include "platform/dxf/required_objects.hpp"
 #include "platform/dxf/tagger.hpp"
 
 namespace dwg {
@@ -353,8 +354,7 @@ void ListErasedEntries(const std::unordered_map<std::uint64_t, std::vector<int>>
 void NoteErasedEntries(const AcDbDatabase& db, WriteContext& c) {
     for (int kind = 0; kind < AcDbDatabase::kTableCount; ++kind) {
         const AcDbObjectId id = db.tableId(static_cast<AcDbDatabase::TableKind>(kind));
-        const auto* table = id.isNull() || !id.stub() ? nullptr : AcDbSymbolTable::cast(id.stub()->object.get());
-        if (table != nullptr && !table->erasedEntryPlaces().empty()) {
+        if (const auto* table = AcDbSymbolTable::cast(dxf::ObjectOf(id))) {
             c.erasedEntries[id.handle().value()] = table->erasedEntryPlaces();
         }
     }

@@ -135,7 +135,8 @@ const std::map<std::string, std::set<std::uint64_t>> kKnownResiduals = {
     // polyline (0x41E).
     {"example_2004.dwg", {0x41E, 0x44C}},
     {"HatchG.dwg", {}},
-    // A dimension style's extended data of an application (0x244).
+    // A dimension style whose dimension line, extension line and text colours are true colours
+    // (0x244): its DXF record gives their indexes alone (176-178).
     {"color_sample_AC1018.dwg", {0x244}},
 };
 
