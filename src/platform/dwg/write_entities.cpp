@@ -44,10 +44,10 @@ ObjectCommon ObjectCommonOf(const SourceRecord& r, WriteContext& c, int handleCo
 }
 
 std::vector<ExtendedData> ExtendedDataOf(const SourceRecord& r, const WriteContext& c) {
-    const auto first = std::find_if(r.tags.begin(), r.tags.end(), [](const auto& tag) { return tag.first == 1001; });
+    const auto first = std::find_if(r.tags.begin(), r.tags.end(), [](const SourceTag& tag) { return tag.code() == 1001; });
     if (first == r.tags.end()) return {};
     std::vector<ExtendedGroup> groups;
-    for (auto it = first; it != r.tags.end(); ++it) groups.emplace_back(it->first, std::string(it->second));
+    for (auto it = first; it != r.tags.end(); ++it) groups.emplace_back(it->code(), std::string(it->text()));
     return ExtendedDataOfGroups(groups, c.applications, c.layers, c.dwgCodePage, c.options.codePage);
 }
 
@@ -56,8 +56,8 @@ std::vector<ExtendedData> ExtendedDataOf(const SourceRecord& r, const WriteConte
 EntityCommon EntityCommonOf(const SourceRecord& record, std::uint64_t owner, WriteContext& c) {
     EntityCommon e;
     static_cast<ObjectCommon&>(e) = ObjectCommonOf(record, c);
-    const bool marked = std::any_of(record.tags.begin(), record.tags.end(), [](const auto& tag) {
-        return tag.first == 100 && tag.second == "AcDbEntity";
+    const bool marked = std::any_of(record.tags.begin(), record.tags.end(), [](const SourceTag& tag) {
+        return tag.code() == 100 && tag.text() == "AcDbEntity";
     });
     const SourceRecord properties = marked ? record.subclass("AcDbEntity") : record;
     const SourceRecord& r = properties;
@@ -190,11 +190,10 @@ LwPolylineRecord LwPolylineOf(const SourceRecord& r, EntityCommon common) {
     std::vector<Point2> widths;
     std::vector<double> bulges;
     bool anyWidth = false, anyBulge = false;
-    for (const auto& [code, value] : r.tags) {
+    for (const SourceTag& tag : r.tags) {
+        const int code = tag.code();
         double number = 0;
-        if (code == 10 || code == 20 || code == 40 || code == 41 || code == 42) {
-            dxf::ParseDouble(value, number);
-        }
+        if (code == 10 || code == 20 || code == 40 || code == 41 || code == 42) TagReal(tag, number);
         if (code == 10) {
             p.points.push_back({number, 0});
             widths.push_back({0, 0});
