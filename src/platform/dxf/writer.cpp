@@ -195,11 +195,12 @@ void Writer::tag(int code, std::string_view value) {
 }
 
 // A real of an entity's record, for the tags: given as the number the text would be read back
-// as (shortest round trip; a zero is written "0.0"). Not angles (their text is read into
-// radians) nor a NaN (whose text does not keep its bits).
+// as (shortest round trip; a zero is written "0.0"). Not angles (kAngle: their text is read
+// into radians, with more digits where a double's would not bring them back) nor a NaN (whose
+// text does not keep its bits).
 bool Writer::asNumber(const Field& f) const {
     return m_numbers && f.kind == Field::Kind::kReal && KindOfCode(f.code) == ValueKind::kDouble &&
-           !(f.code >= 50 && f.code <= 59) && !(f.code >= 460 && f.code <= 469) && f.real == f.real;
+           f.real == f.real;
 }
 
 // The same where the template has the value as text: a zero whose text is other than "0.0"

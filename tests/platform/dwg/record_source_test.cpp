@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <map>
 #include <string>
@@ -17,6 +19,7 @@
 #include "platform/db/block_table_record.hpp"
 #include "platform/db/database.hpp"
 #include "platform/db/line.hpp"
+#include "platform/db/point_entity.hpp"
 #include "platform/db/polyline.hpp"
 #include "platform/db/symbol_tables.hpp"
 #include "platform/dwg/corpus_drawings.hpp"
@@ -216,7 +219,13 @@ TEST(DwgRecordSource, entity_reals_come_as_numbers_angles_and_tables_as_text) {
     blocks->close();
     auto* line = new AcDbLine(AcGePoint3d(1.25, 0.1, -0.0), AcGePoint3d(3, 4, 5));
     auto* arc = new AcDbArc(AcGePoint3d(7, 8, 0), 2.5, 0.5, 1.5);
-    for (AcDbEntity* e : {static_cast<AcDbEntity*>(line), static_cast<AcDbEntity*>(arc)}) {
+    // A NaN's text reads back as a NaN of other bits: it goes as text.
+    std::uint64_t nanBits = 0x7FF0000000000001ull;
+    double nan = 0;
+    std::memcpy(&nan, &nanBits, sizeof nan);
+    auto* point = new AcDbPoint(AcGePoint3d(nan, 1, 0));
+    for (AcDbEntity* e : {static_cast<AcDbEntity*>(line), static_cast<AcDbEntity*>(arc),
+                          static_cast<AcDbEntity*>(point)}) {
         e->setDatabaseDefaults(&db);
         model->appendAcDbEntity(e);
         e->close();
@@ -241,6 +250,12 @@ TEST(DwgRecordSource, entity_reals_come_as_numbers_angles_and_tables_as_text) {
     ASSERT_NE(start, nullptr);
     EXPECT_FALSE(start->isNumber());
     EXPECT_EQ(dxf::Radians(start->text()), 0.5);
+    const dxf::DrawingTag* nanX = TagOf(tags, "POINT", 10);
+    ASSERT_NE(nanX, nullptr);
+    EXPECT_FALSE(nanX->isNumber());
+    const dxf::DrawingTag* pointY = TagOf(tags, "POINT", 20);
+    ASSERT_NE(pointY, nullptr);
+    EXPECT_TRUE(pointY->isNumber());
     const dxf::DrawingTag* layer = TagOf(tags, "LINE", 8);
     ASSERT_NE(layer, nullptr);
     EXPECT_EQ(layer->text(), "0");
