@@ -382,7 +382,7 @@ void Writer::emitRun(int run, std::span<const AcDbRawTag> asRead) {
         while (j < asRead.size() && j < at + kLookAhead && asRead[j].code != f.code) ++j;
         if (j < asRead.size() && asRead[j].code == f.code) {
             at = j + 1;
-            if (asNumberOver(f, asRead[j].value)) {
+            if (m_numbers && asNumberOver(f, asRead[j].value)) {
                 field(f);
                 continue;
             }
@@ -407,7 +407,7 @@ void Writer::mergeOwned(std::span<const AcDbRawTag> rest) {
             emitRun(f.run, rest);
         } else {
             seg.used[k] = 1;
-            if (asNumberOver(f, t.value) || !SameValue(f, t.value)) field(f);
+            if ((m_numbers && asNumberOver(f, t.value)) || !SameValue(f, t.value)) field(f);
             else tag(f.code, t.value);
         }
         return;
