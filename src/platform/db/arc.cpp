@@ -29,7 +29,7 @@ Acad::ErrorStatus AcDbArc::setRadius(double r) {
 Acad::ErrorStatus AcDbArc::setNormal(const AcGeVector3d& n) {
     if (n.isZeroLength()) return Acad::eInvalidInput;
     // A normal of unit length is kept as given (a file's own may differ from ours in its last bit).
-    m_normal = n.isUnitLength() ? n : n.normal();
+    m_extrusion.setNormal(n.isUnitLength() ? n : n.normal());
     return Acad::eOk;
 }
 
@@ -41,13 +41,12 @@ double AcDbArc::totalAngle() const {
 Acad::ErrorStatus AcDbArc::getGeomExtents(AcDbExtents& extents) const {
     // The ends, plus each axis extreme of the full circle that the sweep passes.
     extents = AcDbExtents();
-    auto pointAt = [&](double angle) {
-        return m_center + tavrik::ocs::directionInPlane(angle, m_normal) * m_radius;
-    };
+    const AcGeVector3d normal = m_extrusion.normal();
+    auto pointAt = [&](double angle) { return m_center + tavrik::ocs::directionInPlane(angle, normal) * m_radius; };
     extents.addPoint(pointAt(m_startAngle));
     extents.addPoint(pointAt(m_endAngle));
-    AcGeVector3d u = tavrik::ocs::directionInPlane(0.0, m_normal);
-    AcGeVector3d v = tavrik::ocs::directionInPlane(M_PI / 2, m_normal);
+    AcGeVector3d u = tavrik::ocs::directionInPlane(0.0, normal);
+    AcGeVector3d v = tavrik::ocs::directionInPlane(M_PI / 2, normal);
     for (int i = 0; i < 3; ++i) {
         if (u[i] == 0.0 && v[i] == 0.0) continue;
         double extreme = std::atan2(v[i], u[i]);
@@ -60,20 +59,22 @@ Acad::ErrorStatus AcDbArc::getGeomExtents(AcDbExtents& extents) const {
 Acad::ErrorStatus AcDbArc::transformBy(const AcGeMatrix3d& xform) {
     double scale = 1.0;
     if (!tavrik::ocs::uniformScale(xform, scale)) return Acad::eCannotScaleNonUniformly;
-    AcGeVector3d startDir = xform.apply(tavrik::ocs::directionInPlane(m_startAngle, m_normal));
-    AcGeVector3d endDir = xform.apply(tavrik::ocs::directionInPlane(m_endAngle, m_normal));
+    const AcGeVector3d normal = xform.apply(m_extrusion.normal()).normal();
+    AcGeVector3d startDir = xform.apply(tavrik::ocs::directionInPlane(m_startAngle, m_extrusion.normal()));
+    AcGeVector3d endDir = xform.apply(tavrik::ocs::directionInPlane(m_endAngle, m_extrusion.normal()));
     m_center.transformBy(xform);
-    m_normal = xform.apply(m_normal).normal();
+    m_extrusion.setNormal(normal);
     m_radius *= scale;
     // A reflection turns the sweep clockwise about the new normal: the ends change places.
     if (xform.det() < 0) std::swap(startDir, endDir);
-    m_startAngle = tavrik::ocs::angleInPlane(startDir, m_normal);
-    m_endAngle = tavrik::ocs::angleInPlane(endDir, m_normal);
+    m_startAngle = tavrik::ocs::angleInPlane(startDir, normal);
+    m_endAngle = tavrik::ocs::angleInPlane(endDir, normal);
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbArc::getStretchPoints(AcGePoint3dArray& points) const {
-    points.append(m_center + tavrik::ocs::directionInPlane(m_startAngle, m_normal) * m_radius);
-    points.append(m_center + tavrik::ocs::directionInPlane(m_endAngle, m_normal) * m_radius);
+    const AcGeVector3d normal = m_extrusion.normal();
+    points.append(m_center + tavrik::ocs::directionInPlane(m_startAngle, normal) * m_radius);
+    points.append(m_center + tavrik::ocs::directionInPlane(m_endAngle, normal) * m_radius);
     return Acad::eOk;
 }

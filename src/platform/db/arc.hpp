@@ -1,5 +1,6 @@
 #pragma once
 #include "platform/db/curve.hpp"
+#include "platform/db/extrusion.hpp"
 
 // A circular arc, counter-clockwise about its normal from the start angle to the end angle.
 // Angles are in radians, measured in the plane of the normal from its arbitrary-axis x
@@ -12,8 +13,9 @@ public:
         : m_center(center), m_radius(radius), m_startAngle(startAngle), m_endAngle(endAngle) {}
     AcDbArc(const AcGePoint3d& center, const AcGeVector3d& normal, double radius,
             double startAngle, double endAngle)
-        : m_center(center), m_normal(normal.normal()), m_radius(radius),
-          m_startAngle(startAngle), m_endAngle(endAngle) {}
+        : m_center(center), m_radius(radius), m_startAngle(startAngle), m_endAngle(endAngle) {
+        m_extrusion.setNormal(normal.normal());
+    }
 
     AcGePoint3d center() const { return m_center; }
     Acad::ErrorStatus setCenter(const AcGePoint3d& p) { m_center = p; return Acad::eOk; }
@@ -23,10 +25,10 @@ public:
     Acad::ErrorStatus setStartAngle(double a) { m_startAngle = a; return Acad::eOk; }
     double endAngle() const { return m_endAngle; }
     Acad::ErrorStatus setEndAngle(double a) { m_endAngle = a; return Acad::eOk; }
-    AcGeVector3d normal() const { return m_normal; }
+    AcGeVector3d normal() const { return m_extrusion.normal(); }
     Acad::ErrorStatus setNormal(const AcGeVector3d& n);
-    double thickness() const { return m_thickness; }
-    Acad::ErrorStatus setThickness(double t) { m_thickness = t; return Acad::eOk; }
+    double thickness() const { return m_extrusion.thickness(); }
+    Acad::ErrorStatus setThickness(double t) { m_extrusion.setThickness(t); return Acad::eOk; }
     // Sweep from start to end angle, in (0, 2pi].
     double totalAngle() const;
 
@@ -51,9 +53,8 @@ public:
 
 private:
     AcGePoint3d m_center;
-    AcGeVector3d m_normal = AcGeVector3d::kZAxis;
     double m_radius = 0.0;
     double m_startAngle = 0.0;
     double m_endAngle = 0.0;
-    double m_thickness = 0.0;
+    AcDbExtrusion m_extrusion;  // thickness and normal
 };

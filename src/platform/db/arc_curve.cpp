@@ -77,14 +77,14 @@ Acad::ErrorStatus AcDbArc::getDistAtParam(double param, double& dist) const {
 Acad::ErrorStatus AcDbArc::getFirstDeriv(double param, AcGeVector3d& deriv) const {
     std::optional<double> t = paramOnArc(*this, param);
     if (!t) return Acad::eInvalidInput;
-    deriv = tavrik::ocs::directionInPlane(*t + 0.5 * M_PI, m_normal) * m_radius;
+    deriv = tavrik::ocs::directionInPlane(*t + 0.5 * M_PI, m_extrusion.normal()) * m_radius;
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbArc::getClosestPointTo(const AcGePoint3d& given, AcGePoint3d& closest,
                                              bool extend) const {
     if (extend) {
-        closest = pointAt(*this, tavrik::ocs::angleInPlane(given - m_center, m_normal));
+        closest = pointAt(*this, tavrik::ocs::angleInPlane(given - m_center, m_extrusion.normal()));
         return Acad::eOk;
     }
     std::optional<double> t = sweptParam(*this, given);
@@ -95,9 +95,9 @@ Acad::ErrorStatus AcDbArc::getClosestPointTo(const AcGePoint3d& given, AcGePoint
 Acad::ErrorStatus AcDbArc::getOffsetCurves(double distance, AcDbVoidPtrArray& curves) const {
     const double radius = m_radius + distance;
     if (radius <= tavrik::platform_tol::kZeroLength) return Acad::eInvalidOffset;
-    auto* arc = new AcDbArc(m_center, m_normal, radius, m_startAngle, m_endAngle);
+    auto* arc = new AcDbArc(m_center, m_extrusion.normal(), radius, m_startAngle, m_endAngle);
     arc->setPropertiesFrom(this);
-    arc->setThickness(m_thickness);
+    arc->setThickness(m_extrusion.thickness());
     curves.append(arc);
     return Acad::eOk;
 }

@@ -1,5 +1,6 @@
 #pragma once
 #include "platform/db/curve.hpp"
+#include "platform/db/extrusion.hpp"
 
 // A full circle in the plane of its normal.
 class AcDbCircle : public AcDbCurve {
@@ -7,16 +8,18 @@ public:
     ACRX_DECLARE_MEMBERS(AcDbCircle)
     AcDbCircle() = default;
     AcDbCircle(const AcGePoint3d& center, const AcGeVector3d& normal, double radius)
-        : m_center(center), m_normal(normal.normal()), m_radius(radius) {}
+        : m_center(center), m_radius(radius) {
+        m_extrusion.setNormal(normal.normal());
+    }
 
     AcGePoint3d center() const { return m_center; }
     Acad::ErrorStatus setCenter(const AcGePoint3d& p) { m_center = p; return Acad::eOk; }
     double radius() const { return m_radius; }
     Acad::ErrorStatus setRadius(double r);
-    AcGeVector3d normal() const { return m_normal; }
+    AcGeVector3d normal() const { return m_extrusion.normal(); }
     Acad::ErrorStatus setNormal(const AcGeVector3d& n);
-    double thickness() const { return m_thickness; }
-    Acad::ErrorStatus setThickness(double t) { m_thickness = t; return Acad::eOk; }
+    double thickness() const { return m_extrusion.thickness(); }
+    Acad::ErrorStatus setThickness(double t) { m_extrusion.setThickness(t); return Acad::eOk; }
     double diameter() const { return 2.0 * m_radius; }
     double circumference() const;
 
@@ -40,7 +43,6 @@ public:
 
 private:
     AcGePoint3d m_center;
-    AcGeVector3d m_normal = AcGeVector3d::kZAxis;
     double m_radius = 0.0;
-    double m_thickness = 0.0;
+    AcDbExtrusion m_extrusion;  // thickness and normal
 };

@@ -66,7 +66,7 @@ Acad::ErrorStatus AcDbCircle::getDistAtParam(double param, double& dist) const {
 Acad::ErrorStatus AcDbCircle::getFirstDeriv(double param, AcGeVector3d& deriv) const {
     std::optional<double> t = paramOnCircle(param);
     if (!t) return Acad::eInvalidInput;
-    deriv = tavrik::ocs::directionInPlane(*t + 0.5 * M_PI, m_normal) * m_radius;
+    deriv = tavrik::ocs::directionInPlane(*t + 0.5 * M_PI, m_extrusion.normal()) * m_radius;
     return Acad::eOk;
 }
 
@@ -79,9 +79,9 @@ Acad::ErrorStatus AcDbCircle::getClosestPointTo(const AcGePoint3d& given, AcGePo
 Acad::ErrorStatus AcDbCircle::getOffsetCurves(double distance, AcDbVoidPtrArray& curves) const {
     const double radius = m_radius + distance;
     if (radius <= tavrik::platform_tol::kZeroLength) return Acad::eInvalidOffset;
-    auto* circle = new AcDbCircle(m_center, m_normal, radius);
+    auto* circle = new AcDbCircle(m_center, m_extrusion.normal(), radius);
     circle->setPropertiesFrom(this);
-    circle->setThickness(m_thickness);
+    circle->setThickness(m_extrusion.thickness());
     curves.append(circle);
     return Acad::eOk;
 }

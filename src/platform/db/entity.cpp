@@ -102,7 +102,7 @@ Acad::ErrorStatus AcDbEntity::setLineWeight(AcDb::LineWeight weight, bool) {
 }
 
 Acad::ErrorStatus AcDbEntity::setVisibility(AcDb::Visibility v, bool) {
-    m_visibility = v;
+    m_invisible = v == AcDb::kInvisible;
     return Acad::eOk;
 }
 
@@ -124,7 +124,7 @@ void AcDbEntity::setPropertiesFrom(const AcDbEntity* other, bool) {
     m_color = other->m_color;
     m_linetypeScale = other->m_linetypeScale;
     m_lineWeight = other->m_lineWeight;
-    m_visibility = other->m_visibility;
+    m_invisible = other->m_invisible;
     m_plotStyleName = other->m_plotStyleName;
 }
 

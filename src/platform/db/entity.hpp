@@ -33,7 +33,7 @@ public:
     Acad::ErrorStatus setColorIndex(std::uint16_t index, bool doSubents = true);
     AcDb::LineWeight lineWeight() const { return m_lineWeight; }
     Acad::ErrorStatus setLineWeight(AcDb::LineWeight weight, bool doSubents = true);
-    AcDb::Visibility visibility() const { return m_visibility; }
+    AcDb::Visibility visibility() const { return m_invisible ? AcDb::kInvisible : AcDb::kVisible; }
     Acad::ErrorStatus setVisibility(AcDb::Visibility v, bool doSubents = true);
     // Unchecked setters for readers of drawing files, which may name a layer or linetype
     // before (or without) its table record.
@@ -75,14 +75,15 @@ protected:
     AcDbEntity(const AcDbEntity&) = default;
 
 private:
+    // The two flags first, where they fill the object's last bytes before the pointers.
+    bool m_invisible = false;
+    bool m_paperSpace = false;
     AcDbSharedName m_layer{L"0"};
     AcDbSharedName m_linetype{L"BYLAYER"};
     AcDbSharedName m_plotStyleName;
     AcCmColor m_color;
     double m_linetypeScale = 1.0;
     AcDb::LineWeight m_lineWeight = AcDb::kLnWtByLayer;
-    AcDb::Visibility m_visibility = AcDb::kVisible;
-    bool m_paperSpace = false;
 };
 
 // Opens an entity by id; an object that is not an entity gives eNotAnEntity.

@@ -12,7 +12,7 @@ Acad::ErrorStatus AcDbLine::getGeomExtents(AcDbExtents& extents) const {
 Acad::ErrorStatus AcDbLine::transformBy(const AcGeMatrix3d& xform) {
     m_start.transformBy(xform);
     m_end.transformBy(xform);
-    m_normal = xform.apply(m_normal).normal();
+    m_extrusion.setNormal(xform.apply(m_extrusion.normal()).normal());
     return Acad::eOk;
 }
 

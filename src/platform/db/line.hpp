@@ -1,5 +1,6 @@
 #pragma once
 #include "platform/db/curve.hpp"
+#include "platform/db/extrusion.hpp"
 
 class AcDbLine : public AcDbCurve {
 public:
@@ -11,10 +12,10 @@ public:
     Acad::ErrorStatus setStartPoint(const AcGePoint3d& p) { m_start = p; return Acad::eOk; }
     AcGePoint3d endPoint() const { return m_end; }
     Acad::ErrorStatus setEndPoint(const AcGePoint3d& p) { m_end = p; return Acad::eOk; }
-    double thickness() const { return m_thickness; }
-    Acad::ErrorStatus setThickness(double t) { m_thickness = t; return Acad::eOk; }
-    AcGeVector3d normal() const { return m_normal; }
-    Acad::ErrorStatus setNormal(const AcGeVector3d& n) { m_normal = n; return Acad::eOk; }
+    double thickness() const { return m_extrusion.thickness(); }
+    Acad::ErrorStatus setThickness(double t) { m_extrusion.setThickness(t); return Acad::eOk; }
+    AcGeVector3d normal() const { return m_extrusion.normal(); }
+    Acad::ErrorStatus setNormal(const AcGeVector3d& n) { m_extrusion.setNormal(n); return Acad::eOk; }
 
     // Curve operations, with the parameter as the class comment defines it.
     Acad::ErrorStatus getStartParam(double& param) const override;
@@ -38,6 +39,5 @@ public:
 private:
     AcGePoint3d m_start;
     AcGePoint3d m_end;
-    double m_thickness = 0.0;
-    AcGeVector3d m_normal = AcGeVector3d::kZAxis;
+    AcDbExtrusion m_extrusion;  // thickness and normal
 };

@@ -79,13 +79,13 @@ Acad::ErrorStatus AcDbLine::getClosestPointTo(const AcGePoint3d& given, AcGePoin
 }
 
 Acad::ErrorStatus AcDbLine::getOffsetCurves(double distance, AcDbVoidPtrArray& curves) const {
-    AcGeVector3d side = (m_end - m_start).crossProduct(m_normal);
+    AcGeVector3d side = (m_end - m_start).crossProduct(m_extrusion.normal());
     if (side.length() <= tavrik::platform_tol::kZeroLength) return Acad::eDegenerateGeometry;
     AcGeVector3d shift = side.normal() * distance;
     auto* line = new AcDbLine(m_start + shift, m_end + shift);
     line->setPropertiesFrom(this);
-    line->setNormal(m_normal);
-    line->setThickness(m_thickness);
+    line->setNormal(m_extrusion.normal());
+    line->setThickness(m_extrusion.thickness());
     curves.append(line);
     return Acad::eOk;
 }

@@ -10,7 +10,7 @@ Acad::ErrorStatus AcDbPoint::getGeomExtents(AcDbExtents& extents) const {
 
 Acad::ErrorStatus AcDbPoint::transformBy(const AcGeMatrix3d& xform) {
     m_position.transformBy(xform);
-    m_normal = xform.apply(m_normal).normal();
+    m_extrusion.setNormal(xform.apply(m_extrusion.normal()).normal());
     return Acad::eOk;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 #include "platform/db/entity.hpp"
+#include "platform/db/extrusion.hpp"
 
 class AcDbPoint : public AcDbEntity {
 public:
@@ -9,10 +10,10 @@ public:
 
     AcGePoint3d position() const { return m_position; }
     Acad::ErrorStatus setPosition(const AcGePoint3d& p) { m_position = p; return Acad::eOk; }
-    AcGeVector3d normal() const { return m_normal; }
-    Acad::ErrorStatus setNormal(const AcGeVector3d& n) { m_normal = n; return Acad::eOk; }
-    double thickness() const { return m_thickness; }
-    Acad::ErrorStatus setThickness(double t) { m_thickness = t; return Acad::eOk; }
+    AcGeVector3d normal() const { return m_extrusion.normal(); }
+    Acad::ErrorStatus setNormal(const AcGeVector3d& n) { m_extrusion.setNormal(n); return Acad::eOk; }
+    double thickness() const { return m_extrusion.thickness(); }
+    Acad::ErrorStatus setThickness(double t) { m_extrusion.setThickness(t); return Acad::eOk; }
     // Angle of the x axis used when the point is drawn as a symbol.
     double ecsRotation() const { return m_rotation; }
     Acad::ErrorStatus setEcsRotation(double a) { m_rotation = a; return Acad::eOk; }
@@ -23,7 +24,6 @@ public:
 
 private:
     AcGePoint3d m_position;
-    AcGeVector3d m_normal = AcGeVector3d::kZAxis;
-    double m_thickness = 0.0;
+    AcDbExtrusion m_extrusion;  // thickness and normal
     double m_rotation = 0.0;
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <future>
+#include <limits>
 #include <map>
 #include <memory>
 #include <thread>
@@ -39,19 +40,24 @@ namespace {
 
 // One object of the map. Entities of the decoded kinds are decoded when written, so that a
 // large drawing is never held decoded whole; the other objects (tables, blocks, dictionaries,
-// kinds kept whole) are few and stay decoded.
+// kinds kept whole) are few and stay decoded. 32 bytes an object: object types are 16-bit, and
+// object data of 4 GB and more is refused.
 struct Item {
     std::uint64_t handle = 0;
-    std::int64_t offset = 0;  // where the object starts in the object data
-    std::int32_t type = 0;
-    bool entity = false;
-    bool written = false;  // an entity decoded when written, once it has been
     std::uint64_t owner = 0;  // of an entity: the block record, or the entity it belongs to
     std::unique_ptr<DecodedObject> decoded;  // null for entities decoded when written
+    std::uint32_t offset = 0;  // where the object starts in the object data
+    std::uint16_t type = 0;
+    bool entity = false;
+    bool written = false;  // an entity decoded when written, once it has been
 };
 
-// Entities a helper thread writes at a time when a block has many (see writeEntitiesAlongside).
-constexpr std::size_t kEntityBatch = 2048;
+// The items of a drawing are counted in 32 bits.
+using ItemIndex = std::uint32_t;
+
+// Entities a helper thread writes at a time when a block has many (see writeEntitiesAlongside):
+// two batches are held at once, one written and one handed on, each some 600 bytes an entity.
+constexpr std::size_t kEntityBatch = 512;
 
 bool IsControl(std::int32_t type) { return type >= 48 && type <= 70 && type % 2 == 0; }
 bool IsTableRecord(std::int32_t type) { return type >= 49 && type <= 71 && type % 2 == 1; }
@@ -65,7 +71,7 @@ struct Drawing {
     // The items in the order of their handles, the last of two with one handle first: 4 bytes an
     // object where a hash map of the handles took some 40.
     std::vector<std::uint32_t> byHandle;
-    std::unordered_map<std::uint64_t, std::vector<std::size_t>> owned;  // entities by owner
+    std::unordered_map<std::uint64_t, std::vector<ItemIndex>> owned;  // entities by owner
     NameIndex names;
     DxfText out;
     MapError failure;  // the first entity that did not decode when written
@@ -110,9 +116,9 @@ struct Drawing {
     void writeTable(const char* name, std::int32_t recordType, std::uint64_t control);
     void writeBlocks();
     void writeEntities(std::uint64_t owner);
-    void sortByRank(std::vector<std::size_t>& entities, const BlockHeaderRecord& block) const;
-    void writeEntity(DxfText& to, std::size_t index, std::uint64_t owner);
-    void writeEntitiesAlongside(const std::vector<std::size_t>& entities, std::uint64_t owner);
+    void sortByRank(std::vector<ItemIndex>& entities, const BlockHeaderRecord& block) const;
+    void writeEntity(DxfText& to, ItemIndex index, std::uint64_t owner);
+    void writeEntitiesAlongside(const std::vector<ItemIndex>& entities, std::uint64_t owner);
     void writeObjects();
     void takeKept(std::vector<KeptData>& kept);
 };
@@ -149,8 +155,12 @@ bool Drawing::decodeOne(const ObjectLocation& loc, MapError& error) {
     }
     Item item;
     item.handle = loc.handle;
-    item.offset = loc.offset;
-    item.type = o.type;
+    if (loc.offset > std::numeric_limits<std::uint32_t>::max()) {
+        error = {static_cast<std::size_t>(loc.offset), "object data of 4 GB and more is not read"};
+        return false;
+    }
+    item.offset = static_cast<std::uint32_t>(loc.offset);
+    item.type = static_cast<std::uint16_t>(o.type);
     if (DecodesToEntityRecord(item.type)) {
         // Decoded whole when written: here only the common data that names the owner.
         EntityCommon common;
@@ -252,7 +262,9 @@ void Drawing::index() {
         } else if (const auto* dictionary = decoded ? std::get_if<DictionaryRecord>(decoded) : nullptr) {
             for (const auto& [name, entry] : dictionary->entries) names.entries.emplace(entry, name);
         }
-        if (item.entity && item.type != kBlock && item.type != kEndblk) owned[item.owner].push_back(i);
+        if (item.entity && item.type != kBlock && item.type != kEndblk) {
+            owned[item.owner].push_back(static_cast<ItemIndex>(i));
+        }
     }
 }
 
@@ -404,7 +416,7 @@ void Drawing::writeTables() {
     out.tag(0, "ENDSEC");
 }
 
-void Drawing::writeEntity(DxfText& to, std::size_t index, std::uint64_t owner) {
+void Drawing::writeEntity(DxfText& to, ItemIndex index, std::uint64_t owner) {
     Item& item = items[index];
     item.written = true;
     DecodedObject again;
@@ -416,19 +428,19 @@ void Drawing::writeEntity(DxfText& to, std::size_t index, std::uint64_t owner) {
     // Attributes and vertices follow their owner, and the SEQEND closes them.
     const auto it = owned.find(item.handle);
     if (it == owned.end()) return;
-    std::vector<std::size_t> children = it->second;
+    std::vector<ItemIndex> children = it->second;
     std::stable_partition(children.begin(), children.end(),
-                          [&](std::size_t i) { return items[i].type != kSeqend; });
-    for (std::size_t i : children) writeEntity(to, i, item.handle);
+                          [&](ItemIndex i) { return items[i].type != kSeqend; });
+    for (ItemIndex i : children) writeEntity(to, i, item.handle);
 }
 
 // Entities in the order of the block record's list, those it does not list after them.
-void Drawing::sortByRank(std::vector<std::size_t>& entities, const BlockHeaderRecord& block) const {
+void Drawing::sortByRank(std::vector<ItemIndex>& entities, const BlockHeaderRecord& block) const {
     std::unordered_map<std::uint64_t, std::size_t> rank;
     for (std::size_t k = 0; k < block.entities.size(); ++k) rank.emplace(block.entities[k], k);
-    std::vector<std::pair<std::size_t, std::size_t>> ranked;  // rank, item
+    std::vector<std::pair<std::size_t, ItemIndex>> ranked;  // rank, item
     ranked.reserve(entities.size());
-    for (std::size_t i : entities) {
+    for (ItemIndex i : entities) {
         const auto r = rank.find(items[i].handle);
         ranked.emplace_back(r == rank.end() ? block.entities.size() : r->second, i);
     }
@@ -442,7 +454,7 @@ void Drawing::sortByRank(std::vector<std::size_t>& entities, const BlockHeaderRe
 void Drawing::writeEntities(std::uint64_t owner) {
     const auto it = owned.find(owner);
     if (it == owned.end()) return;
-    std::vector<std::size_t> entities = it->second;
+    std::vector<ItemIndex> entities = it->second;
     const Item* record = find(owner);
     const auto* block = record ? std::get_if<BlockHeaderRecord>(record->decoded.get()) : nullptr;
     if (block != nullptr && !block->entities.empty()) sortByRank(entities, *block);
@@ -450,14 +462,14 @@ void Drawing::writeEntities(std::uint64_t owner) {
         writeEntitiesAlongside(entities, owner);
         return;
     }
-    for (std::size_t i : entities) writeEntity(out, i, owner);
+    for (ItemIndex i : entities) writeEntity(out, i, owner);
 }
 
 // The entities decoded and written as records a batch at a time on a helper thread, while this
 // one hands the batch before to the feed that builds the database: the feed takes the same
 // records in the same order as from writeEntity alone. Only the helper touches the items while
 // it runs.
-void Drawing::writeEntitiesAlongside(const std::vector<std::size_t>& entities, std::uint64_t owner) {
+void Drawing::writeEntitiesAlongside(const std::vector<ItemIndex>& entities, std::uint64_t owner) {
     auto batchFrom = [&](std::size_t first) {
         DxfText batch = DxfText::Kept();
         const std::size_t last = std::min(entities.size(), first + kEntityBatch);

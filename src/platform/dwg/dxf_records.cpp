@@ -10,15 +10,15 @@
 
 namespace dwg {
 
-void DxfText::tag(int code, std::string_view text) { put(code, text, dxf::Made::kText, false); }
+void DxfText::tag(int code, std::string_view text) { put(code, text, {}, false); }
 
-void DxfText::put(int code, std::string_view text, dxf::Made made, bool plain) {
+void DxfText::put(int code, std::string_view text, const Number& number, bool plain) {
     if (feed_ != nullptr || keep_) {
         if (code == 0) flush();
         const std::size_t begin = out_.size();
         if (plain) out_.append(text);
         else value(text);
-        spans_.push_back({code, begin, out_.size(), made});
+        spans_.push_back({code, begin, out_.size(), number});
         return;
     }
     char buffer[12];
@@ -46,38 +46,55 @@ void DxfText::value(std::string_view value) {
 
 void DxfText::flush() {
     if (feed_ == nullptr || spans_.empty()) return;
-    tags_.clear();
-    const std::string_view values = out_;
-    for (const Span& s : spans_) {
-        tags_.push_back({s.code, values.substr(s.begin, s.end - s.begin), 0, s.made});
-    }
-    feed_->record(tags_);
+    feed(out_, spans_);
     spans_.clear();
     out_.clear();
 }
 
+void DxfText::feed(std::string_view values, std::span<const Span> record) {
+    tags_.clear();
+    for (const Span& s : record) {
+        tags_.push_back({s.code, values.substr(s.begin, s.end - s.begin), 0, s.number.made, s.number.real});
+    }
+    feed_->record(tags_);
+}
+
 void DxfText::handTo(DxfText& to) {
     const std::string_view values = out_;
-    for (const Span& s : spans_) to.put(s.code, values.substr(s.begin, s.end - s.begin), s.made, true);
+    auto put = [&](const Span& s) { to.put(s.code, values.substr(s.begin, s.end - s.begin), s.number, true); };
+    std::size_t i = 0;
+    if (to.feeds()) {
+        // The tags before the first 0 tag end the record being written there; the whole records
+        // after them go to the feed from here, without being copied. The last one stays open
+        // there, as if written there.
+        std::size_t last = spans_.size();
+        while (last > 0 && spans_[last - 1].code != 0) --last;
+        for (; i < spans_.size() && spans_[i].code != 0; ++i) put(spans_[i]);
+        if (i < spans_.size()) to.flush();
+        while (i + 1 < last) {
+            const std::size_t begin = i;
+            for (++i; i + 1 < last && spans_[i].code != 0; ++i) {}
+            to.feed(values, std::span<const Span>(spans_).subspan(begin, i - begin));
+        }
+    }
+    for (; i < spans_.size(); ++i) put(spans_[i]);
     spans_.clear();
     out_.clear();
 }
 
 void DxfText::tag(int code, double value) {
-    char buffer[40];
-    auto end = std::to_chars(buffer, buffer + 32, value).ptr;
-    // A whole number keeps a decimal point, as every DXF writer gives it.
-    if (std::string_view(buffer, end).find_first_of(".eEn") == std::string_view::npos) {
-        *end++ = '.';
-        *end++ = '0';
-    }
-    put(code, std::string_view(buffer, end), dxf::Made::kReal, true);
+    // The writer's form, so that a value the database still holds compares by its number; a
+    // negative zero keeps its sign, which the writer's form drops.
+    numberText_.clear();
+    if (value == 0 && std::signbit(value)) numberText_ = "-0.0";
+    else dxf::FormatDouble(value, numberText_);
+    put(code, numberText_, {dxf::Made::kReal, value}, true);
 }
 
 void DxfText::integer(int code, long long value) {
     char buffer[24];
     put(code, std::string_view(buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr),
-        dxf::Made::kInteger, true);
+        {dxf::Made::kInteger, 0.0}, true);
 }
 
 void DxfText::handle(int code, std::uint64_t value) {
@@ -86,7 +103,7 @@ void DxfText::handle(int code, std::uint64_t value) {
     for (char* c = buffer; c != end; ++c)
         if (*c >= 'a') *c = static_cast<char>(*c - 'a' + 'A');  // hexadecimal digits a to f
     // A handle is hexadecimal: checked as any text is.
-    put(code, std::string_view(buffer, end), dxf::Made::kText, true);
+    put(code, std::string_view(buffer, end), {dxf::Made::kHandle, 0.0}, true);
 }
 
 void DxfText::point(int code, const Point3& p) {
@@ -101,9 +118,9 @@ void DxfText::point(int code, const Point2& p) {
 }
 
 void DxfText::angle(int code, double radians) {
-    angleText_.clear();
-    dxf::FormatAngle(radians, angleText_);
-    put(code, angleText_, dxf::Made::kReal, true);
+    numberText_.clear();
+    dxf::FormatAngle(radians, numberText_);
+    put(code, numberText_, {dxf::Made::kAngle, radians}, true);
 }
 
 const std::string& NameIndex::name(const std::unordered_map<std::uint64_t, std::string>& table,
@@ -536,8 +553,9 @@ void Body(DxfText& out, const SplineRecord& r, const NameIndex&) {
     out.integer(74, static_cast<long long>(r.fitPoints.size()));
     out.tag(42, r.knotTolerance);
     out.tag(43, r.controlTolerance);
-    out.tag(44, r.fitTolerance);
+    // The fit tolerance is stored with fit data only; a DXF record has it only then too.
     if (r.scenario == 2) {
+        out.tag(44, r.fitTolerance);
         out.point(12, r.startTangent);
         out.point(13, r.endTangent);
     }

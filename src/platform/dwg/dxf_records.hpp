@@ -3,6 +3,7 @@
 // reader builds the database from them: a drawing read from DWG then holds exactly what the
 // same drawing read from DXF holds (units the DXF way: degrees, names instead of handles).
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -47,21 +48,28 @@ public:
     std::string take() { return std::move(out_); }  // the text, without a copy
 
 private:
-    // The value, and how it was made for the feed. A plain one (a number or handle made here)
-    // has no control characters to write out: it goes in as it is.
-    void put(int code, std::string_view text, dxf::Made made, bool plain);
+    // How a value was made, and from which real, for the feed.
+    struct Number {
+        dxf::Made made = dxf::Made::kText;
+        double real = 0.0;
+    };
+    // The value, and how it was made. A plain one (a number or handle made here) has no control
+    // characters to write out: it goes in as it is.
+    void put(int code, std::string_view text, const Number& number, bool plain);
     void value(std::string_view value);
     struct Span {
         int code;
         std::size_t begin, end;  // of the value in out_
-        dxf::Made made;
+        Number number;
     };
+    // Hands one whole record, its values in `values`, to the feed.
+    void feed(std::string_view values, std::span<const Span> record);
     std::string out_;  // the text, or the values of the record being written
     dxf::RecordFeed* feed_ = nullptr;
     bool keep_ = false;
     std::vector<Span> spans_;
     std::vector<dxf::Tag> tags_;
-    std::string angleText_;  // an angle being written
+    std::string numberText_;  // a real or an angle being written
 };
 
 // What the records need to turn handles into the names DXF uses.

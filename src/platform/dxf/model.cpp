@@ -44,14 +44,23 @@ std::string Utf8(std::wstring_view text) {
 }
 
 void Utf8Into(std::wstring_view text, std::string& out) {
-    out.reserve(out.size() + text.size());
-    for (wchar_t wc : text) AppendUtf8(out, static_cast<unsigned>(wc));
+    // The ASCII characters that most names are made of go in one to one.
+    const size_t start = out.size();
+    out.resize(start + text.size());
+    size_t i = 0;
+    for (; i < text.size() && static_cast<unsigned>(text[i]) < 0x80; ++i)
+        out[start + i] = static_cast<char>(text[i]);
+    out.resize(start + i);
+    for (; i < text.size(); ++i) AppendUtf8(out, static_cast<unsigned>(text[i]));
 }
 
 std::wstring Wide(std::string_view s) {
     std::wstring out;
     out.reserve(s.size());
-    for (size_t i = 0; i < s.size();) {
+    size_t ascii = 0;  // the ASCII characters of the start, one to one
+    while (ascii < s.size() && static_cast<unsigned char>(s[ascii]) < 0x80) ++ascii;
+    out.assign(s.begin(), s.begin() + static_cast<std::ptrdiff_t>(ascii));
+    for (size_t i = ascii; i < s.size();) {
         auto c = static_cast<unsigned char>(s[i]);
         unsigned cp = c;
         size_t n = 1;
@@ -187,9 +196,9 @@ void EntityCommon(const AcDbEntity& e, ModelWriter& w) {
     w.own({67, 8, 6, 62, 420, 430, 370, 48, 60});
     w.optional(!e.inPaperSpace()).integer(67, e.inPaperSpace() ? 1 : 0);
     w.wide(8, e.layer());
-    std::wstring lt = e.linetype();
+    const std::wstring& lt = e.linetype();
     w.optional(lt.empty() || IsByLayer(lt)).wide(6, lt);
-    AcCmColor c = e.color();
+    const AcCmColor& c = e.color();
     w.optional(!(c.colorIndex() != 256)).integer(62, c.colorIndex());
     w.optional(!(c.hasTrueColor())).integer(420, c.trueColor());
     w.optional(!(!c.colorName().empty())).wide(430, c.colorName());

@@ -1,5 +1,8 @@
 #include "platform/dxf/modelled_record.hpp"
 
+#include <cmath>
+#include <optional>
+
 #include "platform/db/arc.hpp"
 #include "platform/db/block_reference.hpp"
 #include "platform/db/circle.hpp"
@@ -26,46 +29,94 @@ bool ModelIgnoresRecord(const AcDbObject& o) {
            AcDbEllipse::cast(&o) || AcDbBlockReference::cast(&o);
 }
 
+// Whether the writer's text for the field keeps a template's value that a decoder made from a
+// number (the text the new record has, or a value the writer replaces by it), told from the
+// numbers alone; unknown (empty) where only the texts tell.
+std::optional<bool> MadeValueKept(const Field& f, const Tag& made) {
+    const ValueKind kind = KindOfCode(f.code);
+    if (f.kind == Field::Kind::kInteger && made.made == Made::kInteger && IsIntegerKind(kind)) {
+        // Both texts are the integers' plain digits: the same integer, the same text.
+        return true;
+    }
+    if (f.kind == Field::Kind::kHandle && made.made == Made::kHandle &&
+        (kind == ValueKind::kHandle || kind == ValueKind::kString)) {
+        // Both texts are the handles' upper-case digits, which read as the same handle only
+        // when they are the same text.
+        return true;
+    }
+    if (kind != ValueKind::kDouble) return {};
+    if (f.kind == Field::Kind::kReal && made.made == Made::kReal) {
+        // Both texts are FormatDouble's but for the decoder's negative zero, which reads as the
+        // same value as the writer's "0.0" without being its text.
+        if (made.real != f.real) return true;
+        return !(made.real == 0.0 && std::signbit(made.real));
+    }
+    if (f.kind == Field::Kind::kAngle && made.made == Made::kAngle && made.real == f.real &&
+        made.real != 0.0) {
+        return true;  // the same radians, the same FormatAngle text
+    }
+    return {};
+}
+
 // Takes the tags of a new record and tells whether the writer gives the same with the record as
 // read for its template: the same tags in the same order and no more, each of the template's
 // values either the text the new record has or one the writer replaces by that text (a value
 // the database holds otherwise, as an angle turned to radians and back).
 class RecordMatch {
 public:
-    explicit RecordMatch(const AcDbRawTags& asRead) : m_at(asRead.begin()), m_end(asRead.end()) {}
+    RecordMatch(const AcDbRawTags& asRead, std::span<const Tag> made)
+        : m_at(asRead.begin()), m_end(asRead.end()), m_made(made) {}
     void tag(int code, std::string_view value) {
         if (!m_same) return;
         m_same = m_at != m_end && m_at->code == code && m_at->value == value;
-        if (m_same) ++m_at;
+        step();
     }
     void field(const Field& f) {
         if (!m_same) return;
+        m_same = m_at != m_end && m_at->code == f.code && kept(f);
+        step();
+    }
+    bool whole() const { return m_same && m_at == m_end; }
+
+private:
+    void step() {
+        if (!m_same) return;
+        ++m_at;
+        ++m_index;
+    }
+    bool kept(const Field& f) {
+        if (const Tag* made = madeTag())
+            if (std::optional<bool> k = MadeValueKept(f, *made)) return *k;
         std::string_view text = f.text;
         if (f.kind != Field::Kind::kText) {
             m_text.clear();
             AppendField(f, m_text);
             text = m_text;
         }
-        m_same = m_at != m_end && m_at->code == f.code && (m_at->value == text || !SameValue(f, m_at->value));
-        if (m_same) ++m_at;
+        return m_at->value == text || !SameValue(f, m_at->value);
     }
-    bool whole() const { return m_same && m_at == m_end; }
-
-private:
+    // The decoder's tag of the template's current one, when it is in step with the template.
+    const Tag* madeTag() const {
+        if (m_index >= m_made.size()) return nullptr;
+        const Tag& t = m_made[m_index];
+        return t.code == m_at->code && t.value == m_at->value ? &t : nullptr;
+    }
     AcDbRawTags::const_iterator m_at, m_end;
+    std::span<const Tag> m_made;
+    size_t m_index = 0;
     bool m_same = true;
     std::string m_text;
 };
 
 }  // namespace
 
-bool DropModelledRecord(AcDbObject& object, Model& model, AcDbRawTags& dropped) {
+bool DropModelledRecord(AcDbObject& object, Model& model, AcDbRawTags& dropped, std::span<const Tag> made) {
     if (object.fileTags().empty() || !ModelIgnoresRecord(object)) return false;
     // The model as the writer builds it once the record is gone.
     AcDbRawTags asRead = std::move(object.fileTags());
     object.fileTags().clear();
     BuildModel(object, false, model);
-    RecordMatch match(asRead);
+    RecordMatch match(asRead, made);
     NewRecord(object, model, false, match);
     if (match.whole()) {
         dropped = std::move(asRead);

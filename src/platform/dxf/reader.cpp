@@ -137,7 +137,7 @@ private:
     AcDbHandle provisionalHandle();
     void readHead(AcDbObject& o);
     void readEntity(AcDbEntity& e);
-    void keepRecord(AcDbEntity& e);
+    void keepRecord(AcDbEntity& e, std::span<const Tag> record);
     AcDbSymbolTable* tableFor(const std::string& name);
     AcDbBlockTableRecord* blockRecordNamed(const std::wstring& name);
     void attachEntity(AcDbEntity* e, AcDbObjectId id);
@@ -456,13 +456,13 @@ void Builder::readEntityRecord(std::span<const Tag> record) {
             m_openPolyline = e;
         }
     }
-    keepRecord(*e);
+    keepRecord(*e, record);
 }
 
 // An entity read from the packing buffer keeps its record in a buffer of its own size, unless
 // it needs none; the packing buffer goes back to packing.
-void Builder::keepRecord(AcDbEntity& e) {
-    if (m_dropModelled && DropModelledRecord(e, m_model, m_packed)) {
+void Builder::keepRecord(AcDbEntity& e, std::span<const Tag> record) {
+    if (m_dropModelled && DropModelledRecord(e, m_model, m_packed, record)) {
         e.releaseEmptyParts();
         return;
     }

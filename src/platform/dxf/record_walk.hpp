@@ -49,7 +49,7 @@ inline ReadError CheckTag(const Tag& tag) {
 // True for a value a decoder wrote from a number of a kind the group code takes (an integer
 // where an integer or a real goes, a real where a real goes): CheckTag passes it as it is.
 inline bool MadeNumberFits(const Tag& tag) {
-    if (tag.made == Made::kText) return false;
+    if (tag.made == Made::kText || tag.made == Made::kHandle) return false;
     const ValueKind kind = KindOfCode(tag.code);
     return kind == ValueKind::kDouble || (tag.made == Made::kInteger && IsIntegerKind(kind));
 }

@@ -9,7 +9,7 @@ namespace dxf {
 
 namespace {
 
-ValueKind KindByRange(int code) {
+constexpr ValueKind KindByRange(int code) {
     if (code < 0) return ValueKind::kInvalid;
     if (code <= 9) return ValueKind::kString;
     if (code <= 59) return ValueKind::kDouble;
@@ -47,19 +47,14 @@ ValueKind KindByRange(int code) {
     return ValueKind::kInvalid;
 }
 
-constexpr int kCodeCount = 1072;
-
 }  // namespace
 
-ValueKind KindOfCode(int code) {
-    // Every tag asks this: the ranges above, looked up in a table made once.
-    static const auto kinds = [] {
-        std::array<ValueKind, kCodeCount> table{};
-        for (int c = 0; c < kCodeCount; ++c) table[static_cast<size_t>(c)] = KindByRange(c);
-        return table;
-    }();
-    return code >= 0 && code < kCodeCount ? kinds[static_cast<size_t>(code)] : ValueKind::kInvalid;
-}
+// Filled when the program is loaded, before any code that may read a tag runs.
+constinit const std::array<ValueKind, kGroupCodeCount> kGroupCodeKinds = [] {
+    std::array<ValueKind, kGroupCodeCount> table{};
+    for (int c = 0; c < kGroupCodeCount; ++c) table[static_cast<size_t>(c)] = KindByRange(c);
+    return table;
+}();
 
 bool TagCursor::readLine(std::string_view& line) {
     if (m_pos >= m_text.size()) return false;
@@ -133,8 +128,44 @@ bool IsPlainDecimal(std::string_view text) {
     return digits > 0;
 }
 
+namespace {
+
+// A plain decimal of up to 17 characters whose digits make an integer below 2^53, read exactly:
+// the digits and the power of ten are both exact doubles, and one division rounds correctly, so
+// the value is the general conversion's. The common case, and much cheaper than that conversion.
+bool ParseShortDecimal(std::string_view text, double& value) {
+    static constexpr double kPowers[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,
+                                         1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16};
+    if (text.empty() || text.size() > 17) return false;
+    const char* p = text.data();
+    const char* const end = p + text.size();
+    const bool negative = *p == '-';
+    if (negative) ++p;
+    const char* const first = p;
+    const char* point = nullptr;
+    std::uint64_t digits = 0;
+    for (; p != end; ++p) {
+        const auto d = static_cast<unsigned>(*p - '0');
+        if (d < 10) {
+            digits = digits * 10 + d;
+        } else if (*p == '.' && point == nullptr) {
+            point = p;
+        } else {
+            return false;
+        }
+    }
+    const auto decimals = point == nullptr ? 0 : end - point - 1;
+    if (end - first == (point == nullptr ? 0 : 1) || digits > (std::uint64_t{1} << 53)) return false;
+    const double magnitude = static_cast<double>(digits) / kPowers[decimals];
+    value = negative ? -magnitude : magnitude;
+    return true;
+}
+
+}  // namespace
+
 bool ParseDouble(std::string_view text, double& value) {
     if (!text.empty() && text.front() == '+') text.remove_prefix(1);
+    if (ParseShortDecimal(text, value)) return true;
     auto [ptr, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
     return !text.empty() && ec == std::errc() && ptr == text.data() + text.size();
 }

@@ -1,6 +1,8 @@
 #pragma once
 // The lowest layer of the codec: group-code/value pairs of a drawing file, read in place from
 // the file's bytes without copying.
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -9,8 +11,14 @@ namespace dxf {
 
 enum class ValueKind : std::uint8_t { kString, kDouble, kInt16, kInt32, kInt64, kBool, kHandle,
                                       kBinary, kInvalid };
+// The kinds of the group codes 0 to 1071 (every tag asks: a table made once).
+inline constexpr int kGroupCodeCount = 1072;
+extern const std::array<ValueKind, kGroupCodeCount> kGroupCodeKinds;
 // The kind of value a group code carries, by the format's group code ranges.
-ValueKind KindOfCode(int code);
+inline ValueKind KindOfCode(int code) {
+    return code >= 0 && code < kGroupCodeCount ? kGroupCodeKinds[static_cast<std::size_t>(code)]
+                                               : ValueKind::kInvalid;
+}
 inline bool IsIntegerKind(ValueKind k) {
     return k == ValueKind::kInt16 || k == ValueKind::kInt32 || k == ValueKind::kInt64 ||
            k == ValueKind::kBool;
@@ -19,15 +27,20 @@ inline bool IsIntegerKind(ValueKind k) {
 // The value without the blanks (spaces, tabs) around it, as numbers are read.
 std::string_view TrimBlanks(std::string_view s);
 
-// How a value's text was made: read from a file, or written by a decoder from an integer or a
-// real, which gives it in the plain form that needs no check as a number of those kinds.
-enum class Made : std::uint8_t { kText, kInteger, kReal };
+// How a value's text was made: read from a file, or written by a decoder from an integer, a
+// real (FormatDouble's text, "-0.0" for a negative zero) or an angle in radians (FormatAngle's
+// text), which gives it in the plain form that needs no check as a number of those kinds, or
+// from a handle (upper-case hexadecimal digits, checked as any text is).
+enum class Made : std::uint8_t { kText, kInteger, kReal, kAngle, kHandle };
 
 struct Tag {
     int code = 0;
     std::string_view value;  // as the file has it; trimmed for every kind but strings
     int line = 0;            // line of the group code (ASCII text)
     Made made = Made::kText;
+    // The real the text was made from (kReal; kAngle: the radians), so that it is compared
+    // without reading the text.
+    double real = 0.0;
 };
 
 // Walks the tags of an ASCII drawing file held in memory.

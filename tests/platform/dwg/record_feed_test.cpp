@@ -15,6 +15,7 @@
 #include "platform/db/line.hpp"
 #include "platform/db/text.hpp"
 #include "platform/db/object.hpp"
+#include "platform/db/spline.hpp"
 #include "platform/dwg/container.hpp"
 #include "platform/dwg/corpus_files.hpp"
 #include "platform/dwg/drawing.hpp"
@@ -190,6 +191,43 @@ TEST(DwgRecordFeed, a_drawing_of_many_entities_builds_the_database_its_dxf_text_
     ASSERT_EQ(dwg::WriteDwgBytes(db, 936, file, report), Acad::eOk);
     int dropped = 0;
     EXPECT_TRUE(FeedBuildsWhatTextBuilds(file, "many.dwg", dropped));
+}
+
+// A spline of control points is stored without fit tolerance: its decoded record has none, as
+// its DXF record has none, so the database keeps no record of it; a spline of fit points alone
+// keeps its tolerance.
+TEST(DwgRecordFeed, a_spline_of_control_points_keeps_no_record_and_one_of_fit_points_its_tolerance) {
+    AcDbDatabase db;
+    FillModelSpace(db, 1);
+    AcDbBlockTable* blocks = nullptr;
+    db.getSymbolTable(blocks, AcDb::kForRead);
+    AcDbBlockTableRecord* model = nullptr;
+    blocks->getAt(ACDB_MODEL_SPACE, model, AcDb::kForWrite);
+    blocks->close();
+    auto* byControl = new AcDbSpline();
+    byControl->setNurbsData(3, false, false, false,
+                            {AcGePoint3d(0, 0, 0), AcGePoint3d(1, 2, 0), AcGePoint3d(3, 1, 0), AcGePoint3d(4, 3, 0)},
+                            {0, 0, 0, 0, 1, 1, 1, 1}, {});
+    auto* byFit = new AcDbSpline();
+    byFit->fitPoints() = {AcGePoint3d(0, 0, 0), AcGePoint3d(2, 1, 0), AcGePoint3d(4, 3, 0)};
+    byFit->setFitTolerance(0.25);
+    for (AcDbEntity* spline : {static_cast<AcDbEntity*>(byControl), static_cast<AcDbEntity*>(byFit)}) {
+        AcDbObjectId id;
+        model->appendAcDbEntity(id, spline);
+        spline->close();
+    }
+    model->close();
+    std::vector<std::uint8_t> file = WrittenDwg(db);
+    AcDbDatabase back(false, true);
+    ASSERT_EQ(dwg::ReadDwgBytes(back, std::move(file), "splines.dwg"), Acad::eOk);
+    std::vector<const AcDbSpline*> splines;
+    for (const AcDbStub& stub : back.stubs())
+        if (const auto* s = stub.object ? AcDbSpline::cast(stub.object.get()) : nullptr) splines.push_back(s);
+    ASSERT_EQ(splines.size(), 2u);
+    EXPECT_FALSE(splines[0]->hasFitData());
+    EXPECT_TRUE(splines[0]->fileTags().empty());
+    ASSERT_TRUE(splines[1]->hasFitData());
+    EXPECT_EQ(splines[1]->fitTolerance(), 0.25);
 }
 
 }  // namespace

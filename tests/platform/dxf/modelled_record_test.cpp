@@ -4,14 +4,19 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <functional>
 #include <string>
+#include <vector>
 
 #include "platform/db/arc.hpp"
 #include "platform/db/block_table_record.hpp"
 #include "platform/db/dimension.hpp"
 #include "platform/db/line.hpp"
 #include "platform/db/polyline.hpp"
+#include "platform/dxf/angle_text.hpp"
 #include "platform/dxf/dxf.hpp"
+#include "platform/dxf/tagger.hpp"
 
 namespace {
 
@@ -136,6 +141,81 @@ TEST(ModelledRecord, dimension_keeps_its_record) {
     AcDbRawTags dropped;
     EXPECT_FALSE(dxf::DropModelledRecord(*dim, model, dropped));
     EXPECT_FALSE(dim->fileTags().empty());
+}
+
+// The record's tags as a decoder makes them: numbers carried with the texts they were written as
+// (the codes in `angles` as angles, their radians read back from the degrees).
+std::vector<dxf::Tag> MadeTags(const AcDbRawTags& tags, std::initializer_list<int> angles) {
+    std::vector<dxf::Tag> made;
+    for (const AcDbRawTag& t : tags) {
+        dxf::Tag tag{t.code, t.value};
+        const dxf::ValueKind kind = dxf::KindOfCode(t.code);
+        if (std::find(angles.begin(), angles.end(), t.code) != angles.end()) {
+            tag.made = dxf::Made::kAngle;
+            tag.real = dxf::Radians(t.value);
+        } else if (kind == dxf::ValueKind::kDouble) {
+            tag.made = dxf::Made::kReal;
+            EXPECT_TRUE(dxf::ParseDouble(t.value, tag.real));
+        } else if (dxf::IsIntegerKind(kind)) {
+            tag.made = dxf::Made::kInteger;
+        } else if (t.code == 5 || t.code == 330) {
+            tag.made = dxf::Made::kHandle;
+        }
+        made.push_back(tag);
+    }
+    return made;
+}
+
+struct MadeCase {
+    const char* behaviour;
+    int index;                                        // of the entity in model space
+    std::string from, to;                             // an edit of the written drawing
+    std::function<void(AcDbEntity&)> change;          // of the entity once read
+    bool dropped;
+};
+
+// Values a decoder made from numbers are compared as numbers: the record goes or stays exactly
+// as when its texts are compared.
+TEST(ModelledRecord, numbers_made_by_a_decoder_decide_as_their_texts_do) {
+    const std::string text = WrittenDrawing();
+    const std::string kLineStart = " 10\n1.5\n 20\n2.0\n 30\n0.0\n", kNegativeZero = " 10\n1.5\n 20\n2.0\n 30\n-0.0\n";
+    const MadeCase cases[] = {
+        {"the same line", 0, "", "", nullptr, true},
+        {"a line the database moved", 0, "", "",
+         [](AcDbEntity& e) { AcDbLine::cast(&e)->setStartPoint({7, 8, 0}); }, true},
+        {"a negative zero the writer gives as 0.0", 0, kLineStart, kNegativeZero, nullptr, false},
+        {"a negative zero the database changed", 0, kLineStart, kNegativeZero,
+         [](AcDbEntity& e) { AcDbLine::cast(&e)->setStartPoint({1.5, 2, 3}); }, true},
+        {"a line the database gave another owner", 0, "", "",
+         [](AcDbEntity& e) { e.setOwnerId(e.database()->paperSpaceId()); }, true},
+        {"the same arc", 1, "", "", nullptr, true},
+        {"an arc the database turned", 1, "", "",
+         [](AcDbEntity& e) { AcDbArc::cast(&e)->setStartAngle(1.0); }, true},
+        {"an arc from zero degrees", 1, "", "",
+         [](AcDbEntity& e) { AcDbArc::cast(&e)->setStartAngle(0.0); }, true},
+        {"flag bits the database holds otherwise", 2, "AcDbPolyline\n 90\n3\n 70\n0\n",
+         "AcDbPolyline\n 90\n3\n 70\n2\n", nullptr, true},
+    };
+    for (const MadeCase& c : cases) {
+        SCOPED_TRACE(c.behaviour);
+        std::string edited = text;
+        if (!c.from.empty()) {
+            const auto at = edited.find(c.from);
+            ASSERT_NE(at, std::string::npos);
+            edited.replace(at, c.from.size(), c.to);
+        }
+        for (bool numbers : {false, true}) {
+            SCOPED_TRACE(numbers ? "numbers" : "texts");
+            AcDbDatabase db(false, true);
+            AcDbEntity* e = FirstEntity(db, edited, c.index);
+            if (c.change) c.change(*e);
+            const AcDbRawTags asRead = e->fileTags();
+            const std::vector<dxf::Tag> made = numbers ? MadeTags(asRead, {50, 51}) : std::vector<dxf::Tag>{};
+            dxf::Model model;
+            AcDbRawTags dropped;
+            EXPECT_EQ(dxf::DropModelledRecord(*e, model, dropped, made), c.dropped);
+        }
+    }
 }
 
 }  // namespace
