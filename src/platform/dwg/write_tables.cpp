@@ -633,15 +633,15 @@ XRecordRecord XRecordOf(const SourceRecord& r, WriteContext& c) {
     x.common = ObjectCommonOf(r, c);
     const SourceRecord body = r.subclass("AcDbXrecord");
     std::size_t first = 0;
-    if (!body.tags.empty() && body.tags.front().first == 280) {
+    if (!body.tags.empty() && body.tags.front().code() == 280) {
         long long cloning = 1;
-        dxf::ParseInteger(body.tags.front().second, cloning);
+        dxf::ParseInteger(body.tags.front().text(), cloning);
         x.cloning = static_cast<std::int16_t>(cloning);
         first = 1;
     }
     // The groups up to the extended data, which ends the record.
-    for (std::size_t i = first; i < body.tags.size() && body.tags[i].first != 1001; ++i) {
-        x.groups.emplace_back(body.tags[i].first, std::string(body.tags[i].second));
+    for (std::size_t i = first; i < body.tags.size() && body.tags[i].code() != 1001; ++i) {
+        x.groups.emplace_back(body.tags[i].code(), std::string(body.tags[i].text()));
     }
     return x;
 }
