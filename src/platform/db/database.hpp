@@ -142,6 +142,10 @@ public:
         // The code page of the data's texts when the data is of an AC1018 file (which a DWG
         // written again can hold as it is); 0 for other versions.
         int ac1018CodePage = 0;
+        // The object whose list names this one, which a DXF record of it cannot give: the
+        // block record whose references list it (an ACAD_TABLE, which draws that block), the
+        // layout whose viewports it is. 0 for none.
+        std::uint64_t listedBy = 0;
     };
     std::unordered_map<std::uint64_t, DwgKeptObject>& dwgKeptObjects() { return m_dwgKept; }
     const std::unordered_map<std::uint64_t, DwgKeptObject>& dwgKeptObjects() const {

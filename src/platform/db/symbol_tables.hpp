@@ -4,6 +4,7 @@
 #include <mutex>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "platform/db/color.hpp"
@@ -298,6 +299,11 @@ public:
     virtual AcRxClass* recordClass() const = 0;
     // Lets a reader of a drawing file attach a record it has already added to the database.
     void attachRecord(AcDbObjectId id) { m_records.append(id); }
+    // The places, in a DWG file's list of this table's records, that name no record: records
+    // erased before the file was saved, which its list still counts. Kept from a DWG read so
+    // that a DWG written again lists them at the same places; a DXF table has no place for them.
+    const std::vector<int>& erasedEntryPlaces() const { return m_erasedPlaces; }
+    void setErasedEntryPlaces(std::vector<int> places) { m_erasedPlaces = std::move(places); }
 
 protected:
     AcDbSymbolTable() = default;
@@ -307,6 +313,7 @@ private:
     void indexNames() const;
     bool recordMatches(int position, const std::wstring& name, bool erased) const;
     AcDbObjectIdArray m_records;
+    std::vector<int> m_erasedPlaces;
     mutable AcDbRecordNameIndex m_names;
 };
 

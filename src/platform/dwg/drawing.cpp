@@ -121,6 +121,7 @@ struct Drawing {
     void writeEntitiesAlongside(const std::vector<ItemIndex>& entities, std::uint64_t owner);
     void writeObjects();
     void takeKept(std::vector<KeptData>& kept);
+    void takeErasedEntries(std::vector<ErasedEntries>& erased) const;
 };
 
 void Drawing::sortHandles() {
@@ -526,11 +527,36 @@ void Drawing::writeObjects() {
     out.tag(0, "ENDSEC");
 }
 
+void Drawing::takeErasedEntries(std::vector<ErasedEntries>& erased) const {
+    for (const Item& item : items) {
+        const auto* control = std::get_if<KeptObject>(item.decoded.get());
+        if (control == nullptr || !IsControl(item.type)) continue;
+        ErasedEntries entries{item.handle, {}};
+        int place = 0;
+        for (const HandleRef& ref : control->references) {
+            if (ref.code != 2) continue;  // the records a control owns softly
+            if (ref.value == 0) entries.places.push_back(place);
+            ++place;
+        }
+        if (!entries.places.empty()) erased.push_back(std::move(entries));
+    }
+}
+
 void Drawing::takeKept(std::vector<KeptData>& kept) {
+    // The block records' references and the layouts' viewports, by the object listed.
+    std::unordered_map<std::uint64_t, std::uint64_t> listedBy;
+    for (const Item& item : items) {
+        if (const auto* block = std::get_if<BlockHeaderRecord>(item.decoded.get())) {
+            for (std::uint64_t insert : block->inserts) listedBy.emplace(insert, item.handle);
+        } else if (const auto* layout = std::get_if<LayoutRecord>(item.decoded.get())) {
+            for (std::uint64_t viewport : layout->viewports) listedBy.emplace(viewport, item.handle);
+        }
+    }
     for (Item& item : items) {
         auto* whole = std::get_if<KeptObject>(item.decoded.get());
         if (whole == nullptr || IsControl(item.type) || IsTableRecord(item.type)) continue;
-        kept.push_back({item.handle, typeName(item), std::move(whole->bytes)});
+        const auto by = listedBy.find(item.handle);
+        kept.push_back({item.handle, typeName(item), std::move(whole->bytes), by == listedBy.end() ? 0 : by->second});
     }
 }
 
@@ -571,9 +597,11 @@ bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<Kep
 }
 
 bool DwgToRecords(const DwgSections& sections, dxf::RecordFeed& feed, std::vector<KeptData>& kept,
-                  MapError& error) {
+                  std::vector<ErasedEntries>& erased, MapError& error) {
     Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}, DxfText(&feed), {}, false};
-    return WriteDrawing(drawing, kept, error);
+    if (!WriteDrawing(drawing, kept, error)) return false;
+    drawing.takeErasedEntries(erased);
+    return true;
 }
 
 }  // namespace dwg

@@ -33,6 +33,14 @@ struct KeptData {
     std::uint64_t handle = 0;
     std::string typeName;
     std::vector<std::uint8_t> bytes;
+    std::uint64_t listedBy = 0;  // a block record listing it as a reference, a layout as a viewport
+};
+
+// A table's control object that lists null entries (records erased before the file was
+// saved): the places of those entries in its list of records.
+struct ErasedEntries {
+    std::uint64_t control = 0;
+    std::vector<int> places;
 };
 
 // False with the offset (in the section named by the reason) and the reason when a section
@@ -40,8 +48,9 @@ struct KeptData {
 // (symbol table records and control objects are written whole and are not among them).
 bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<KeptData>& kept,
                   MapError& error);
-// The same records handed to the feed one at a time, as they are made.
+// The same records handed to the feed one at a time, as they are made; the tables' erased
+// entries, which no record holds, go to `erased`.
 bool DwgToRecords(const DwgSections& sections, dxf::RecordFeed& feed, std::vector<KeptData>& kept,
-                  MapError& error);
+                  std::vector<ErasedEntries>& erased, MapError& error);
 
 }  // namespace dwg

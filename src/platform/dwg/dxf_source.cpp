@@ -26,6 +26,12 @@ std::uint64_t ParseHandle(std::string_view text) {
     return value;
 }
 
+bool TagReal(const SourceTag& tag, double& value) {
+    if (!tag.isNumber()) return dxf::ParseDouble(tag.text(), value);
+    value = tag.number();
+    return true;
+}
+
 bool SourceRecord::has(int code) const {
     for (const auto& [c, v] : tags) {
         if (c == code) return true;
@@ -41,10 +47,10 @@ std::string_view SourceRecord::text(int code) const {
 }
 
 double SourceRecord::real(int code, double fallback) const {
-    for (const auto& [c, v] : tags) {
-        if (c != code) continue;
+    for (const SourceTag& t : tags) {
+        if (t.code() != code) continue;
         double value = fallback;
-        return dxf::ParseDouble(v, value) ? value : fallback;
+        return TagReal(t, value) ? value : fallback;
     }
     return fallback;
 }
@@ -69,25 +75,26 @@ std::uint64_t SourceRecord::handle(int code) const { return ParseHandle(text(cod
 
 namespace {
 
-double Number(std::string_view text) {
+double Number(const SourceTag& tag) {
     double value = 0;
-    return dxf::ParseDouble(text, value) ? value : 0;
+    return TagReal(tag, value) ? value : 0;
 }
 
 }  // namespace
 
 // The first tag of each coordinate's code, found in one walk over the tags.
 Point3 SourceRecord::point(int code, Point3 fallback) const {
-    const std::string_view* x = nullptr;
-    const std::string_view* y = nullptr;
-    const std::string_view* z = nullptr;
-    for (const auto& [c, v] : tags) {
+    const SourceTag* x = nullptr;
+    const SourceTag* y = nullptr;
+    const SourceTag* z = nullptr;
+    for (const SourceTag& t : tags) {
+        const int c = t.code();
         if (c == code) {
-            if (x == nullptr) x = &v;
+            if (x == nullptr) x = &t;
         } else if (c == code + 10) {
-            if (y == nullptr) y = &v;
+            if (y == nullptr) y = &t;
         } else if (c == code + 20) {
-            if (z == nullptr) z = &v;
+            if (z == nullptr) z = &t;
         }
     }
     if (x == nullptr) return fallback;
@@ -120,8 +127,9 @@ std::uint64_t SourceRecord::owner() const {
 }
 
 SourceRecord SourceRecord::subclass(std::string_view marker) const {
-    const auto isMarker = [](const SourceTag& t) { return t.first == 100; };
-    auto begin = std::find(tags.begin(), tags.end(), SourceTag{100, marker});
+    const auto isMarker = [](const SourceTag& t) { return t.code() == 100; };
+    auto begin = std::find_if(tags.begin(), tags.end(),
+                              [&](const SourceTag& t) { return t.code() == 100 && t.text() == marker; });
     if (begin != tags.end()) ++begin;
     return {type, {begin, std::find_if(begin, tags.end(), isMarker)}};
 }
@@ -139,11 +147,11 @@ namespace {
 // after it up to the next run. Tags before the first run belong to none.
 template <typename Add>
 void Runs(std::span<const SourceTag> tags, int code, Add add) {
-    const auto starts = [code](const SourceTag& t) { return t.first == code; };
+    const auto starts = [code](const SourceTag& t) { return t.code() == code; };
     auto at = std::find_if(tags.begin(), tags.end(), starts);
     while (at != tags.end()) {
         const auto end = std::find_if(at + 1, tags.end(), starts);
-        add(at->second, std::span<const SourceTag>(at + 1, end));
+        add(at->text(), std::span<const SourceTag>(at + 1, end));
         at = end;
     }
 }

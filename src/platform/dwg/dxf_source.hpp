@@ -10,11 +10,16 @@
 #include <vector>
 
 #include "platform/dwg/bit_reader.hpp"
+#include "platform/dxf/drawing_tag.hpp"
 
 namespace dwg {
 
-// A group code and its value's text.
-using SourceTag = std::pair<int, std::string_view>;
+// A group code and its value's text, or for a real of an entity's record the number.
+using SourceTag = dxf::DrawingTag;
+
+// A tag's real: its number, or its text parsed (false when the text is not a number; the value
+// may then be changed all the same, as dxf::ParseDouble does).
+bool TagReal(const SourceTag& tag, double& value);
 
 // One record: its type (the 0 tag) and the tags after it, a range of the drawing's tags.
 struct SourceRecord {

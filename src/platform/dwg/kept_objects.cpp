@@ -45,11 +45,14 @@ void WriteKeptObjects(const std::vector<ClassRecord>& classes, WriteContext& c) 
         std::vector<std::uint8_t> framed = FramedObject(kept->data, scratch);
         if (!IsEntityType(type, classes)) {
             c.add(handle, std::move(framed));
+        } else if (const std::uint64_t block = BlockOf(framed, c); block != 0) {
+            c.keptEntities[block].emplace_back(handle, std::move(framed));
+        } else {
             continue;
         }
-        const std::uint64_t block = BlockOf(framed, c);
-        if (block != 0) c.keptEntities[block].emplace_back(handle, std::move(framed));
+        if (kept->listedBy != 0) c.keptListed[kept->listedBy].push_back(handle);
     }
+    for (auto& [by, handles] : c.keptListed) std::sort(handles.begin(), handles.end());
 }
 
 void AddKeptEntities(std::uint64_t block, std::vector<std::uint64_t>& entities, WriteContext& c) {

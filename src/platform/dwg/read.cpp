@@ -43,7 +43,18 @@ void KeepWhole(AcDbDatabase& db, std::vector<KeptData>& kept, const DwgSections&
     for (KeptData& k : kept) {
         AcDbObjectId id;
         if (db.getAcDbObjectId(id, false, AcDbHandle(k.handle)) != Acad::eOk) continue;
-        whole[k.handle] = {std::move(k.typeName), std::move(k.bytes), ac1018CodePage};
+        whole[k.handle] = {std::move(k.typeName), std::move(k.bytes), ac1018CodePage, k.listedBy};
+    }
+}
+
+// The places of the tables' erased entries go with the tables.
+void KeepErasedEntries(AcDbDatabase& db, std::vector<ErasedEntries>& erased) {
+    for (ErasedEntries& entries : erased) {
+        AcDbObjectId id;
+        if (db.getAcDbObjectId(id, false, AcDbHandle(entries.control)) != Acad::eOk) continue;
+        if (auto* table = AcDbSymbolTable::cast(id.stub()->object.get())) {
+            table->setErasedEntryPlaces(std::move(entries.places));
+        }
     }
 }
 
@@ -103,9 +114,10 @@ namespace {
 Acad::ErrorStatus ReadRecords(AcDbDatabase& db, const DwgSections& sections, const std::string& name,
                               DwgContainer* container) {
     std::vector<KeptData> kept;
+    std::vector<ErasedEntries> erased;
     MapError error;
     dxf::RecordFeed feed(db, name);
-    if (!DwgToRecords(sections, feed, kept, error)) return Fail(db, name, error.offset, error.reason);
+    if (!DwgToRecords(sections, feed, kept, erased, error)) return Fail(db, name, error.offset, error.reason);
     if (feed.finish() != Acad::eOk) {
         // The records are made here: a refusal is a fault of this reader, said as such.
         const std::wstring why = db.lastError();
@@ -115,6 +127,7 @@ Acad::ErrorStatus ReadRecords(AcDbDatabase& db, const DwgSections& sections, con
     }
     KeepFileVersion(db, sections.version);
     KeepWhole(db, kept, sections);
+    KeepErasedEntries(db, erased);
     KeepFiledObjects(db, sections, container);
     db.setLastError(L"");
     return Acad::eOk;

@@ -52,10 +52,11 @@ DimensionRecord DimensionOf(const SourceRecord& r, EntityCommon common, WriteCon
 // Repeated points of one code, in their order (code, code+10, code+20).
 std::vector<Point3> Points(const SourceRecord& r, int code) {
     std::vector<Point3> out;
-    for (const auto& [c, value] : r.tags) {
+    for (const SourceTag& tag : r.tags) {
+        const int c = tag.code();
         double number = 0;
         if (c != code && c != code + 10 && c != code + 20) continue;
-        dxf::ParseDouble(value, number);
+        TagReal(tag, number);
         if (c == code) {
             out.push_back({number, 0, 0});
         } else if (!out.empty()) {
@@ -67,9 +68,9 @@ std::vector<Point3> Points(const SourceRecord& r, int code) {
 
 std::vector<double> Reals(const SourceRecord& r, int code) {
     std::vector<double> out;
-    for (const auto& [c, value] : r.tags) {
+    for (const SourceTag& tag : r.tags) {
         double number = 0;
-        if (c == code && dxf::ParseDouble(value, number)) out.push_back(number);
+        if (tag.code() == code && TagReal(tag, number)) out.push_back(number);
     }
     return out;
 }

@@ -45,8 +45,14 @@ struct WriteContext {
     // The objects of kinds the database does not model that it keeps whole from a DWG read and
     // still holds, by handle: their records are left out of the DXF the writer reads.
     std::vector<std::pair<std::uint64_t, const AcDbDatabase::DwgKeptObject*>> kept;
+    // Those of them the written file holds that another object lists (AcDbDatabase::
+    // DwgKeptObject::listedBy), by that object, in the order of their handles.
+    std::unordered_map<std::uint64_t, std::vector<std::uint64_t>> keptListed;
     // Those of them that are entities, by the block that lists them: handle and bytes.
     std::unordered_map<std::uint64_t, std::vector<std::pair<std::uint64_t, std::vector<std::uint8_t>>>> keptEntities;
+    // The places of the null entries of each table's control object, by its handle: records
+    // erased before the file the database was read from was saved.
+    std::unordered_map<std::uint64_t, std::vector<int>> erasedEntries;
     // The layer name the last entity gave and its layer: entities in a row mostly share one.
     std::string_view lastLayerName;
     std::uint64_t lastLayer = 0;
@@ -112,8 +118,8 @@ Acad::ErrorStatus EncodeDrawing(AcDbDatabase& db, int codePage, EncodedDrawing& 
 // The same from the records already grouped (the records give up their tag lists), on as many
 // threads as out.context says.
 void EncodeSource(SourceDrawing& source, int codePage, EncodedDrawing& out);
-// The objects the database keeps whole from a DWG read and still holds, for EncodeSource to
-// write back.
+// What the database keeps from a DWG read beside its records, for EncodeSource to write back:
+// the objects kept whole that it still holds, the places of the tables' erased entries.
 void NoteKeptObjects(AcDbDatabase& db, EncodedDrawing& out);
 // The file's bytes: the encoded objects (those unchanged since the read put back as the file
 // stored them), the object map, classes and header in their pages. What the file does not hold

@@ -306,6 +306,7 @@ void NoteKeptObjects(AcDbDatabase& db, EncodedDrawing& out) {
             out.context.kept.emplace_back(handle, &kept);
         }
     }
+    NoteErasedEntries(db, out.context);
 }
 
 Acad::ErrorStatus EncodeDrawing(AcDbDatabase& db, int codePage, EncodedDrawing& out) {

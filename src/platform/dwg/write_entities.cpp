@@ -32,23 +32,58 @@ std::uint64_t WriteContext::find(const std::unordered_map<std::string, std::uint
     return it == table.end() ? 0 : it->second;
 }
 
+namespace {
+
+// The extended data from its first tag (a 1001) on; none for no tags.
+std::vector<ExtendedData> ExtendedDataFrom(std::span<const SourceTag> tags, const WriteContext& c) {
+    if (tags.empty()) return {};
+    std::vector<ExtendedGroup> groups;
+    for (const SourceTag& tag : tags) groups.emplace_back(tag.code(), std::string(tag.text()));
+    return ExtendedDataOfGroups(groups, c.applications, c.layers, c.dwgCodePage, c.options.codePage);
+}
+
+}  // namespace
+
+// The owner, the reactors, the extension dictionary and the extended data, found in one walk
+// over the record: as owner(), group("{ACAD_REACTORS", 330), the first handle of
+// group("{ACAD_XDICTIONARY", 360) and the tags from the first 1001 on.
 ObjectCommon ObjectCommonOf(const SourceRecord& r, WriteContext& c, int handleCode) {
     ObjectCommon o;
     o.handle = c.handleOf(r, handleCode);
-    o.owner = r.owner();
-    o.reactors = r.group("{ACAD_REACTORS", 330);
-    const auto dictionaries = r.group("{ACAD_XDICTIONARY", 360);
-    if (!dictionaries.empty()) o.extensionDictionary = dictionaries.front();
-    o.extended = ExtendedDataOf(r, c);
+    bool head = true, inHeadGroup = false, ownerFound = false;
+    bool inReactors = false, inDictionary = false, dictionaryFound = false;
+    auto extended = r.tags.end();
+    for (auto it = r.tags.begin(); it != r.tags.end(); ++it) {
+        const int code = it->code();
+        if (code == 100) {
+            head = false;
+        } else if (code == 102) {
+            const std::string_view v = it->text();
+            inReactors = v == "{ACAD_REACTORS";
+            inDictionary = v == "{ACAD_XDICTIONARY";
+            if (head) inHeadGroup = !v.empty() && v.front() == '{';
+        } else if (code == 330) {
+            if (inReactors) o.reactors.push_back(ParseHandle(it->text()));
+            if (head && !inHeadGroup && !ownerFound) {
+                o.owner = ParseHandle(it->text());
+                ownerFound = true;
+            }
+        } else if (code == 360) {
+            if (inDictionary && !dictionaryFound) {
+                o.extensionDictionary = ParseHandle(it->text());
+                dictionaryFound = true;
+            }
+        } else if (code == 1001 && extended == r.tags.end()) {
+            extended = it;
+        }
+    }
+    o.extended = ExtendedDataFrom({extended, r.tags.end()}, c);
     return o;
 }
 
 std::vector<ExtendedData> ExtendedDataOf(const SourceRecord& r, const WriteContext& c) {
-    const auto first = std::find_if(r.tags.begin(), r.tags.end(), [](const auto& tag) { return tag.first == 1001; });
-    if (first == r.tags.end()) return {};
-    std::vector<ExtendedGroup> groups;
-    for (auto it = first; it != r.tags.end(); ++it) groups.emplace_back(it->first, std::string(it->second));
-    return ExtendedDataOfGroups(groups, c.applications, c.layers, c.dwgCodePage, c.options.codePage);
+    const auto first = std::find_if(r.tags.begin(), r.tags.end(), [](const SourceTag& tag) { return tag.code() == 1001; });
+    return ExtendedDataFrom({first, r.tags.end()}, c);
 }
 
 // The entity's properties are those of its AcDbEntity subclass, as the DXF reader takes them; a
@@ -56,8 +91,8 @@ std::vector<ExtendedData> ExtendedDataOf(const SourceRecord& r, const WriteConte
 EntityCommon EntityCommonOf(const SourceRecord& record, std::uint64_t owner, WriteContext& c) {
     EntityCommon e;
     static_cast<ObjectCommon&>(e) = ObjectCommonOf(record, c);
-    const bool marked = std::any_of(record.tags.begin(), record.tags.end(), [](const auto& tag) {
-        return tag.first == 100 && tag.second == "AcDbEntity";
+    const bool marked = std::any_of(record.tags.begin(), record.tags.end(), [](const SourceTag& tag) {
+        return tag.code() == 100 && tag.text() == "AcDbEntity";
     });
     const SourceRecord properties = marked ? record.subclass("AcDbEntity") : record;
     const SourceRecord& r = properties;
@@ -190,11 +225,10 @@ LwPolylineRecord LwPolylineOf(const SourceRecord& r, EntityCommon common) {
     std::vector<Point2> widths;
     std::vector<double> bulges;
     bool anyWidth = false, anyBulge = false;
-    for (const auto& [code, value] : r.tags) {
+    for (const SourceTag& tag : r.tags) {
+        const int code = tag.code();
         double number = 0;
-        if (code == 10 || code == 20 || code == 40 || code == 41 || code == 42) {
-            dxf::ParseDouble(value, number);
-        }
+        if (code == 10 || code == 20 || code == 40 || code == 41 || code == 42) TagReal(tag, number);
         if (code == 10) {
             p.points.push_back({number, 0});
             widths.push_back({0, 0});

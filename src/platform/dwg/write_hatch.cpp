@@ -13,25 +13,25 @@ public:
     // The value of the next tag when it has the code (moving past it), else the fallback.
     double real(int code, double fallback = 0) {
         double value = fallback;
-        if (at(code)) dxf::ParseDouble(tags_[i_++].second, value);
+        if (at(code)) TagReal(tags_[i_++], value);
         return value;
     }
     // An angle in degrees, as radians.
-    double angle(int code) { return at(code) ? dxf::Radians(tags_[i_++].second) : 0; }
+    double angle(int code) { return at(code) ? dxf::Radians(tags_[i_++].text()) : 0; }
     long long integer(int code, long long fallback = 0) {
         long long value = fallback;
-        if (at(code)) dxf::ParseInteger(tags_[i_++].second, value);
+        if (at(code)) dxf::ParseInteger(tags_[i_++].text(), value);
         return value;
     }
-    std::string_view text(int code) { return at(code) ? tags_[i_++].second : std::string_view(); }
+    std::string_view text(int code) { return at(code) ? tags_[i_++].text() : std::string_view(); }
     Point2 point(int code) {
         const double x = real(code);
         return {x, real(code + 10)};
     }
-    bool at(int code) const { return i_ < tags_.size() && tags_[i_].first == code; }
+    bool at(int code) const { return i_ < tags_.size() && tags_[i_].code() == code; }
     // Moves to the next tag of the code, from where the walk stands.
     bool seek(int code) {
-        while (i_ < tags_.size() && tags_[i_].first != code) ++i_;
+        while (i_ < tags_.size() && tags_[i_].code() != code) ++i_;
         return i_ < tags_.size();
     }
     void skipPoint() {

@@ -14,6 +14,7 @@
 #include "platform/dwg/encode_tables.hpp"
 #include "platform/dwg/entities.hpp"
 #include "platform/dwg/kept_objects.hpp"
+#include "platform/dxf/required_objects.hpp"
 #include "platform/dxf/tagger.hpp"
 
 namespace dwg {
@@ -335,7 +336,29 @@ std::vector<std::uint64_t> StyleList(const SourceRecord& head, const std::vector
     return out;
 }
 
+// The null entries go back to their places, in the order of the places, so that each place
+// counts the nulls before it; a place beyond the list (records erased since the read) goes to
+// its end.
+void ListErasedEntries(const std::unordered_map<std::uint64_t, std::vector<int>>& erased,
+                       ControlRecord& control) {
+    const auto it = erased.find(control.common.handle);
+    if (it == erased.end()) return;
+    for (int place : it->second) {
+        const auto at = std::min(static_cast<std::size_t>(place), control.entries.size());
+        control.entries.insert(control.entries.begin() + static_cast<std::ptrdiff_t>(at), 0);
+    }
+}
+
 }  // namespace
+
+void NoteErasedEntries(const AcDbDatabase& db, WriteContext& c) {
+    for (int kind = 0; kind < AcDbDatabase::kTableCount; ++kind) {
+        const AcDbObjectId id = db.tableId(static_cast<AcDbDatabase::TableKind>(kind));
+        if (const auto* table = AcDbSymbolTable::cast(dxf::ObjectOf(id))) {
+            c.erasedEntries[id.handle().value()] = table->erasedEntryPlaces();
+        }
+    }
+}
 
 void WriteTables(const SourceDrawing& source, WriteContext& c, HeaderHandles& handles) {
     for (const SourceTable& table : source.tables) {
@@ -388,6 +411,7 @@ void WriteTables(const SourceDrawing& source, WriteContext& c, HeaderHandles& ha
             }
         }
         if (table.name == "DIMSTYLE") control.styles = StyleList(table.head, control.entries);
+        ListErasedEntries(c.erasedEntries, control);
         c.add(control.common.handle, EncodeControl(control, c.options));
         std::uint64_t* slot = nullptr;
         switch (kind->control) {
@@ -463,6 +487,11 @@ BlockInserts InsertsOf(const SourceDrawing& source, const WriteContext& c) {
     for (const SourceRecord& r : source.entities) note(r);
     for (const SourceBlock& b : source.blocks) {
         for (const SourceRecord& r : b.entities) note(r);
+    }
+    // Entities kept whole that draw a block (ACAD_TABLE) are among its references too.
+    for (const auto& [name, block] : c.blocks) {
+        const auto kept = c.keptListed.find(block);
+        if (kept != c.keptListed.end()) out[block].insert(out[block].end(), kept->second.begin(), kept->second.end());
     }
     for (auto& [block, handles] : out) std::sort(handles.begin(), handles.end());
     return out;
@@ -567,6 +596,9 @@ LayoutRecord LayoutOf(const SourceRecord& r, WriteContext& c) {
     l.viewport = a.handle(331);
     l.namedUcs = a.handle(345);
     l.baseUcs = a.handle(346);
+    // Its viewports, which the database keeps whole.
+    const auto viewports = c.keptListed.find(l.common.handle);
+    if (viewports != c.keptListed.end()) l.viewports = viewports->second;
     return l;
 }
 
@@ -601,15 +633,15 @@ XRecordRecord XRecordOf(const SourceRecord& r, WriteContext& c) {
     x.common = ObjectCommonOf(r, c);
     const SourceRecord body = r.subclass("AcDbXrecord");
     std::size_t first = 0;
-    if (!body.tags.empty() && body.tags.front().first == 280) {
+    if (!body.tags.empty() && body.tags.front().code() == 280) {
         long long cloning = 1;
-        dxf::ParseInteger(body.tags.front().second, cloning);
+        dxf::ParseInteger(body.tags.front().text(), cloning);
         x.cloning = static_cast<std::int16_t>(cloning);
         first = 1;
     }
     // The groups up to the extended data, which ends the record.
-    for (std::size_t i = first; i < body.tags.size() && body.tags[i].first != 1001; ++i) {
-        x.groups.emplace_back(body.tags[i].first, std::string(body.tags[i].second));
+    for (std::size_t i = first; i < body.tags.size() && body.tags[i].code() != 1001; ++i) {
+        x.groups.emplace_back(body.tags[i].code(), std::string(body.tags[i].text()));
     }
     return x;
 }

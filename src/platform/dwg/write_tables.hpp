@@ -14,9 +14,13 @@ void IndexNames(const SourceDrawing& source, WriteContext& c);
 // The colour objects of colour books that the written file holds, by the names the drawing's
 // dictionaries give them ("book$colour"), for the entities that name them (430).
 void IndexBookColors(const SourceDrawing& source, WriteContext& c);
-// Every table's records and control object; the control objects' handles go to handles.
+// The places of the erased entries the database's tables keep from a DWG read.
+void NoteErasedEntries(const AcDbDatabase& db, WriteContext& c);
+// Every table's records and control object; the control objects' handles go to handles. A
+// control object lists null entries at the places c.erasedEntries gives for it.
 void WriteTables(const SourceDrawing& source, WriteContext& c, HeaderHandles& handles);
-// The INSERTs of each block record, by the record's handle, in the order of their handles.
+// The INSERTs of each block record and the entities kept whole that draw it (ACAD_TABLE), by
+// the record's handle, in the order of their handles.
 using BlockInserts = std::unordered_map<std::uint64_t, std::vector<std::uint64_t>>;
 BlockInserts InsertsOf(const SourceDrawing& source, const WriteContext& c);
 // Every block record with its BLOCK, entities and ENDBLK. The model and paper space entities

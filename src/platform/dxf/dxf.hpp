@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/db/database.hpp"
+#include "platform/dxf/drawing_tag.hpp"
 
 namespace dxf {
 
@@ -54,17 +55,21 @@ Acad::ErrorStatus WriteDxfText(AcDbDatabase& db, const WriteOptions& options, st
 
 // The tags of a drawing as the writer makes them, without the text around them: for a writer
 // of another format that starts from the records. The values' characters are the list's own.
+// The reals that entities' records take from the database come as numbers (not for angles,
+// whose text the reader turns into radians): the same numbers the text would be read back as.
 // The tags are kept in parts, in their order, each part whole records: a record's tags are
 // side by side, and no part is copied to grow the list.
 class DrawingTags {
 public:
-    using Entry = std::pair<int, std::string_view>;
+    using Entry = DrawingTag;
     const std::vector<std::vector<Entry>>& parts() const { return m_parts; }
     void add(int code, std::string_view value);
+    void addNumber(int code, double value);
     // Moves another list's parts after this one's.
     void append(DrawingTags&& other);
 
 private:
+    void push(const Entry& entry);
     std::vector<std::vector<Entry>> m_parts;
     // Values are copied into blocks that never move, so that the views stay valid.
     std::vector<std::unique_ptr<char[]>> m_blocks;

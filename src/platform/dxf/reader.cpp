@@ -171,6 +171,8 @@ private:
 // The value as the database keeps it: strings in UTF-8, integers without a plus sign or a
 // fraction. Most values are kept as the file has them.
 std::string_view Builder::value(const Tag& tag) {
+    // A decoder's integer or handle is in its plain form already: ASCII digits.
+    if (tag.made == Made::kInteger || tag.made == Made::kHandle) return tag.value;
     ValueKind kind = KindOfCode(tag.code);
     if (kind == ValueKind::kString) {
         if (DecodesUnchanged(tag.value, m_facts.codePage)) return tag.value;

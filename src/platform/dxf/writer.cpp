@@ -97,6 +97,8 @@ public:
 
 private:
     void code(int code);
+    bool asNumber(const Field& f) const;
+    bool asNumberOver(const Field& f, std::string_view asRead) const;
     void raw(const AcDbRawTags& tags) {
         for (const AcDbRawTag& t : tags) tag(t.code, t.value);
     }
@@ -137,6 +139,7 @@ private:
     std::FILE* m_file;  // null when the text stays in m_out
     DrawingTags* m_tags;
     std::string m_value;  // a value formatted for m_tags
+    bool m_numbers = false;  // reals of the model go to m_tags as numbers (entities' records)
     bool m_failed = false;
     AcDb::AcDbDwgVersion m_version;
     bool m_r12;
@@ -191,12 +194,31 @@ void Writer::tag(int code, std::string_view value) {
     m_out += '\n';
 }
 
+// A real of an entity's record, for the tags: given as the number the text would be read back
+// as (shortest round trip; a zero is written "0.0"). Not angles (kAngle: their text is read
+// into radians, with more digits where a double's would not bring them back) nor a NaN (whose
+// text does not keep its bits).
+bool Writer::asNumber(const Field& f) const {
+    return m_numbers && f.kind == Field::Kind::kReal && KindOfCode(f.code) == ValueKind::kDouble &&
+           f.real == f.real;
+}
+
+// The same where the template has the value as text: a zero whose text is other than "0.0"
+// keeps its text, which may carry the sign.
+bool Writer::asNumberOver(const Field& f, std::string_view asRead) const {
+    return asNumber(f) && (f.real != 0.0 || asRead == "0.0");
+}
+
 void Writer::field(const Field& f) {
     if (f.kind == Field::Kind::kText) {
         tag(f.code, f.text);
         return;
     }
     if (m_tags) {
+        if (asNumber(f)) {
+            m_tags->addNumber(f.code, f.real == 0.0 ? 0.0 : f.real);
+            return;
+        }
         m_value.clear();
         AppendField(f, m_value);
         m_tags->add(f.code, m_value);
@@ -360,6 +382,10 @@ void Writer::emitRun(int run, std::span<const AcDbRawTag> asRead) {
         while (j < asRead.size() && j < at + kLookAhead && asRead[j].code != f.code) ++j;
         if (j < asRead.size() && asRead[j].code == f.code) {
             at = j + 1;
+            if (m_numbers && asNumberOver(f, asRead[j].value)) {
+                field(f);
+                continue;
+            }
             if (SameValue(f, asRead[j].value)) {
                 tag(f.code, asRead[j].value);
                 continue;
@@ -381,8 +407,8 @@ void Writer::mergeOwned(std::span<const AcDbRawTag> rest) {
             emitRun(f.run, rest);
         } else {
             seg.used[k] = 1;
-            if (SameValue(f, t.value)) tag(f.code, t.value);
-            else field(f);
+            if ((m_numbers && asNumberOver(f, t.value)) || !SameValue(f, t.value)) field(f);
+            else tag(f.code, t.value);
         }
         return;
     }
@@ -661,10 +687,12 @@ bool KeptFromDwg(const AcDbDatabase& db, const AcDbObject& o) {
 }
 
 void Writer::entityBatch(const AcDbObjectIdArray& ids, size_t begin, size_t end) {
+    m_numbers = m_tags != nullptr;
     for (size_t i = begin; i < end; ++i) {
         auto* e = AcDbEntity::cast(ObjectOf(ids[static_cast<int>(i)]));
         if (e && !e->isErased() && !KeptFromDwg(m_db, *e)) entity(*e);
     }
+    m_numbers = false;
 }
 
 // Entities of one batch formatted on a helper thread.
@@ -816,8 +844,6 @@ Acad::ErrorStatus WriteDxfText(AcDbDatabase& db, const WriteOptions& options, st
 void DrawingTags::add(int code, std::string_view value) {
     // Blocks of 1 MB, or one of its own for a longer value.
     constexpr size_t kBlock = 1 << 20;
-    // A new part is begun at a record that finds the last one full.
-    constexpr size_t kPartTags = 1 << 16;
     if (value.size() > m_left) {
         const size_t size = std::max(kBlock, value.size());
         m_blocks.push_back(std::make_unique<char[]>(size));
@@ -825,13 +851,21 @@ void DrawingTags::add(int code, std::string_view value) {
         m_left = size;
     }
     if (!value.empty()) std::memcpy(m_free, value.data(), value.size());
-    if (m_parts.empty() || (code == 0 && m_parts.back().size() >= kPartTags)) {
+    push(Entry(code, std::string_view(m_free, value.size())));
+    m_free += value.size();
+    m_left -= value.size();
+}
+
+void DrawingTags::addNumber(int code, double value) { push(Entry::Number(code, value)); }
+
+void DrawingTags::push(const Entry& entry) {
+    // A new part is begun at a record that finds the last one full.
+    constexpr size_t kPartTags = 1 << 16;
+    if (m_parts.empty() || (entry.code() == 0 && m_parts.back().size() >= kPartTags)) {
         m_parts.emplace_back();
         m_parts.back().reserve(kPartTags + kPartTags / 4);
     }
-    m_parts.back().emplace_back(code, std::string_view(m_free, value.size()));
-    m_free += value.size();
-    m_left -= value.size();
+    m_parts.back().push_back(entry);
 }
 
 void DrawingTags::append(DrawingTags&& other) {

@@ -44,7 +44,8 @@ bool ReadThroughText(const dwg::DwgSections& sections, const std::string& name, 
 bool ReadThroughFeed(const dwg::DwgSections& sections, const std::string& name, Decoded& out) {
     dxf::RecordFeed feed(out.db, name);
     dwg::MapError error;
-    return dwg::DwgToRecords(sections, feed, out.kept, error) && feed.finish() == Acad::eOk;
+    std::vector<dwg::ErasedEntries> erased;
+    return dwg::DwgToRecords(sections, feed, out.kept, erased, error) && feed.finish() == Acad::eOk;
 }
 
 std::string Handle(const AcDbObjectId& id) {

@@ -4,20 +4,28 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <map>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
+#include "platform/db/arc.hpp"
 #include "platform/db/block_table_record.hpp"
 #include "platform/db/database.hpp"
 #include "platform/db/line.hpp"
+#include "platform/db/point_entity.hpp"
 #include "platform/db/polyline.hpp"
 #include "platform/db/symbol_tables.hpp"
 #include "platform/dwg/corpus_drawings.hpp"
 #include "platform/dwg/write.hpp"
 #include "platform/dwg/write_context.hpp"
+#include "platform/dxf/angle_text.hpp"
 #include "platform/dxf/dxf.hpp"
 #include "platform/dxf/model.hpp"
 #include "platform/dxf/tagger.hpp"
@@ -122,8 +130,8 @@ TEST(DwgRecordSource, records_without_handles_in_a_long_list_are_numbered_as_on_
     // The handles of the 10th and the 8000th line go.
     int lines = 0;
     for (std::size_t i = 0; i + 1 < tags.size(); ++i) {
-        if (tags[i].first == 0 && tags[i].second == "LINE") ++lines;
-        if ((lines == 10 || lines == 8000) && tags[i].first == 0 && tags[i + 1].first == 5) {
+        if (tags[i].code() == 0 && tags[i].text() == "LINE") ++lines;
+        if ((lines == 10 || lines == 8000) && tags[i].code() == 0 && tags[i + 1].code() == 5) {
             tags.erase(tags.begin() + static_cast<std::ptrdiff_t>(i) + 1);
         }
     }
@@ -163,10 +171,97 @@ TEST(DwgRecordSource, record_longer_than_a_part_stays_whole) {
     std::size_t longest = 0;
     for (const auto& part : tags.parts()) {
         ASSERT_FALSE(part.empty());
-        EXPECT_EQ(part.front().first, 0);
+        EXPECT_EQ(part.front().code(), 0);
         longest = std::max(longest, part.size());
     }
     EXPECT_GT(longest, 80000u);
+}
+
+// The first tag of a code in the first record of a type, among the drawing's tags.
+const dxf::DrawingTag* TagOf(const dxf::DrawingTags& tags, std::string_view type, int code) {
+    bool inside = false;
+    for (const auto& part : tags.parts()) {
+        for (const dxf::DrawingTag& t : part) {
+            if (t.code() == 0) {
+                if (inside) return nullptr;
+                inside = t.text() == type;
+            } else if (inside && t.code() == code) {
+                return &t;
+            }
+        }
+    }
+    return nullptr;
+}
+
+TEST(DrawingTag, a_number_has_no_text_and_a_text_is_no_number) {
+    const dxf::DrawingTag number = dxf::DrawingTag::Number(10, -0.0);
+    EXPECT_TRUE(number.isNumber());
+    EXPECT_TRUE(std::signbit(number.number()));
+    const auto& [code, text] = number;
+    EXPECT_EQ(code, 10);
+    EXPECT_EQ(text, "");
+    const dxf::DrawingTag named(8, "WALLS");
+    EXPECT_FALSE(named.isNumber());
+    EXPECT_EQ(named.code(), 8);
+    EXPECT_EQ(named.text(), "WALLS");
+    EXPECT_EQ(dxf::DrawingTag(1, "").text(), "");
+    EXPECT_FALSE(dxf::DrawingTag(1, "").isNumber());
+}
+
+// The reals of entities come as numbers (the values the text reads back as); angles, whose text
+// the reader turns into radians, and the records of tables come as text.
+TEST(DwgRecordSource, entity_reals_come_as_numbers_angles_and_tables_as_text) {
+    AcDbDatabase db(true, false);
+    AcDbBlockTable* blocks = nullptr;
+    db.getSymbolTable(blocks, AcDb::kForRead);
+    AcDbBlockTableRecord* model = nullptr;
+    blocks->getAt(ACDB_MODEL_SPACE, model, AcDb::kForWrite);
+    blocks->close();
+    auto* line = new AcDbLine(AcGePoint3d(1.25, 0.1, -0.0), AcGePoint3d(3, 4, 5));
+    auto* arc = new AcDbArc(AcGePoint3d(7, 8, 0), 2.5, 0.5, 1.5);
+    // A NaN's text reads back as a NaN of other bits: it goes as text.
+    std::uint64_t nanBits = 0x7FF0000000000001ull;
+    double nan = 0;
+    std::memcpy(&nan, &nanBits, sizeof nan);
+    auto* point = new AcDbPoint(AcGePoint3d(nan, 1, 0));
+    for (AcDbEntity* e : {static_cast<AcDbEntity*>(line), static_cast<AcDbEntity*>(arc),
+                          static_cast<AcDbEntity*>(point)}) {
+        e->setDatabaseDefaults(&db);
+        model->appendAcDbEntity(e);
+        e->close();
+    }
+    model->close();
+    dxf::WriteOptions options;
+    options.version = AcDb::kDHL_1032;
+    dxf::DrawingTags tags;
+    ASSERT_EQ(dxf::WriteDxfTags(db, options, tags), Acad::eOk);
+    const std::pair<int, double> lineReals[] = {{10, 1.25}, {20, 0.1}, {30, 0.0}, {11, 3}, {31, 5}};
+    for (const auto& [code, value] : lineReals) {
+        const dxf::DrawingTag* t = TagOf(tags, "LINE", code);
+        ASSERT_NE(t, nullptr) << code;
+        ASSERT_TRUE(t->isNumber()) << code;
+        EXPECT_EQ(t->number(), value) << code;
+        EXPECT_FALSE(std::signbit(t->number())) << code;  // a zero's text is "0.0"
+    }
+    const dxf::DrawingTag* radius = TagOf(tags, "ARC", 40);
+    ASSERT_NE(radius, nullptr);
+    EXPECT_TRUE(radius->isNumber());
+    const dxf::DrawingTag* start = TagOf(tags, "ARC", 50);
+    ASSERT_NE(start, nullptr);
+    EXPECT_FALSE(start->isNumber());
+    EXPECT_EQ(dxf::Radians(start->text()), 0.5);
+    const dxf::DrawingTag* nanX = TagOf(tags, "POINT", 10);
+    ASSERT_NE(nanX, nullptr);
+    EXPECT_FALSE(nanX->isNumber());
+    const dxf::DrawingTag* pointY = TagOf(tags, "POINT", 20);
+    ASSERT_NE(pointY, nullptr);
+    EXPECT_TRUE(pointY->isNumber());
+    const dxf::DrawingTag* layer = TagOf(tags, "LINE", 8);
+    ASSERT_NE(layer, nullptr);
+    EXPECT_EQ(layer->text(), "0");
+    const dxf::DrawingTag* viewHeight = TagOf(tags, "VPORT", 40);
+    ASSERT_NE(viewHeight, nullptr);
+    EXPECT_FALSE(viewHeight->isNumber());
 }
 
 }  // namespace
