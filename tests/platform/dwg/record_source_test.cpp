@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <initializer_list>
 #include <map>
 #include <string>
 #include <string_view>
@@ -149,25 +150,33 @@ TEST(DwgRecordSource, records_without_handles_in_a_long_list_are_numbered_as_on_
     EXPECT_TRUE(objects[0] == objects[1]);
 }
 
-// A record longer than a part's usual length stays whole in one part: every part begins with a
-// record's 0 tag, also after a polyline of 40000 vertices (80000 coordinate tags).
-TEST(DwgRecordSource, record_longer_than_a_part_stays_whole) {
-    AcDbDatabase db(true, false);
+// The drawing's tags as the DWG writer takes them, once the entities are in model space.
+Acad::ErrorStatus TagsWith(AcDbDatabase& db, std::initializer_list<AcDbEntity*> entities,
+                           dxf::DrawingTags& tags) {
     AcDbBlockTable* blocks = nullptr;
     db.getSymbolTable(blocks, AcDb::kForRead);
     AcDbBlockTableRecord* model = nullptr;
     blocks->getAt(ACDB_MODEL_SPACE, model, AcDb::kForWrite);
     blocks->close();
-    auto* polyline = new AcDbPolyline();
-    for (unsigned i = 0; i < 40000; ++i) polyline->addVertexAt(i, AcGePoint2d(i, i % 7));
-    polyline->setDatabaseDefaults(&db);
-    model->appendAcDbEntity(polyline);
-    polyline->close();
+    for (AcDbEntity* e : entities) {
+        e->setDatabaseDefaults(&db);
+        model->appendAcDbEntity(e);
+        e->close();
+    }
     model->close();
     dxf::WriteOptions options;
     options.version = AcDb::kDHL_1032;
+    return dxf::WriteDxfTags(db, options, tags);
+}
+
+// A record longer than a part's usual length stays whole in one part: every part begins with a
+// record's 0 tag, also after a polyline of 40000 vertices (80000 coordinate tags).
+TEST(DwgRecordSource, record_longer_than_a_part_stays_whole) {
+    AcDbDatabase db(true, false);
+    auto* polyline = new AcDbPolyline();
+    for (unsigned i = 0; i < 40000; ++i) polyline->addVertexAt(i, AcGePoint2d(i, i % 7));
     dxf::DrawingTags tags;
-    ASSERT_EQ(dxf::WriteDxfTags(db, options, tags), Acad::eOk);
+    ASSERT_EQ(TagsWith(db, {polyline}, tags), Acad::eOk);
     std::size_t longest = 0;
     for (const auto& part : tags.parts()) {
         ASSERT_FALSE(part.empty());
@@ -212,11 +221,6 @@ TEST(DrawingTag, a_number_has_no_text_and_a_text_is_no_number) {
 // the reader turns into radians, and the records of tables come as text.
 TEST(DwgRecordSource, entity_reals_come_as_numbers_angles_and_tables_as_text) {
     AcDbDatabase db(true, false);
-    AcDbBlockTable* blocks = nullptr;
-    db.getSymbolTable(blocks, AcDb::kForRead);
-    AcDbBlockTableRecord* model = nullptr;
-    blocks->getAt(ACDB_MODEL_SPACE, model, AcDb::kForWrite);
-    blocks->close();
     auto* line = new AcDbLine(AcGePoint3d(1.25, 0.1, -0.0), AcGePoint3d(3, 4, 5));
     auto* arc = new AcDbArc(AcGePoint3d(7, 8, 0), 2.5, 0.5, 1.5);
     // A NaN's text reads back as a NaN of other bits: it goes as text.
@@ -224,17 +228,8 @@ TEST(DwgRecordSource, entity_reals_come_as_numbers_angles_and_tables_as_text) {
     double nan = 0;
     std::memcpy(&nan, &nanBits, sizeof nan);
     auto* point = new AcDbPoint(AcGePoint3d(nan, 1, 0));
-    for (AcDbEntity* e : {static_cast<AcDbEntity*>(line), static_cast<AcDbEntity*>(arc),
-                          static_cast<AcDbEntity*>(point)}) {
-        e->setDatabaseDefaults(&db);
-        model->appendAcDbEntity(e);
-        e->close();
-    }
-    model->close();
-    dxf::WriteOptions options;
-    options.version = AcDb::kDHL_1032;
     dxf::DrawingTags tags;
-    ASSERT_EQ(dxf::WriteDxfTags(db, options, tags), Acad::eOk);
+    ASSERT_EQ(TagsWith(db, {line, arc, point}, tags), Acad::eOk);
     const std::pair<int, double> lineReals[] = {{10, 1.25}, {20, 0.1}, {30, 0.0}, {11, 3}, {31, 5}};
     for (const auto& [code, value] : lineReals) {
         const dxf::DrawingTag* t = TagOf(tags, "LINE", code);
