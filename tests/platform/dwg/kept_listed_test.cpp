@@ -77,14 +77,7 @@ TEST_F(KeptListed, layout_lists_its_kept_viewport) {
 }
 
 TEST_F(KeptListed, kept_object_the_database_no_longer_holds_is_listed_nowhere) {
-    for (const std::uint64_t handle : {kTable, kViewport}) {
-        AcDbObjectId id;
-        ASSERT_EQ(db_.getAcDbObjectId(id, false, AcDbHandle(handle)), Acad::eOk);
-        AcDbObject* object = nullptr;
-        ASSERT_EQ(acdbOpenAcDbObject(object, id, AcDb::kForWrite), Acad::eOk);
-        ASSERT_EQ(object->erase(), Acad::eOk);
-        object->close();
-    }
+    for (const std::uint64_t handle : {kTable, kViewport}) ASSERT_EQ(dwg_test::EraseObject(db_, handle), Acad::eOk);
     const auto file = written();
     EXPECT_EQ(dwg_test::StoredObjects(file).count(kTable), 0u);
     EXPECT_EQ(References(file, kTableBlock), std::vector<std::uint64_t>());

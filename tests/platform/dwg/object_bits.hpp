@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/db/database.hpp"
+#include "platform/db/object.hpp"
 #include "platform/dwg/classes.hpp"
 #include "platform/dwg/container.hpp"
 #include "platform/dwg/decode.hpp"
@@ -115,6 +117,19 @@ inline std::vector<std::string> ObjectDifferences(const std::map<std::uint64_t, 
         out.push_back(line);
     }
     return out;
+}
+
+// Erases the database's object of that handle: eOk, or the status of the step that failed.
+inline Acad::ErrorStatus EraseObject(AcDbDatabase& db, std::uint64_t handle) {
+    AcDbObjectId id;
+    Acad::ErrorStatus es = db.getAcDbObjectId(id, false, AcDbHandle(handle));
+    if (es != Acad::eOk) return es;
+    AcDbObject* object = nullptr;
+    es = acdbOpenAcDbObject(object, id, AcDb::kForWrite);
+    if (es != Acad::eOk) return es;
+    es = object->erase();
+    object->close();
+    return es;
 }
 
 }  // namespace dwg_test

@@ -30,6 +30,7 @@
 #include "platform/dxf/dxf.hpp"
 #include "platform/dxf/model.hpp"
 #include "platform/dxf/tagger.hpp"
+#include "drawing_queries.hpp"
 #include "shared_folder.hpp"
 
 namespace {
@@ -100,11 +101,7 @@ TEST(DwgRecordSource, generated_plate_drawing_written_from_tags_as_from_text) {
 
 // The tags of the DXF text of a drawing of `count` lines in model space.
 std::vector<dwg::SourceTag> LinesTags(AcDbDatabase& db, int count, std::string& text) {
-    AcDbBlockTable* blocks = nullptr;
-    db.getSymbolTable(blocks, AcDb::kForRead);
-    AcDbBlockTableRecord* model = nullptr;
-    blocks->getAt(ACDB_MODEL_SPACE, model, AcDb::kForWrite);
-    blocks->close();
+    AcDbBlockTableRecord* model = OpenModelSpace(db, AcDb::kForWrite);
     for (int i = 0; i < count; ++i) {
         auto* line = new AcDbLine(AcGePoint3d(i, 0, 0), AcGePoint3d(i, 10, 0));
         line->setDatabaseDefaults(&db);
@@ -153,11 +150,7 @@ TEST(DwgRecordSource, records_without_handles_in_a_long_list_are_numbered_as_on_
 // The drawing's tags as the DWG writer takes them, once the entities are in model space.
 Acad::ErrorStatus TagsWith(AcDbDatabase& db, std::initializer_list<AcDbEntity*> entities,
                            dxf::DrawingTags& tags) {
-    AcDbBlockTable* blocks = nullptr;
-    db.getSymbolTable(blocks, AcDb::kForRead);
-    AcDbBlockTableRecord* model = nullptr;
-    blocks->getAt(ACDB_MODEL_SPACE, model, AcDb::kForWrite);
-    blocks->close();
+    AcDbBlockTableRecord* model = OpenModelSpace(db, AcDb::kForWrite);
     for (AcDbEntity* e : entities) {
         e->setDatabaseDefaults(&db);
         model->appendAcDbEntity(e);

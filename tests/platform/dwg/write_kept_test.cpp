@@ -83,12 +83,7 @@ TEST_F(WriteKept, kept_entities_are_written_into_their_blocks) {
 
 TEST_F(WriteKept, erased_kept_object_is_not_written) {
     const std::uint64_t handle = keptOf("VISUALSTYLE").front();
-    AcDbObjectId id;
-    ASSERT_EQ(db_.getAcDbObjectId(id, false, AcDbHandle(handle)), Acad::eOk);
-    AcDbObject* object = nullptr;
-    ASSERT_EQ(acdbOpenAcDbObject(object, id, AcDb::kForWrite), Acad::eOk);
-    ASSERT_EQ(object->erase(), Acad::eOk);
-    object->close();
+    ASSERT_EQ(dwg_test::EraseObject(db_, handle), Acad::eOk);
     EXPECT_EQ(written().count(handle), 0u);
 }
 
