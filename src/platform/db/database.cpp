@@ -36,6 +36,7 @@ void AcDbDatabase::discardContents() {
     m_acdsData.clear();
     m_dwgKept.clear();
     m_dwgFiled = {};
+    m_textSpellings.clear();
 }
 
 // ---- Objects ----
