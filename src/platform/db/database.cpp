@@ -39,6 +39,10 @@ void AcDbDatabase::discardContents() {
     m_textSpellings.clear();
 }
 
+void AcDbDatabase::addTextSpelling(AcDbHandle record, int code, std::string_view spelling) {
+    m_textSpellings[record.value()].push_back(code, spelling);
+}
+
 // ---- Objects ----
 
 AcDbStub& AcDbDatabase::newStub(AcDbHandle handle) {

@@ -166,8 +166,8 @@ public:
     // \M+nXXXX) where the database holds the characters: per record handle, those tags as the
     // file spelled them (UTF-8, escapes kept). A writer spells a tag of the record so while its
     // value is still the one the spelling decodes to.
-    std::unordered_map<std::uint64_t, AcDbRawTags>& textSpellings() { return m_textSpellings; }
     const std::unordered_map<std::uint64_t, AcDbRawTags>& textSpellings() const { return m_textSpellings; }
+    void addTextSpelling(AcDbHandle record, int code, std::string_view spelling);
     // Version of the file read (AC1009 ... AC1032); the writer may keep it.
     AcDb::AcDbDwgVersion originalFileVersion() const { return m_fileVersion; }
     void setOriginalFileVersion(AcDb::AcDbDwgVersion v) { m_fileVersion = v; }

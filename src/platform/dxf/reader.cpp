@@ -100,6 +100,29 @@ bool ParseHandle(std::string_view text, std::uint64_t& value) {
     return true;
 }
 
+// Where a handle of a record's head (before its first subclass) stands: the owner (the first
+// 330 outside the application groups), a persistent reactor, the extension dictionary.
+enum class HeadPlace { kOwner, kReactor, kExtensionDictionary };
+
+template <typename Visit>
+void ForEachHeadHandle(const AcDbRawTags& tags, Visit visit) {
+    if (tags.empty()) return;
+    bool ownerSeen = false;
+    for (auto it = std::next(tags.begin()), end = tags.end(); it != end && it->code != 100; ++it) {
+        if (it->code == 102) {
+            const bool reactors = it->value == "{ACAD_REACTORS", xdict = it->value == "{ACAD_XDICTIONARY";
+            for (++it; it != end && it->code != 102; ++it) {
+                if (reactors && it->code == 330) visit(HeadPlace::kReactor, it->value);
+                else if (xdict && it->code == 360) visit(HeadPlace::kExtensionDictionary, it->value);
+            }
+            if (it == end) break;
+        } else if (it->code == 330 && !ownerSeen) {
+            ownerSeen = true;
+            visit(HeadPlace::kOwner, it->value);
+        }
+    }
+}
+
 class Builder {
 public:
     explicit Builder(AcDbDatabase& db) : m_db(db) {}
@@ -121,7 +144,9 @@ private:
     void pack(std::span<const Tag> record, std::vector<AcDbObject::XDataGroup>* xdata);
     // The value as the database keeps it; a text's escapes decoded, their spelling noted.
     std::string_view value(const Tag& tag);
-    void keepSpellings();
+    // Out of line, as they are seldom called: pack stays small enough to take its pushes inline.
+    [[gnu::noinline]] void noteSpelling(int code) { m_spellings.emplace_back(code, m_spelled); }
+    [[gnu::noinline]] void keepSpellings();
     AcDbObjectId idOf(std::string_view handleText);
     // The record's own handle (5, or 105 of a dimension style); null when it has none.
     static AcDbHandle handleOf(const AcDbRawTags& tags);
@@ -138,6 +163,8 @@ private:
     AcDbObjectId add(AcDbObject* object, AcDbHandle handle);
     AcDbHandle provisionalHandle();
     void readHead(AcDbObject& o);
+    template <typename V>
+    V vertexOf(AcDbRawTags tags);
     void readEntity(AcDbEntity& e);
     void keepRecord(AcDbEntity& e, std::span<const Tag> record);
     AcDbSymbolTable* tableFor(const std::string& name);
@@ -166,7 +193,7 @@ private:
     std::vector<std::pair<AcDbLayerTableRecord*, std::wstring>> m_layerLinetypes;
     std::string m_scratch;
     std::string m_spelled;    // a text as the file spells it (scratch of value)
-    AcDbRawTags m_spellings;  // of the record being packed
+    std::vector<std::pair<int, std::string>> m_spellings;  // of the record being packed
     AcDbRawTags m_packed;
     bool m_dropModelled = false;
     Model m_model;  // scratch of DropModelledRecord
@@ -182,7 +209,7 @@ std::string_view Builder::value(const Tag& tag) {
         if (DecodesUnchanged(tag.value, m_facts.codePage)) return tag.value;
         DecodeCodePage(tag.value, m_facts.codePage, m_spelled);
         if (!DecodeEscapes(m_spelled, m_scratch)) return m_spelled;
-        m_spellings.push_back(tag.code, m_spelled);
+        noteSpelling(tag.code);
         return m_scratch;
     }
     if (IsIntegerKind(kind) && tag.made != Made::kInteger) {
@@ -223,7 +250,8 @@ void Builder::pack(std::span<const Tag> record, std::vector<AcDbObject::XDataGro
 // one has nothing a writer could match them to.
 void Builder::keepSpellings() {
     AcDbHandle handle = handleOf(m_packed);
-    if (!handle.isNull()) m_db.textSpellings()[handle.value()] = m_spellings;
+    if (handle.isNull()) return;
+    for (const auto& [code, spelling] : m_spellings) m_db.addTextSpelling(handle, code, spelling);
 }
 
 AcDbObjectId Builder::idOf(std::string_view text) {
@@ -274,27 +302,29 @@ AcDbObjectId Builder::add(AcDbObject* object, AcDbHandle handle) {
 
 // The record's head: owner, reactors and extension dictionary.
 void Builder::readHead(AcDbObject& o) {
-    const auto& tags = o.fileTags();
-    if (tags.empty()) return;
-    bool ownerSeen = false;
-    for (auto it = std::next(tags.begin()), end = tags.end(); it != end && it->code != 100; ++it) {
-        AcDbRawTag t = *it;
-        if (t.code == 102) {
-            bool reactors = t.value == "{ACAD_REACTORS", xdict = t.value == "{ACAD_XDICTIONARY";
-            for (++it; it != end && it->code != 102; ++it) {
-                if (reactors && it->code == 330) {
-                    AcDbObjectId id = idOf(it->value);
-                    if (!id.isNull()) o.persistentReactors().append(id);
-                } else if (xdict && it->code == 360) {
-                    o.setExtensionDictionary(idOf(it->value));
-                }
-            }
-            if (it == end) break;
-        } else if (t.code == 330 && !ownerSeen) {
-            ownerSeen = true;
-            o.setOwnerId(idOf(t.value));
+    ForEachHeadHandle(o.fileTags(), [&](HeadPlace place, std::string_view handle) {
+        if (place == HeadPlace::kOwner) {
+            o.setOwnerId(idOf(handle));
+        } else if (place == HeadPlace::kExtensionDictionary) {
+            o.setExtensionDictionary(idOf(handle));
+        } else if (AcDbObjectId id = idOf(handle); !id.isNull()) {
+            o.persistentReactors().append(id);
         }
-    }
+    });
+}
+
+// A vertex from its record: its values, handle and own reactors, the record kept.
+template <typename V>
+V Builder::vertexOf(AcDbRawTags tags) {
+    V v;
+    ReadVertexFields(v, tags);
+    v.handle = handleOf(tags);
+    ForEachHeadHandle(tags, [&](HeadPlace place, std::string_view handle) {
+        if (place != HeadPlace::kReactor) return;
+        if (AcDbObjectId id = idOf(handle); !id.isNull()) v.reactors.append(id);
+    });
+    v.fileTags = std::move(tags);
+    return v;
 }
 
 void Builder::readEntity(AcDbEntity& e) {
@@ -431,17 +461,9 @@ void Builder::readEntityRecord(std::span<const Tag> record) {
         AcDbRawTags tags;
         toRawTags(record, tags, nullptr);
         if (auto* p2 = AcDb2dPolyline::cast(m_openPolyline)) {
-            AcDb2dVertex v;
-            ReadVertexFields(v, tags);
-            v.handle = handleOf(tags);
-            v.fileTags = std::move(tags);
-            p2->vertices().push_back(std::move(v));
+            p2->vertices().push_back(vertexOf<AcDb2dVertex>(std::move(tags)));
         } else if (auto* p3 = AcDb3dPolyline::cast(m_openPolyline)) {
-            AcDb3dPolylineVertex v;
-            ReadVertexFields(v, tags);
-            v.handle = handleOf(tags);
-            v.fileTags = std::move(tags);
-            p3->vertices().push_back(std::move(v));
+            p3->vertices().push_back(vertexOf<AcDb3dPolylineVertex>(std::move(tags)));
         } else {
             m_openPolyline->fileTags().append(tags);
         }
