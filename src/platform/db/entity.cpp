@@ -32,6 +32,16 @@ std::wstring recordName(AcDbObjectId id) {
 }
 }  // namespace
 
+const AcDbSharedName& AcDbEntity::DefaultLayer() {
+    static const AcDbSharedName name(L"0");
+    return name;
+}
+
+const AcDbSharedName& AcDbEntity::DefaultLinetype() {
+    static const AcDbSharedName name(L"BYLAYER");
+    return name;
+}
+
 Acad::ErrorStatus AcDbEntity::writeRefusal() const {
     if (database() == nullptr) return Acad::eOk;
     AcDbObjectId layer = recordIdByName(database(), AcDbDatabase::kLayerTable, m_layer.str());

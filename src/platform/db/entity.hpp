@@ -78,8 +78,11 @@ private:
     // The two flags first, where they fill the object's last bytes before the pointers.
     bool m_invisible = false;
     bool m_paperSpace = false;
-    AcDbSharedName m_layer{L"0"};
-    AcDbSharedName m_linetype{L"BYLAYER"};
+    // The defaults are kept once, not looked up again for each entity made.
+    static const AcDbSharedName& DefaultLayer();
+    static const AcDbSharedName& DefaultLinetype();
+    AcDbSharedName m_layer = DefaultLayer();
+    AcDbSharedName m_linetype = DefaultLinetype();
     AcDbSharedName m_plotStyleName;
     AcCmColor m_color;
     double m_linetypeScale = 1.0;
