@@ -204,7 +204,7 @@ bool DropModelledRecord(AcDbObject& object, Model& model, AcDbRawTags& dropped, 
     object.fileTags().clear();
     BuildModel(object, false, model);
     RecordMatch match(asRead, made);
-    NewRecord(object, model, false, match);
+    NewRecord(HeadIdsOf(object), model, false, match);
     if (match.whole()) {
         dropped = std::move(asRead);
         return true;

@@ -102,6 +102,29 @@ bool ParseHandle(std::string_view text, std::uint64_t& value) {
     return true;
 }
 
+// Where a handle of a record's head (before its first subclass) stands: the owner (the first
+// 330 outside the application groups), a persistent reactor, the extension dictionary.
+enum class HeadPlace { kOwner, kReactor, kExtensionDictionary };
+
+template <typename Visit>
+void ForEachHeadHandle(const AcDbRawTags& tags, Visit visit) {
+    if (tags.empty()) return;
+    bool ownerSeen = false;
+    for (auto it = std::next(tags.begin()), end = tags.end(); it != end && it->code != 100; ++it) {
+        if (it->code == 102) {
+            const bool reactors = it->value == "{ACAD_REACTORS", xdict = it->value == "{ACAD_XDICTIONARY";
+            for (++it; it != end && it->code != 102; ++it) {
+                if (reactors && it->code == 330) visit(HeadPlace::kReactor, it->value);
+                else if (xdict && it->code == 360) visit(HeadPlace::kExtensionDictionary, it->value);
+            }
+            if (it == end) break;
+        } else if (it->code == 330 && !ownerSeen) {
+            ownerSeen = true;
+            visit(HeadPlace::kOwner, it->value);
+        }
+    }
+}
+
 class Builder {
 public:
     explicit Builder(AcDbDatabase& db) : m_db(db) {}
@@ -140,6 +163,8 @@ private:
     AcDbObjectId add(AcDbObject* object, AcDbHandle handle);
     AcDbHandle provisionalHandle();
     void readHead(AcDbObject& o);
+    template <typename V>
+    V vertexOf(AcDbRawTags tags);
     void readEntity(AcDbEntity& e);
     void keepRecord(AcDbEntity& e, std::span<const Tag> record);
     AcDbSymbolTable* tableFor(const std::string& name);
@@ -262,27 +287,29 @@ AcDbObjectId Builder::add(AcDbObject* object, AcDbHandle handle) {
 
 // The record's head: owner, reactors and extension dictionary.
 void Builder::readHead(AcDbObject& o) {
-    const auto& tags = o.fileTags();
-    if (tags.empty()) return;
-    bool ownerSeen = false;
-    for (auto it = std::next(tags.begin()), end = tags.end(); it != end && it->code != 100; ++it) {
-        AcDbRawTag t = *it;
-        if (t.code == 102) {
-            bool reactors = t.value == "{ACAD_REACTORS", xdict = t.value == "{ACAD_XDICTIONARY";
-            for (++it; it != end && it->code != 102; ++it) {
-                if (reactors && it->code == 330) {
-                    AcDbObjectId id = idOf(it->value);
-                    if (!id.isNull()) o.persistentReactors().append(id);
-                } else if (xdict && it->code == 360) {
-                    o.setExtensionDictionary(idOf(it->value));
-                }
-            }
-            if (it == end) break;
-        } else if (t.code == 330 && !ownerSeen) {
-            ownerSeen = true;
-            o.setOwnerId(idOf(t.value));
+    ForEachHeadHandle(o.fileTags(), [&](HeadPlace place, std::string_view handle) {
+        if (place == HeadPlace::kOwner) {
+            o.setOwnerId(idOf(handle));
+        } else if (place == HeadPlace::kExtensionDictionary) {
+            o.setExtensionDictionary(idOf(handle));
+        } else if (AcDbObjectId id = idOf(handle); !id.isNull()) {
+            o.persistentReactors().append(id);
         }
-    }
+    });
+}
+
+// A vertex from its record: its values, handle and own reactors, the record kept.
+template <typename V>
+V Builder::vertexOf(AcDbRawTags tags) {
+    V v;
+    ReadVertexFields(v, tags);
+    v.handle = handleOf(tags);
+    ForEachHeadHandle(tags, [&](HeadPlace place, std::string_view handle) {
+        if (place != HeadPlace::kReactor) return;
+        if (AcDbObjectId id = idOf(handle); !id.isNull()) v.reactors.append(id);
+    });
+    v.fileTags = std::move(tags);
+    return v;
 }
 
 void Builder::readEntity(AcDbEntity& e) {
@@ -419,17 +446,9 @@ void Builder::readEntityRecord(std::span<const Tag> record) {
         AcDbRawTags tags;
         toRawTags(record, tags, nullptr);
         if (auto* p2 = AcDb2dPolyline::cast(m_openPolyline)) {
-            AcDb2dVertex v;
-            ReadVertexFields(v, tags);
-            v.handle = handleOf(tags);
-            v.fileTags = std::move(tags);
-            p2->vertices().push_back(std::move(v));
+            p2->vertices().push_back(vertexOf<AcDb2dVertex>(std::move(tags)));
         } else if (auto* p3 = AcDb3dPolyline::cast(m_openPolyline)) {
-            AcDb3dPolylineVertex v;
-            ReadVertexFields(v, tags);
-            v.handle = handleOf(tags);
-            v.fileTags = std::move(tags);
-            p3->vertices().push_back(std::move(v));
+            p3->vertices().push_back(vertexOf<AcDb3dPolylineVertex>(std::move(tags)));
         } else {
             m_openPolyline->fileTags().append(tags);
         }

@@ -114,7 +114,7 @@ private:
     }
     void flush();
     void object(const AcDbObject& o);
-    void merge(const AcDbObject& o, const AcDbRawTags& tmpl, const Model& model);
+    void merge(const AcDbObject& o, const HeadIds& head, const AcDbRawTags& tmpl, const Model& model);
     void emitRun(int run, std::span<const AcDbRawTag> asRead = {});
     void carriedRecord(std::span<const AcDbRawTag> record, AcDbHandle owner,
                        const std::vector<std::string_view>& subclasses);
@@ -239,9 +239,9 @@ void Writer::field(const Field& f) {
     m_out += '\n';
 }
 
-void Writer::merge(const AcDbObject& o, const AcDbRawTags& tmpl, const Model& model) {
+void Writer::merge(const AcDbObject& o, const HeadIds& head, const AcDbRawTags& tmpl, const Model& model) {
     SegmentMerge& seg = m_segment;
-    auto headGroups = [&](bool xdict, bool reactors) { HeadGroups(o, m_r12, xdict, reactors, *this); };
+    auto headGroups = [&](bool xdict, bool reactors) { HeadGroups(head, m_r12, xdict, reactors, *this); };
     auto finish = [&](bool head) {
         if (!seg.active) return;
         seg.active = false;
@@ -257,7 +257,7 @@ void Writer::merge(const AcDbObject& o, const AcDbRawTags& tmpl, const Model& mo
     auto writeSubclass = [&](const Subclass& s) { NewSubclass(model, s, m_r12, *this); };
 
     if (tmpl.empty()) {
-        NewRecord(o, model, m_r12, *this);
+        NewRecord(head, model, m_r12, *this);
         return;
     }
 
@@ -268,7 +268,7 @@ void Writer::merge(const AcDbObject& o, const AcDbRawTags& tmpl, const Model& mo
         // A record of R12 has no subclasses: for a later version it is written anew.
         std::vector<std::span<const AcDbRawTag>> records = SplitRecords(t);
         if (Upgradable(o, records, model)) {
-            NewRecord(o, model, false, *this, records[0]);
+            NewRecord(head, model, false, *this, records[0]);
             for (size_t k = 1; k < records.size(); ++k) {
                 bool seqEnd = records[k][0].value == "SEQEND";
                 carriedRecord(records[k], o.objectId().handle(),
@@ -458,7 +458,7 @@ void Writer::xdata(const AcDbObject& o) {
 
 void Writer::object(const AcDbObject& o) {
     BuildModel(o, !o.fileTags().empty(), m_model);
-    merge(o, o.fileTags(), m_model);
+    merge(o, HeadIdsOf(o), o.fileTags(), m_model);
     xdata(o);
 }
 
@@ -583,7 +583,7 @@ void Writer::table(AcDbDatabase::TableKind kind, const char* name) {
         w.handle(5, t->getHandle());
         w.subclass("AcDbSymbolTable");
         w.integer(70, count);
-        merge(*t, t->fileTags(), model);
+        merge(*t, HeadIdsOf(*t), t->fileTags(), model);
         xdata(*t);
     }
     for (const auto& id : t->recordIds()) {
@@ -642,12 +642,19 @@ void Writer::marker(const AcDbBlockTableRecord& block, const AcDbBlockTableRecor
     } else {
         w.subclass("AcDbBlockEnd");
     }
-    merge(block, m.tags, m_partModel);
+    merge(block, HeadIdsOf(block), m.tags, m_partModel);
 }
 
 void Writer::seqEnd(const AcDbEntity& owner, AcDbHandle handle, const AcDbRawTags& tmpl) {
     partModel("SEQEND", handle, owner.getHandle(), tmpl.empty(), owner.layer());
-    merge(owner, tmpl, m_partModel);
+    merge(owner, HeadIdsOf(owner), tmpl, m_partModel);
+}
+
+// The head a vertex's record is written with: its polyline's extension dictionary and the
+// vertex's own reactors (a vertex has its own, apart from its polyline's).
+template <typename V>
+HeadIds VertexHead(const V& v, const AcDbEntity& owner) {
+    return {owner.extensionDictionary(), &v.reactors};
 }
 
 template <typename V>
@@ -667,7 +674,7 @@ void Writer::vertex(const V& v, const AcDbEntity& owner) {
     } else {
         w.integer(70, v.flags | 32);
     }
-    merge(owner, v.fileTags, m_partModel);
+    merge(owner, VertexHead(v, owner), v.fileTags, m_partModel);
 }
 
 void Writer::entity(const AcDbEntity& e) {
