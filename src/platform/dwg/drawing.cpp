@@ -430,8 +430,12 @@ void Drawing::writeEntity(DxfText& to, ItemIndex index, std::uint64_t owner) {
     const DecodedObject& decoded = item.decoded ? *item.decoded : again;
     const std::string type = typeName(item);
     if (plainEntities && to.takesPlain() && !owned.contains(item.handle)) {
+        // Built here, on the helper thread when there is one; the feed adds it.
         dxf::PlainEntity plain;
-        if (PlainEntityOf(decoded, type, owner, names, plain) && to.plain(plain, index)) return;
+        if (PlainEntityOf(decoded, type, owner, names, plain)) {
+            std::unique_ptr<AcDbEntity> built = dxf::BuildPlainEntity(plain);
+            if (built && to.plain(plain, std::move(built), index)) return;
+        }
     }
     writeRecord(to, item, decoded, type, owner);
 }

@@ -127,6 +127,7 @@ bool SamePoint(const AcGePoint3d& recorded, const AcGePoint3d& modelled) {
 
 // An angle whose degrees the writer gives as the record has them.
 bool SameAngle(double recorded, double modelled) {
+    if (std::bit_cast<std::uint64_t>(recorded) == std::bit_cast<std::uint64_t>(modelled)) return true;
     thread_local std::string a, b;
     a.clear();
     b.clear();

@@ -136,7 +136,7 @@ public:
     ReadError take(std::span<const Tag> record);
     bool ended() const { return m_order.ended(); }
     // An entity from its record's values (see RecordFeed::plainEntity); false when it needs the record.
-    bool takePlain(const PlainEntity& plain);
+    bool takePlain(const PlainEntity& plain, std::unique_ptr<AcDbEntity> e);
     // After the last record, at the line given: what the drawing lacks, and the names resolved.
     ReadError finish(int lastLine);
 
@@ -486,7 +486,8 @@ void Builder::readEntityRecord(std::span<const Tag> record) {
 // As readEntityRecord reads the record: the owner the record names, which must be the block the
 // entity goes to (the writer gives that one), the values, the handle. The record is needed when
 // the entity does not make it again, or it goes elsewhere.
-bool Builder::takePlain(const PlainEntity& plain) {
+bool Builder::takePlain(const PlainEntity& plain, std::unique_ptr<AcDbEntity> e) {
+    if (!e) return false;
     const std::string_view section = m_order.section();
     if (section != "ENTITIES" && section != "BLOCKS") return false;
     AcDbObjectId declared;
@@ -494,8 +495,6 @@ bool Builder::takePlain(const PlainEntity& plain) {
     const AcDbBlockTableRecord* owner =
         m_currentBlock ? m_currentBlock : AcDbBlockTableRecord::cast(declared.stub()->object.get());
     if (owner == nullptr || owner->getHandle().value() != plain.owner) return false;
-    std::unique_ptr<AcDbEntity> e(NewPlainEntity(plain));
-    if (!e || !ModelGivesPlainRecord(*e, plain)) return false;
     e->setOwnerId(declared);
     AcDbEntity* added = e.release();
     attachEntity(added, add(added, AcDbHandle(plain.handle)));
@@ -756,10 +755,10 @@ void RecordFeed::record(std::span<const Tag> tags) {
     if (!s.tags.empty()) s.error = s.builder.take(s.tags);
 }
 
-bool RecordFeed::plainEntity(const PlainEntity& plain) {
+bool RecordFeed::plainEntity(const PlainEntity& plain, std::unique_ptr<AcDbEntity> built) {
     State& s = *m_state;
     if (s.error.error != DxfError::kNone || s.builder.ended()) return true;  // ignored, as records are
-    if (!s.builder.takePlain(plain)) return false;
+    if (!s.builder.takePlain(plain, std::move(built))) return false;
     s.line += 2 * PlainRecordTags(plain);
     return true;
 }

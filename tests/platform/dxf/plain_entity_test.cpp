@@ -121,7 +121,7 @@ void Build(const dxf::PlainEntity& p, bool inBlock, bool plain, const std::strin
     dxf::RecordFeed feed(out.db, "t.dxf");
     FeedText(feed, kTables);
     auto entity = [&] {
-        out.taken = plain && feed.plainEntity(p);
+        out.taken = plain && feed.plainEntity(p, dxf::BuildPlainEntity(p));
         if (!out.taken) feed.record(Record(p).tags());
     };
     if (inBlock) entity();
