@@ -4,7 +4,9 @@
 #include "platform/db/curve.hpp"
 
 // Vertices of the classic polylines. They are owned by their polyline and stored in it as
-// values; each keeps its drawing-file handle and record for a lossless write.
+// values; each keeps its drawing-file handle and record for a lossless write, and the
+// persistent reactors it has of its own (a dimension associated with the vertex), apart from
+// its polyline's.
 class AcDb2dVertex {
 public:
     AcGePoint3d position;  // in the polyline's plane (x, y, elevation)
@@ -17,6 +19,7 @@ public:
     AcDbHandle handle;
     AcDbRawTags fileTags;
     AcDbRawTags commonTags;  // layer, colour... of the VERTEX record as read
+    AcDbObjectIdArray reactors;
     bool operator==(const AcDb2dVertex&) const = default;
 };
 
@@ -28,6 +31,7 @@ public:
     AcDbHandle handle;
     AcDbRawTags fileTags;
     AcDbRawTags commonTags;
+    AcDbObjectIdArray reactors;
     bool operator==(const AcDb3dPolylineVertex&) const = default;
 };
 

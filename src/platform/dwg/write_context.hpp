@@ -97,9 +97,11 @@ std::vector<ExtendedData> ExtendedDataOf(const SourceRecord& r, const WriteConte
 EntityCommon EntityCommonOf(const SourceRecord& r, std::uint64_t owner, WriteContext& c);
 
 // The common data of an entity the database holds as a part of its owner (BLOCK, ENDBLK,
-// VERTEX, SEQEND): its record carries its owner's reactors, extension dictionary and extended
-// data, which are not the part's. BLOCK and ENDBLK are stored by space as entities are.
+// SEQEND): its record carries its owner's reactors, extension dictionary and extended data,
+// which are not the part's. BLOCK and ENDBLK are stored by space as entities are.
 EntityCommon PartCommonOf(const SourceRecord& r, std::uint64_t owner, WriteContext& c);
+// The same for a VERTEX, whose record gives the vertex's own reactors.
+EntityCommon VertexCommonOf(const SourceRecord& r, std::uint64_t owner, WriteContext& c);
 
 // The dimension variables of a new drawing, for those a record or the header does not give.
 DimensionVariables NewDrawingDimensionVariables();

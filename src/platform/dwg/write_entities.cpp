@@ -136,11 +136,16 @@ EntityCommon EntityCommonOf(const SourceRecord& record, std::uint64_t owner, Wri
     return e;
 }
 
-EntityCommon PartCommonOf(const SourceRecord& r, std::uint64_t owner, WriteContext& c) {
+EntityCommon VertexCommonOf(const SourceRecord& r, std::uint64_t owner, WriteContext& c) {
     EntityCommon common = EntityCommonOf(r, owner, c);
     common.extensionDictionary = 0;
-    common.reactors.clear();
     common.extended.clear();
+    return common;
+}
+
+EntityCommon PartCommonOf(const SourceRecord& r, std::uint64_t owner, WriteContext& c) {
+    EntityCommon common = VertexCommonOf(r, owner, c);
+    common.reactors.clear();
     return common;
 }
 
@@ -424,7 +429,7 @@ std::size_t EntityWriter::writePolyline(std::size_t i, EntityCommon common, std:
     const std::size_t end = OwnedEnd(records, i + 1);
     std::size_t next = i + 1;
     for (; next < end; ++next) {
-        EntityCommon vc = PartCommonOf(records[next], polyline.common.handle, c);
+        EntityCommon vc = VertexCommonOf(records[next], polyline.common.handle, c);
         vc.mode = 0;
         const std::uint64_t handle = vc.handle;
         c.add(handle, EncodeVertex(VertexOf(records[next], std::move(vc), kind), c.options));

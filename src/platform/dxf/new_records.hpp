@@ -13,18 +13,27 @@
 
 namespace dxf {
 
+// What the head of a record names: an object's extension dictionary and persistent reactors,
+// or those a part of an object (a vertex) is written with.
+struct HeadIds {
+    AcDbObjectId extensionDictionary;
+    const AcDbObjectIdArray* reactors = nullptr;
+};
+
+inline HeadIds HeadIdsOf(const AcDbObject& o) { return {o.extensionDictionary(), &o.persistentReactors()}; }
+
 // The application groups of a record's head: extension dictionary and persistent reactors.
 template <typename Sink>
-void HeadGroups(const AcDbObject& o, bool r12, bool xdict, bool reactors, Sink& sink) {
+void HeadGroups(const HeadIds& head, bool r12, bool xdict, bool reactors, Sink& sink) {
     if (r12) return;
-    if (xdict && !o.extensionDictionary().isNull()) {
+    if (xdict && !head.extensionDictionary.isNull()) {
         sink.tag(102, "{ACAD_XDICTIONARY");
-        sink.tag(360, HandleText(o.extensionDictionary().handle()));
+        sink.tag(360, HandleText(head.extensionDictionary.handle()));
         sink.tag(102, "}");
     }
-    if (reactors && !o.persistentReactors().isEmpty()) {
+    if (reactors && !head.reactors->isEmpty()) {
         sink.tag(102, "{ACAD_REACTORS");
-        for (const auto& id : o.persistentReactors()) sink.tag(330, HandleText(id.handle()));
+        for (const auto& id : *head.reactors) sink.tag(330, HandleText(id.handle()));
         sink.tag(102, "}");
     }
 }
@@ -98,13 +107,13 @@ void NewSubclass(const Model& model, const Subclass& s, bool r12, Sink& sink,
 // record with subclasses has them: entity properties in AcDbEntity, the rest in the last
 // subclass.
 template <typename Sink>
-void NewRecord(const AcDbObject& o, const Model& model, bool r12, Sink& sink,
+void NewRecord(const HeadIds& ids, const Model& model, bool r12, Sink& sink,
                std::span<const AcDbRawTag> asRead = {}) {
     sink.tag(0, model.type);
     std::span<const Field> head = model.fieldsOf(model.subclasses[0]);
     for (const Field& f : head)
         if (f.code != 330) sink.field(f);
-    HeadGroups(o, r12, true, true, sink);
+    HeadGroups(ids, r12, true, true, sink);
     for (const Field& f : head)
         if (f.code == 330 && !r12) sink.field(f);
     bool entity = std::any_of(model.subclasses.begin(), model.subclasses.end(),

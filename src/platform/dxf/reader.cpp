@@ -7,6 +7,7 @@
 #include <cstring>
 #include <iterator>
 #include <map>
+#include <memory>
 #include <span>
 #include <unordered_map>
 #include <unordered_set>
@@ -33,6 +34,7 @@
 #include "platform/dxf/mapped_file.hpp"
 #include "platform/dxf/model.hpp"
 #include "platform/dxf/modelled_record.hpp"
+#include "platform/dxf/plain_entity.hpp"
 #include "platform/dxf/table_records.hpp"
 #include "platform/dxf/record_feed.hpp"
 #include "platform/dxf/record_walk.hpp"
@@ -100,6 +102,29 @@ bool ParseHandle(std::string_view text, std::uint64_t& value) {
     return true;
 }
 
+// Where a handle of a record's head (before its first subclass) stands: the owner (the first
+// 330 outside the application groups), a persistent reactor, the extension dictionary.
+enum class HeadPlace { kOwner, kReactor, kExtensionDictionary };
+
+template <typename Visit>
+void ForEachHeadHandle(const AcDbRawTags& tags, Visit visit) {
+    if (tags.empty()) return;
+    bool ownerSeen = false;
+    for (auto it = std::next(tags.begin()), end = tags.end(); it != end && it->code != 100; ++it) {
+        if (it->code == 102) {
+            const bool reactors = it->value == "{ACAD_REACTORS", xdict = it->value == "{ACAD_XDICTIONARY";
+            for (++it; it != end && it->code != 102; ++it) {
+                if (reactors && it->code == 330) visit(HeadPlace::kReactor, it->value);
+                else if (xdict && it->code == 360) visit(HeadPlace::kExtensionDictionary, it->value);
+            }
+            if (it == end) break;
+        } else if (it->code == 330 && !ownerSeen) {
+            ownerSeen = true;
+            visit(HeadPlace::kOwner, it->value);
+        }
+    }
+}
+
 class Builder {
 public:
     explicit Builder(AcDbDatabase& db) : m_db(db) {}
@@ -110,6 +135,8 @@ public:
     // Builds from one record (its tags checked); ended() once EOF has been met.
     ReadError take(std::span<const Tag> record);
     bool ended() const { return m_order.ended(); }
+    // An entity from its record's values (see RecordFeed::plainEntity); false when it needs the record.
+    bool takePlain(const PlainEntity& plain);
     // After the last record, at the line given: what the drawing lacks, and the names resolved.
     ReadError finish(int lastLine);
 
@@ -136,6 +163,8 @@ private:
     AcDbObjectId add(AcDbObject* object, AcDbHandle handle);
     AcDbHandle provisionalHandle();
     void readHead(AcDbObject& o);
+    template <typename V>
+    V vertexOf(AcDbRawTags tags);
     void readEntity(AcDbEntity& e);
     void keepRecord(AcDbEntity& e, std::span<const Tag> record);
     AcDbSymbolTable* tableFor(const std::string& name);
@@ -241,45 +270,46 @@ AcDbHandle Builder::provisionalHandle() {
 AcDbObjectId Builder::add(AcDbObject* object, AcDbHandle handle) {
     AcDbObjectId id;
     if (handle.isNull()) handle = provisionalHandle();
-    if (m_db.addAcDbObjectWithHandle(id, object, handle) != Acad::eOk) {
+    // The reader fills the object's fields directly: it is added closed, as a read leaves it.
+    if (m_db.addClosedAcDbObjectWithHandle(id, object, handle) != Acad::eOk) {
         AcDbObjectId earlier;
         if (m_provisional.erase(handle.value()) != 0 &&
             m_db.getAcDbObjectId(earlier, false, handle) == Acad::eOk &&
             m_db.moveToHandle(earlier, provisionalHandle()) == Acad::eOk) {
-            m_db.addAcDbObjectWithHandle(id, object, handle);
+            m_db.addClosedAcDbObjectWithHandle(id, object, handle);
         } else {
             // A handle used twice: the later object takes a fresh one.
-            m_db.addAcDbObjectWithHandle(id, object, provisionalHandle());
+            m_db.addClosedAcDbObjectWithHandle(id, object, provisionalHandle());
         }
     }
-    // The reader fills the object's fields directly; a drawing read leaves nothing open.
-    object->close();
     return id;
 }
 
 // The record's head: owner, reactors and extension dictionary.
 void Builder::readHead(AcDbObject& o) {
-    const auto& tags = o.fileTags();
-    if (tags.empty()) return;
-    bool ownerSeen = false;
-    for (auto it = std::next(tags.begin()), end = tags.end(); it != end && it->code != 100; ++it) {
-        AcDbRawTag t = *it;
-        if (t.code == 102) {
-            bool reactors = t.value == "{ACAD_REACTORS", xdict = t.value == "{ACAD_XDICTIONARY";
-            for (++it; it != end && it->code != 102; ++it) {
-                if (reactors && it->code == 330) {
-                    AcDbObjectId id = idOf(it->value);
-                    if (!id.isNull()) o.persistentReactors().append(id);
-                } else if (xdict && it->code == 360) {
-                    o.setExtensionDictionary(idOf(it->value));
-                }
-            }
-            if (it == end) break;
-        } else if (t.code == 330 && !ownerSeen) {
-            ownerSeen = true;
-            o.setOwnerId(idOf(t.value));
+    ForEachHeadHandle(o.fileTags(), [&](HeadPlace place, std::string_view handle) {
+        if (place == HeadPlace::kOwner) {
+            o.setOwnerId(idOf(handle));
+        } else if (place == HeadPlace::kExtensionDictionary) {
+            o.setExtensionDictionary(idOf(handle));
+        } else if (AcDbObjectId id = idOf(handle); !id.isNull()) {
+            o.persistentReactors().append(id);
         }
-    }
+    });
+}
+
+// A vertex from its record: its values, handle and own reactors, the record kept.
+template <typename V>
+V Builder::vertexOf(AcDbRawTags tags) {
+    V v;
+    ReadVertexFields(v, tags);
+    v.handle = handleOf(tags);
+    ForEachHeadHandle(tags, [&](HeadPlace place, std::string_view handle) {
+        if (place != HeadPlace::kReactor) return;
+        if (AcDbObjectId id = idOf(handle); !id.isNull()) v.reactors.append(id);
+    });
+    v.fileTags = std::move(tags);
+    return v;
 }
 
 void Builder::readEntity(AcDbEntity& e) {
@@ -416,17 +446,9 @@ void Builder::readEntityRecord(std::span<const Tag> record) {
         AcDbRawTags tags;
         toRawTags(record, tags, nullptr);
         if (auto* p2 = AcDb2dPolyline::cast(m_openPolyline)) {
-            AcDb2dVertex v;
-            ReadVertexFields(v, tags);
-            v.handle = handleOf(tags);
-            v.fileTags = std::move(tags);
-            p2->vertices().push_back(std::move(v));
+            p2->vertices().push_back(vertexOf<AcDb2dVertex>(std::move(tags)));
         } else if (auto* p3 = AcDb3dPolyline::cast(m_openPolyline)) {
-            AcDb3dPolylineVertex v;
-            ReadVertexFields(v, tags);
-            v.handle = handleOf(tags);
-            v.fileTags = std::move(tags);
-            p3->vertices().push_back(std::move(v));
+            p3->vertices().push_back(vertexOf<AcDb3dPolylineVertex>(std::move(tags)));
         } else {
             m_openPolyline->fileTags().append(tags);
         }
@@ -459,6 +481,27 @@ void Builder::readEntityRecord(std::span<const Tag> record) {
         }
     }
     keepRecord(*e, record);
+}
+
+// As readEntityRecord reads the record: the owner the record names, which must be the block the
+// entity goes to (the writer gives that one), the values, the handle. The record is needed when
+// the entity does not make it again, or it goes elsewhere.
+bool Builder::takePlain(const PlainEntity& plain) {
+    const std::string_view section = m_order.section();
+    if (section != "ENTITIES" && section != "BLOCKS") return false;
+    AcDbObjectId declared;
+    if (m_db.getAcDbObjectId(declared, false, AcDbHandle(plain.owner)) != Acad::eOk) return false;
+    const AcDbBlockTableRecord* owner =
+        m_currentBlock ? m_currentBlock : AcDbBlockTableRecord::cast(declared.stub()->object.get());
+    if (owner == nullptr || owner->getHandle().value() != plain.owner) return false;
+    std::unique_ptr<AcDbEntity> e(NewPlainEntity(plain));
+    if (!e || !ModelGivesPlainRecord(*e, plain)) return false;
+    e->setOwnerId(declared);
+    AcDbEntity* added = e.release();
+    attachEntity(added, add(added, AcDbHandle(plain.handle)));
+    m_openInsert = nullptr;
+    m_openPolyline = nullptr;
+    return true;
 }
 
 // An entity read from the packing buffer keeps its record in a buffer of its own size, unless
@@ -711,6 +754,14 @@ void RecordFeed::record(std::span<const Tag> tags) {
         if (tag.code != 999) s.tags.push_back(tag);
     }
     if (!s.tags.empty()) s.error = s.builder.take(s.tags);
+}
+
+bool RecordFeed::plainEntity(const PlainEntity& plain) {
+    State& s = *m_state;
+    if (s.error.error != DxfError::kNone || s.builder.ended()) return true;  // ignored, as records are
+    if (!s.builder.takePlain(plain)) return false;
+    s.line += 2 * PlainRecordTags(plain);
+    return true;
 }
 
 Acad::ErrorStatus RecordFeed::finish() {

@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <map>
 #include <thread>
+#include <unordered_map>
 
 #include "platform/db/block_reference.hpp"
 #include "platform/db/block_table_record.hpp"
@@ -34,9 +35,7 @@ namespace dxf {
 namespace {
 
 // The record type of an object by its class, as an object made in memory is written.
-std::string ClassTypeName(const AcDbObject& o) {
-    if (auto* u = AcDbUnknownEntity::cast(&o)) return Utf8(u->dxfName());
-    if (auto* u = AcDbUnknownObject::cast(&o)) return Utf8(u->dxfName());
+std::string NameOfClass(const AcDbObject& o) {
     if (AcDbDimension::cast(&o)) return "DIMENSION";
     if (AcDb2dPolyline::cast(&o) || AcDb3dPolyline::cast(&o)) return "POLYLINE";
     if (AcDbMInsertBlock::cast(&o) || AcDbBlockReference::cast(&o)) return "INSERT";
@@ -44,6 +43,17 @@ std::string ClassTypeName(const AcDbObject& o) {
     if (AcDbBlockTableRecord::cast(&o)) return "BLOCK_RECORD";
     const wchar_t* name = o.isA()->dxfName();
     return name ? Utf8(name) : std::string();
+}
+
+std::string ClassTypeName(const AcDbObject& o) {
+    if (auto* u = AcDbUnknownEntity::cast(&o)) return Utf8(u->dxfName());
+    if (auto* u = AcDbUnknownObject::cast(&o)) return Utf8(u->dxfName());
+    // The other names follow from the class alone: found once a class (the drop check of a
+    // read asks for each entity).
+    thread_local std::unordered_map<const AcRxClass*, std::string> byClass;
+    auto [it, added] = byClass.try_emplace(o.isA());
+    if (added) it->second = NameOfClass(o);
+    return it->second;
 }
 
 }  // namespace
@@ -104,7 +114,7 @@ private:
     }
     void flush();
     void object(const AcDbObject& o);
-    void merge(const AcDbObject& o, const AcDbRawTags& tmpl, const Model& model);
+    void merge(const AcDbObject& o, const HeadIds& head, const AcDbRawTags& tmpl, const Model& model);
     void emitRun(int run, std::span<const AcDbRawTag> asRead = {});
     void carriedRecord(std::span<const AcDbRawTag> record, AcDbHandle owner,
                        const std::vector<std::string_view>& subclasses);
@@ -229,9 +239,9 @@ void Writer::field(const Field& f) {
     m_out += '\n';
 }
 
-void Writer::merge(const AcDbObject& o, const AcDbRawTags& tmpl, const Model& model) {
+void Writer::merge(const AcDbObject& o, const HeadIds& head, const AcDbRawTags& tmpl, const Model& model) {
     SegmentMerge& seg = m_segment;
-    auto headGroups = [&](bool xdict, bool reactors) { HeadGroups(o, m_r12, xdict, reactors, *this); };
+    auto headGroups = [&](bool xdict, bool reactors) { HeadGroups(head, m_r12, xdict, reactors, *this); };
     auto finish = [&](bool head) {
         if (!seg.active) return;
         seg.active = false;
@@ -247,7 +257,7 @@ void Writer::merge(const AcDbObject& o, const AcDbRawTags& tmpl, const Model& mo
     auto writeSubclass = [&](const Subclass& s) { NewSubclass(model, s, m_r12, *this); };
 
     if (tmpl.empty()) {
-        NewRecord(o, model, m_r12, *this);
+        NewRecord(head, model, m_r12, *this);
         return;
     }
 
@@ -258,7 +268,7 @@ void Writer::merge(const AcDbObject& o, const AcDbRawTags& tmpl, const Model& mo
         // A record of R12 has no subclasses: for a later version it is written anew.
         std::vector<std::span<const AcDbRawTag>> records = SplitRecords(t);
         if (Upgradable(o, records, model)) {
-            NewRecord(o, model, false, *this, records[0]);
+            NewRecord(head, model, false, *this, records[0]);
             for (size_t k = 1; k < records.size(); ++k) {
                 bool seqEnd = records[k][0].value == "SEQEND";
                 carriedRecord(records[k], o.objectId().handle(),
@@ -448,7 +458,7 @@ void Writer::xdata(const AcDbObject& o) {
 
 void Writer::object(const AcDbObject& o) {
     BuildModel(o, !o.fileTags().empty(), m_model);
-    merge(o, o.fileTags(), m_model);
+    merge(o, HeadIdsOf(o), o.fileTags(), m_model);
     xdata(o);
 }
 
@@ -573,7 +583,7 @@ void Writer::table(AcDbDatabase::TableKind kind, const char* name) {
         w.handle(5, t->getHandle());
         w.subclass("AcDbSymbolTable");
         w.integer(70, count);
-        merge(*t, t->fileTags(), model);
+        merge(*t, HeadIdsOf(*t), t->fileTags(), model);
         xdata(*t);
     }
     for (const auto& id : t->recordIds()) {
@@ -632,12 +642,19 @@ void Writer::marker(const AcDbBlockTableRecord& block, const AcDbBlockTableRecor
     } else {
         w.subclass("AcDbBlockEnd");
     }
-    merge(block, m.tags, m_partModel);
+    merge(block, HeadIdsOf(block), m.tags, m_partModel);
 }
 
 void Writer::seqEnd(const AcDbEntity& owner, AcDbHandle handle, const AcDbRawTags& tmpl) {
     partModel("SEQEND", handle, owner.getHandle(), tmpl.empty(), owner.layer());
-    merge(owner, tmpl, m_partModel);
+    merge(owner, HeadIdsOf(owner), tmpl, m_partModel);
+}
+
+// The head a vertex's record is written with: its polyline's extension dictionary and the
+// vertex's own reactors (a vertex has its own, apart from its polyline's).
+template <typename V>
+HeadIds VertexHead(const V& v, const AcDbEntity& owner) {
+    return {owner.extensionDictionary(), &v.reactors};
 }
 
 template <typename V>
@@ -657,7 +674,7 @@ void Writer::vertex(const V& v, const AcDbEntity& owner) {
     } else {
         w.integer(70, v.flags | 32);
     }
-    merge(owner, v.fileTags, m_partModel);
+    merge(owner, VertexHead(v, owner), v.fileTags, m_partModel);
 }
 
 void Writer::entity(const AcDbEntity& e) {

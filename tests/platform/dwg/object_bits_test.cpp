@@ -130,10 +130,8 @@ std::string ReasonInTheFile(const dwg_test::StoredObject& object, const dwg_test
 // The objects of kinds the writer models whose values it cannot give back bit for bit, by
 // drawing and handle, each with its reason.
 const std::map<std::string, std::set<std::uint64_t>> kKnownResiduals = {
-    // An MTEXT whose text holds "\U+00B0" where the code page has the character (0x44C). A
-    // 3D polyline's vertex with a reactor of its own, which the database keeps with the
-    // polyline (0x41E).
-    {"example_2004.dwg", {0x41E, 0x44C}},
+    // An MTEXT whose text holds "\U+00B0" where the code page has the character (0x44C).
+    {"example_2004.dwg", {0x44C}},
     {"HatchG.dwg", {}},
     // A dimension style whose dimension line, extension line and text colours are true colours
     // (0x244): its DXF record gives their indexes alone (176-178).
