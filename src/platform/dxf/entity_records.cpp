@@ -36,36 +36,33 @@ void ReserveCounted(Vector& values, std::string_view count, const AcDbRawTags& t
     if (n > 0) values.reserve(std::min<std::size_t>(static_cast<std::size_t>(n), tags.byteSize() / 3));
 }
 
-void ReadCommon(AcDbEntity& e, std::string_view marker, const AcDbRawTag& t) {
+// The common properties of an entity; those of its look are gathered in `look`, which the
+// entity takes at once (one look kept for the process, not one for each property read).
+void ReadCommon(AcDbEntity& e, AcDbEntityLook& look, std::string_view marker, const AcDbRawTag& t) {
     if (!marker.empty() && marker != "AcDbEntity") return;
     std::string_view v = t.value;
     switch (t.code) {
-        case 8: e.setLayerName(Wide(v)); break;
-        case 6: e.setLinetypeName(Wide(v)); break;
+        case 8: look.layer = Wide(v); break;
+        case 6: look.linetype = Wide(v); break;
         case 62: {
-            AcCmColor c = e.color();
+            const AcCmColor& c = look.color;
             long long i = std::llabs(Integer(v));
             AcCmColor n;
             n.setColorIndex(static_cast<std::uint16_t>(i > 257 ? 256 : i));
             if (c.hasTrueColor()) n.setTrueColor(c.trueColor());
             n.setColorName(c.colorName());
-            e.setColor(n);
+            look.color = n;
             break;
         }
-        case 420: {
-            AcCmColor c = e.color();
-            c.setTrueColor(static_cast<std::uint32_t>(Integer(v)));
-            e.setColor(c);
+        case 420: look.color.setTrueColor(static_cast<std::uint32_t>(Integer(v))); break;
+        case 430: look.color.setColorName(Wide(v)); break;
+        case 370: look.lineWeight = static_cast<AcDb::LineWeight>(Integer(v)); break;
+        case 48: {
+            // As setLinetypeScale takes it: a negative scale is refused.
+            const double scale = Real(v);
+            if (!(scale < 0.0)) look.linetypeScale = scale;
             break;
         }
-        case 430: {
-            AcCmColor c = e.color();
-            c.setColorName(Wide(v));
-            e.setColor(c);
-            break;
-        }
-        case 370: e.setLineWeight(static_cast<AcDb::LineWeight>(Integer(v))); break;
-        case 48: e.setLinetypeScale(Real(v)); break;
         case 60: e.setVisibility(Integer(v) ? AcDb::kInvisible : AcDb::kVisible); break;
         case 67: e.setInPaperSpace(Integer(v) != 0); break;
         default: break;
@@ -573,7 +570,9 @@ AcDbEntity* NewEntity(std::string_view type, const AcDbRawTags& tags) {
 std::wstring ReadEntityFields(AcDbEntity& e, AcDbDatabase& db) {
     std::wstring blockName;
     const AcDbRawTags& tags = e.fileTags();
-    ForEachBodyTag(tags, [&](std::string_view m, const AcDbRawTag& t) { ReadCommon(e, m, t); });
+    AcDbEntityLook look = e.look();
+    ForEachBodyTag(tags, [&](std::string_view m, const AcDbRawTag& t) { ReadCommon(e, look, m, t); });
+    e.setLook(look);
     if (auto* x = AcDbLine::cast(&e)) ReadLine(*x, tags);
     else if (auto* x = AcDbArc::cast(&e)) {
         double s = 0.0, t = 0.0;
@@ -606,12 +605,14 @@ namespace {
 // written as its shortest text, which reads back as the same number.
 void ReadPlainCommon(AcDbEntity& e, const PlainEntity& p) {
     char digits[24];
+    AcDbEntityLook look = e.look();
     auto integer = [&](int code, long long value) {
-        ReadCommon(e, "AcDbEntity", {code, std::string_view(digits, std::to_chars(digits, digits + sizeof digits, value).ptr)});
+        ReadCommon(e, look, "AcDbEntity", {code, std::string_view(digits, std::to_chars(digits, digits + sizeof digits, value).ptr)});
     };
-    ReadCommon(e, "AcDbEntity", {8, p.layer});
+    ReadCommon(e, look, "AcDbEntity", {8, p.layer});
     if (p.colorIndex != 256) integer(62, p.colorIndex);
     if (p.lineweight != -1) integer(370, p.lineweight);
+    e.setLook(look);
     if (p.linetypeScale != 1.0) e.setLinetypeScale(p.linetypeScale);
 }
 
