@@ -49,8 +49,9 @@ struct ErasedEntries {
 bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<KeptData>& kept,
                   MapError& error);
 // The same records handed to the feed one at a time, as they are made; the tables' erased
-// entries, which no record holds, go to `erased`.
+// entries, which no record holds, go to `erased`. Plain entities (see dxf::PlainEntity) go by
+// their values, unless plainEntities is false: the path they are tested against.
 bool DwgToRecords(const DwgSections& sections, dxf::RecordFeed& feed, std::vector<KeptData>& kept,
-                  std::vector<ErasedEntries>& erased, MapError& error);
+                  std::vector<ErasedEntries>& erased, MapError& error, bool plainEntities = true);
 
 }  // namespace dwg
