@@ -255,12 +255,13 @@ void Writer::field(const Field& f) {
 }
 
 // The texts of the record the model is of, as its file spelled them; null when it spelled
-// none with escapes.
+// none with escapes. The head's first handle is the record's own (5, or 105 of a dimension
+// style).
 const AcDbRawTags* Writer::spellingsOf(const Model& model) const {
     const auto& spellings = m_db.textSpellings();
     if (spellings.empty() || model.subclasses.empty()) return nullptr;
     for (const Field& f : model.fieldsOf(model.subclasses[0])) {
-        if (f.kind != Field::Kind::kHandle || (f.code != 5 && f.code != 105)) continue;
+        if (f.kind != Field::Kind::kHandle) continue;
         auto it = spellings.find(static_cast<std::uint64_t>(f.integer));
         return it == spellings.end() ? nullptr : &it->second;
     }
