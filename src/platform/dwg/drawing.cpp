@@ -478,7 +478,9 @@ void Drawing::sortByRank(std::vector<ItemIndex>& entities, const BlockHeaderReco
 void Drawing::writeEntities(std::uint64_t owner) {
     const auto it = owned.find(owner);
     if (it == owned.end()) return;
-    std::vector<ItemIndex> entities = it->second;
+    // Sorted in place: a sort again gives the same order, and a copy of the largest list would
+    // be held while its entities are built.
+    std::vector<ItemIndex>& entities = it->second;
     const Item* record = find(owner);
     const auto* block = record ? std::get_if<BlockHeaderRecord>(record->decoded.get()) : nullptr;
     if (block != nullptr && !block->entities.empty()) sortByRank(entities, *block);
