@@ -56,6 +56,13 @@ Acad::ErrorStatus AcDbDatabase::addAcDbObject(AcDbObjectId& id, AcDbObject* obje
 
 Acad::ErrorStatus AcDbDatabase::addAcDbObjectWithHandle(AcDbObjectId& id, AcDbObject* object,
                                                         AcDbHandle handle) {
+    const Acad::ErrorStatus es = addClosedAcDbObjectWithHandle(id, object, handle);
+    if (es == Acad::eOk) object->openFor(AcDb::kForWrite);
+    return es;
+}
+
+Acad::ErrorStatus AcDbDatabase::addClosedAcDbObjectWithHandle(AcDbObjectId& id, AcDbObject* object,
+                                                              AcDbHandle handle) {
     if (object == nullptr) return Acad::eNullObjectPointer;
     if (!object->isNewObject()) return Acad::eAlreadyInDb;
     if (handle.isNull()) return Acad::eNullHandle;
@@ -69,7 +76,6 @@ Acad::ErrorStatus AcDbDatabase::addAcDbObjectWithHandle(AcDbObjectId& id, AcDbOb
     stub->object.reset(object);
     stub->added = ++m_added;
     object->attachToStub(stub);
-    object->openFor(AcDb::kForWrite);
     id = AcDbObjectId(stub);
     return Acad::eOk;
 }

@@ -33,6 +33,10 @@ public:
     // holding an object gives eHandleInUse.
     Acad::ErrorStatus addAcDbObjectWithHandle(AcDbObjectId& id, AcDbObject* object,
                                               AcDbHandle handle);
+    // The same, the object left closed: for a reader that fills an object before adding it and
+    // has nothing to write to it after (opening for write looks the entity's layer up).
+    Acad::ErrorStatus addClosedAcDbObjectWithHandle(AcDbObjectId& id, AcDbObject* object,
+                                                    AcDbHandle handle);
     // Prepares room for about this many objects more (a reader that knows the file's size).
     void reserveObjects(std::size_t count) { m_byHandle.reserve(m_byHandle.size() + count); }
     // Gives a resident object another, free handle; its id stays the same. Readers use it for

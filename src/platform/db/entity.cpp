@@ -34,70 +34,70 @@ std::wstring recordName(AcDbObjectId id) {
 
 Acad::ErrorStatus AcDbEntity::writeRefusal() const {
     if (database() == nullptr) return Acad::eOk;
-    AcDbObjectId layer = recordIdByName(database(), AcDbDatabase::kLayerTable, m_layer.str());
+    AcDbObjectId layer = recordIdByName(database(), AcDbDatabase::kLayerTable, m_look.get().layer.str());
     if (layer.isNull()) return Acad::eOk;
     auto* record = AcDbLayerTableRecord::cast(layer.stub()->object.get());
     return record && record->isLocked() ? Acad::eOnLockedLayer : Acad::eOk;
 }
 
 AcDbObjectId AcDbEntity::layerId() const {
-    return recordIdByName(resolvingDatabase(this), AcDbDatabase::kLayerTable, m_layer.str());
+    return recordIdByName(resolvingDatabase(this), AcDbDatabase::kLayerTable, m_look.get().layer.str());
 }
 
 Acad::ErrorStatus AcDbEntity::setLayer(const std::wstring& name, bool) {
     AcDbDatabase* db = resolvingDatabase(this);
     if (db != nullptr && recordIdByName(db, AcDbDatabase::kLayerTable, name).isNull())
         return Acad::eKeyNotFound;
-    m_layer = name;
+    setLayerName(name);
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbEntity::setLayer(AcDbObjectId layerId, bool) {
     std::wstring name = recordName(layerId);
     if (name.empty()) return Acad::eKeyNotFound;
-    m_layer = name;
+    setLayerName(name);
     return Acad::eOk;
 }
 
 AcDbObjectId AcDbEntity::linetypeId() const {
-    return recordIdByName(resolvingDatabase(this), AcDbDatabase::kLinetypeTable, m_linetype.str());
+    return recordIdByName(resolvingDatabase(this), AcDbDatabase::kLinetypeTable, m_look.get().linetype.str());
 }
 
 Acad::ErrorStatus AcDbEntity::setLinetype(const std::wstring& name, bool) {
     AcDbDatabase* db = resolvingDatabase(this);
     if (db != nullptr && recordIdByName(db, AcDbDatabase::kLinetypeTable, name).isNull())
         return Acad::eKeyNotFound;
-    m_linetype = name;
+    setLinetypeName(name);
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbEntity::setLinetype(AcDbObjectId linetypeId, bool) {
     std::wstring name = recordName(linetypeId);
     if (name.empty()) return Acad::eKeyNotFound;
-    m_linetype = name;
+    setLinetypeName(name);
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbEntity::setLinetypeScale(double scale, bool) {
     // The host stores a scale of 0.0 as given; only a negative one is refused.
     if (scale < 0.0) return Acad::eBadLinetypeScale;
-    m_linetypeScale = scale;
+    m_look.change([&](AcDbEntityLook& look) { look.linetypeScale = scale; });
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbEntity::setColor(const AcCmColor& color, bool) {
-    m_color = color;
+    m_look.change([&](AcDbEntityLook& look) { look.color = color; });
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbEntity::setColorIndex(std::uint16_t index, bool) {
     if (index > 256) return Acad::eBadColorIndex;
-    m_color.setColorIndex(index);
+    m_look.change([&](AcDbEntityLook& look) { look.color.setColorIndex(index); });
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbEntity::setLineWeight(AcDb::LineWeight weight, bool) {
-    m_lineWeight = weight;
+    m_look.change([&](AcDbEntityLook& look) { look.lineWeight = weight; });
     return Acad::eOk;
 }
 
@@ -109,23 +109,20 @@ Acad::ErrorStatus AcDbEntity::setVisibility(AcDb::Visibility v, bool) {
 void AcDbEntity::setDatabaseDefaults(AcDbDatabase* db) {
     if (db == nullptr) db = acdbHostApplicationServices()->workingDatabase();
     if (db == nullptr) return;
-    std::wstring layer = recordName(db->clayer());
-    m_layer = layer.empty() ? L"0" : layer;
-    std::wstring linetype = recordName(db->celtype());
-    m_linetype = linetype.empty() ? L"BYLAYER" : linetype;
-    m_color = db->cecolor();
-    m_linetypeScale = db->celtscale();
-    m_lineWeight = db->celweight();
+    const std::wstring layer = recordName(db->clayer());
+    const std::wstring linetype = recordName(db->celtype());
+    m_look.change([&](AcDbEntityLook& look) {
+        look.layer = layer.empty() ? L"0" : layer;
+        look.linetype = linetype.empty() ? L"BYLAYER" : linetype;
+        look.color = db->cecolor();
+        look.linetypeScale = db->celtscale();
+        look.lineWeight = db->celweight();
+    });
 }
 
 void AcDbEntity::setPropertiesFrom(const AcDbEntity* other, bool) {
-    m_layer = other->m_layer;
-    m_linetype = other->m_linetype;
-    m_color = other->m_color;
-    m_linetypeScale = other->m_linetypeScale;
-    m_lineWeight = other->m_lineWeight;
+    m_look = other->m_look;
     m_invisible = other->m_invisible;
-    m_plotStyleName = other->m_plotStyleName;
 }
 
 Acad::ErrorStatus AcDbEntity::getGeomExtents(AcDbExtents&) const { return Acad::eInvalidExtents; }

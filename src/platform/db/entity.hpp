@@ -2,9 +2,9 @@
 #include <string>
 
 #include "platform/db/color.hpp"
+#include "platform/db/entity_look.hpp"
 #include "platform/db/extents.hpp"
 #include "platform/db/object.hpp"
-#include "platform/db/shared_name.hpp"
 #include "platform/ge/matrix3d.hpp"
 
 // Base of everything drawn: the common properties every entity has, and the geometric
@@ -14,33 +14,42 @@ public:
     ACRX_DECLARE_ABSTRACT_MEMBERS(AcDbEntity)
 
     // The entity's own layer and linetype names, as stored (not resolved).
-    const std::wstring& layer() const { return m_layer.str(); }
+    const std::wstring& layer() const { return m_look.get().layer.str(); }
     AcDbObjectId layerId() const;
     // Sets the layer by name. Fails with eKeyNotFound when the entity's database (or, for a new
     // entity, the working database) has no such layer.
     Acad::ErrorStatus setLayer(const std::wstring& name, bool doSubents = true);
     Acad::ErrorStatus setLayer(AcDbObjectId layerId, bool doSubents = true);
-    const std::wstring& linetype() const { return m_linetype.str(); }
+    const std::wstring& linetype() const { return m_look.get().linetype.str(); }
     AcDbObjectId linetypeId() const;
     Acad::ErrorStatus setLinetype(const std::wstring& name, bool doSubents = true);
     Acad::ErrorStatus setLinetype(AcDbObjectId linetypeId, bool doSubents = true);
-    double linetypeScale() const { return m_linetypeScale; }
+    double linetypeScale() const { return m_look.get().linetypeScale; }
     Acad::ErrorStatus setLinetypeScale(double scale, bool doSubents = true);
-    AcCmColor color() const { return m_color; }
+    AcCmColor color() const { return m_look.get().color; }
     Acad::ErrorStatus setColor(const AcCmColor& color, bool doSubents = true);
-    std::uint16_t colorIndex() const { return m_color.colorIndex(); }
+    std::uint16_t colorIndex() const { return m_look.get().color.colorIndex(); }
     // Index 0 ByBlock, 1-255, 256 ByLayer; anything else fails with eBadColorIndex.
     Acad::ErrorStatus setColorIndex(std::uint16_t index, bool doSubents = true);
-    AcDb::LineWeight lineWeight() const { return m_lineWeight; }
+    AcDb::LineWeight lineWeight() const { return m_look.get().lineWeight; }
     Acad::ErrorStatus setLineWeight(AcDb::LineWeight weight, bool doSubents = true);
     AcDb::Visibility visibility() const { return m_invisible ? AcDb::kInvisible : AcDb::kVisible; }
     Acad::ErrorStatus setVisibility(AcDb::Visibility v, bool doSubents = true);
     // Unchecked setters for readers of drawing files, which may name a layer or linetype
     // before (or without) its table record.
-    void setLayerName(const std::wstring& name) { m_layer = name; }
-    void setLinetypeName(const std::wstring& name) { m_linetype = name; }
-    const std::wstring& plotStyleName() const { return m_plotStyleName.str(); }
-    void setPlotStyleName(const std::wstring& name) { m_plotStyleName = name; }
+    void setLayerName(const std::wstring& name) {
+        m_look.change([&](AcDbEntityLook& look) { look.layer = name; });
+    }
+    void setLinetypeName(const std::wstring& name) {
+        m_look.change([&](AcDbEntityLook& look) { look.linetype = name; });
+    }
+    const std::wstring& plotStyleName() const { return m_look.get().plotStyleName.str(); }
+    void setPlotStyleName(const std::wstring& name) {
+        m_look.change([&](AcDbEntityLook& look) { look.plotStyleName = name; });
+    }
+    // All six properties of the look at once, unchecked, for readers of drawing files.
+    const AcDbEntityLook& look() const { return m_look.get(); }
+    void setLook(const AcDbEntityLook& look) { m_look.set(look); }
     // The block record that holds the entity (its owner), or null.
     AcDbObjectId blockId() const { return ownerId(); }
     // True for entities read from or meant for paper space (group code 67).
@@ -78,12 +87,7 @@ private:
     // The two flags first, where they fill the object's last bytes before the pointers.
     bool m_invisible = false;
     bool m_paperSpace = false;
-    AcDbSharedName m_layer{L"0"};
-    AcDbSharedName m_linetype{L"BYLAYER"};
-    AcDbSharedName m_plotStyleName;
-    AcCmColor m_color;
-    double m_linetypeScale = 1.0;
-    AcDb::LineWeight m_lineWeight = AcDb::kLnWtByLayer;
+    AcDbSharedLook m_look;
 };
 
 // Opens an entity by id; an object that is not an entity gives eNotAnEntity.

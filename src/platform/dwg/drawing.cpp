@@ -16,6 +16,7 @@
 #include "platform/dwg/entities.hpp"
 #include "platform/dwg/extended_data.hpp"
 #include "platform/dwg/header.hpp"
+#include "platform/dwg/plain_entities.hpp"
 #include "platform/dwg/symbols.hpp"
 #include "platform/dwg/tables.hpp"
 
@@ -74,6 +75,7 @@ struct Drawing {
     std::unordered_map<std::uint64_t, std::vector<ItemIndex>> owned;  // entities by owner
     NameIndex names;
     DxfText out;
+    bool plainEntities = true;  // plain entities handed on by their values (see dxf::PlainEntity)
     MapError failure;  // the first entity that did not decode when written
     bool failed = false;
 
@@ -118,6 +120,9 @@ struct Drawing {
     void writeEntities(std::uint64_t owner);
     void sortByRank(std::vector<ItemIndex>& entities, const BlockHeaderRecord& block) const;
     void writeEntity(DxfText& to, ItemIndex index, std::uint64_t owner);
+    void writeRecord(DxfText& to, const Item& item, const DecodedObject& decoded, const std::string& type,
+                     std::uint64_t owner);
+    void writeRefusedPlain(DxfText& to, ItemIndex index, std::uint64_t owner);
     void writeEntitiesAlongside(const std::vector<ItemIndex>& entities, std::uint64_t owner);
     void writeObjects();
     void takeKept(std::vector<KeptData>& kept);
@@ -424,7 +429,22 @@ void Drawing::writeEntity(DxfText& to, ItemIndex index, std::uint64_t owner) {
     DecodedObject again;
     if (!item.decoded && !decodeAgain(item, again)) return;
     const DecodedObject& decoded = item.decoded ? *item.decoded : again;
-    WriteEntity(to, decoded, typeName(item), owner, names);
+    const std::string type = typeName(item);
+    if (plainEntities && to.takesPlain() && !owned.contains(item.handle)) {
+        // Built here, on the helper thread when there is one; the feed adds it.
+        dxf::PlainEntity plain;
+        if (PlainEntityOf(decoded, type, owner, names, plain)) {
+            std::unique_ptr<AcDbEntity> built = dxf::BuildPlainEntity(plain);
+            if (built && to.plain(plain, std::move(built), index)) return;
+        }
+    }
+    writeRecord(to, item, decoded, type, owner);
+}
+
+// The entity's record and extended data, and the entities it owns after it.
+void Drawing::writeRecord(DxfText& to, const Item& item, const DecodedObject& decoded, const std::string& type,
+                          std::uint64_t owner) {
+    WriteEntity(to, decoded, type, owner, names);
     const EntityCommon* common = EntityCommonOf(decoded);
     if (common != nullptr && !std::holds_alternative<KeptObject>(decoded)) writeExtendedData(to, *common);
     // Attributes and vertices follow their owner, and the SEQEND closes them.
@@ -434,6 +454,13 @@ void Drawing::writeEntity(DxfText& to, ItemIndex index, std::uint64_t owner) {
     std::stable_partition(children.begin(), children.end(),
                           [&](ItemIndex i) { return items[i].type != kSeqend; });
     for (ItemIndex i : children) writeEntity(to, i, item.handle);
+}
+
+// The record of a plain entity that the feed did not take, decoded again (it decoded before).
+void Drawing::writeRefusedPlain(DxfText& to, ItemIndex index, std::uint64_t owner) {
+    const Item& item = items[index];
+    DecodedObject decoded;
+    if (decodeAgain(item, decoded)) writeRecord(to, item, decoded, typeName(item), owner);
 }
 
 // Entities in the order of the block record's list, those it does not list after them.
@@ -483,7 +510,7 @@ void Drawing::writeEntitiesAlongside(const std::vector<ItemIndex>& entities, std
         DxfText batch = next.get();
         if (first + kEntityBatch < entities.size())
             next = std::async(std::launch::async, batchFrom, first + kEntityBatch);
-        batch.handTo(out);
+        batch.handTo(out, [&](DxfText& to, ItemIndex i) { writeRefusedPlain(to, i, owner); });
     }
 }
 
@@ -602,7 +629,7 @@ bool WriteDrawing(Drawing& drawing, std::vector<KeptData>& kept, MapError& error
 
 bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<KeptData>& kept,
                   MapError& error) {
-    Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}, {}, {}, false};
+    Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}, {}, false, {}, false};
     if (!WriteDrawing(drawing, kept, error)) return false;
     dxf = drawing.out.take();
     return true;
@@ -610,8 +637,8 @@ bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<Kep
 
 bool DwgToRecords(const DwgSections& sections, dxf::RecordFeed& feed, std::vector<KeptData>& kept,
                   std::vector<ErasedEntries>& erased, std::vector<DimensionStyleColors>& colors,
-                  MapError& error) {
-    Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}, DxfText(&feed), {}, false};
+                  MapError& error, bool plainEntities) {
+    Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}, DxfText(&feed), plainEntities, {}, false};
     if (!WriteDrawing(drawing, kept, error)) return false;
     drawing.takeErasedEntries(erased);
     drawing.takeDimensionStyleColors(colors);

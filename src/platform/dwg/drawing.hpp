@@ -58,9 +58,10 @@ bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<Kep
                   MapError& error);
 // The same records handed to the feed one at a time, as they are made; the tables' erased
 // entries and the dimension styles' true colours, which no record holds, go to `erased` and
-// `colors`.
+// `colors`. Plain entities (see dxf::PlainEntity) go by their values, unless plainEntities is
+// false: the path they are tested against.
 bool DwgToRecords(const DwgSections& sections, dxf::RecordFeed& feed, std::vector<KeptData>& kept,
                   std::vector<ErasedEntries>& erased, std::vector<DimensionStyleColors>& colors,
-                  MapError& error);
+                  MapError& error, bool plainEntities = true);
 
 }  // namespace dwg

@@ -59,27 +59,44 @@ void DxfText::feed(std::string_view values, std::span<const Span> record) {
     feed_->record(tags_);
 }
 
-void DxfText::handTo(DxfText& to) {
+void DxfText::handTo(DxfText& to, const RecordWriter& writeRecord) {
     const std::string_view values = out_;
     auto put = [&](const Span& s) { to.put(s.code, values.substr(s.begin, s.end - s.begin), s.number, true); };
+    auto starts = [](const Span& s) { return s.code == 0 || s.code == kPlain; };
     std::size_t i = 0;
-    if (to.feeds()) {
-        // The tags before the first 0 tag end the record being written there; the whole records
-        // after them go to the feed from here, without being copied. The last one stays open
-        // there, as if written there.
-        std::size_t last = spans_.size();
-        while (last > 0 && spans_[last - 1].code != 0) --last;
-        for (; i < spans_.size() && spans_[i].code != 0; ++i) put(spans_[i]);
-        if (i < spans_.size()) to.flush();
-        while (i + 1 < last) {
-            const std::size_t begin = i;
-            for (++i; i + 1 < last && spans_[i].code != 0; ++i) {}
+    // The tags before the first record end the record being written there.
+    for (; i < spans_.size() && !starts(spans_[i]); ++i) put(spans_[i]);
+    while (i < spans_.size()) {
+        if (spans_[i].code == kPlain) {
+            Plain& p = plains_[spans_[i++].begin];
+            if (!to.plain(p.entity, std::move(p.built), p.item)) writeRecord(to, p.item);
+            continue;
+        }
+        const std::size_t begin = i;
+        for (++i; i < spans_.size() && !starts(spans_[i]); ++i) {}
+        if (i < spans_.size() && to.feeds()) {
+            // A whole record goes to the feed from here, without being copied.
+            to.flush();
             to.feed(values, std::span<const Span>(spans_).subspan(begin, i - begin));
+        } else {
+            // The last one stays open there, as if written there.
+            for (std::size_t k = begin; k < i; ++k) put(spans_[k]);
         }
     }
-    for (; i < spans_.size(); ++i) put(spans_[i]);
     spans_.clear();
+    plains_.clear();
     out_.clear();
+}
+
+bool DxfText::plain(const dxf::PlainEntity& entity, std::unique_ptr<AcDbEntity> built, std::uint32_t item) {
+    if (keep_) {
+        spans_.push_back({kPlain, plains_.size(), 0, {}});
+        plains_.push_back({entity, std::move(built), item});
+        return true;
+    }
+    if (feed_ == nullptr) return false;
+    flush();
+    return feed_->plainEntity(entity, std::move(built));
 }
 
 void DxfText::tag(int code, double value) {

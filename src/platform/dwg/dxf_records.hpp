@@ -3,6 +3,8 @@
 // reader builds the database from them: a drawing read from DWG then holds exactly what the
 // same drawing read from DXF holds (units the DXF way: degrees, names instead of handles).
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -11,6 +13,7 @@
 #include <vector>
 
 #include "platform/dwg/decode.hpp"
+#include "platform/dxf/plain_entity.hpp"
 #include "platform/dxf/record_feed.hpp"
 
 namespace dwg {
@@ -29,8 +32,16 @@ public:
         return kept;
     }
     // Writes the records kept here to `to`, as if they had been written there, and clears them.
-    void handTo(DxfText& to);
+    // A plain entity kept that `to` does not take has its record written there by writeRecord.
+    using RecordWriter = std::function<void(DxfText& to, std::uint32_t item)>;
+    void handTo(DxfText& to, const RecordWriter& writeRecord);
     bool feeds() const { return feed_ != nullptr; }
+    // Whether plain entities (see dxf::PlainEntity) go through here: to a feed, or kept for one.
+    bool takesPlain() const { return feed_ != nullptr || keep_; }
+    // A plain entity built from its values (see dxf::BuildPlainEntity), the drawing's item
+    // given: kept in its place, or handed to the feed. False when it needs its record, which is
+    // then to be written here.
+    bool plain(const dxf::PlainEntity& entity, std::unique_ptr<AcDbEntity> built, std::uint32_t item);
     void tag(int code, std::string_view value);
     void tag(int code, double value);
     void integer(int code, long long value);
@@ -64,6 +75,14 @@ private:
     };
     // Hands one whole record, its values in `values`, to the feed.
     void feed(std::string_view values, std::span<const Span> record);
+    // A plain entity kept, in the place of a span whose code is kPlain and begin its index.
+    struct Plain {
+        dxf::PlainEntity entity;
+        std::unique_ptr<AcDbEntity> built;
+        std::uint32_t item;
+    };
+    static constexpr int kPlain = -1;
+    std::vector<Plain> plains_;
     std::string out_;  // the text, or the values of the record being written
     dxf::RecordFeed* feed_ = nullptr;
     bool keep_ = false;

@@ -128,13 +128,13 @@ namespace {
 // one at a time.
 // Given the container the sections were decoded into, the filed sections are moved out of it.
 Acad::ErrorStatus ReadRecords(AcDbDatabase& db, const DwgSections& sections, const std::string& name,
-                              DwgContainer* container) {
+                              DwgContainer* container, bool plainEntities = true) {
     std::vector<KeptData> kept;
     std::vector<ErasedEntries> erased;
     std::vector<DimensionStyleColors> colors;
     MapError error;
     dxf::RecordFeed feed(db, name);
-    if (!DwgToRecords(sections, feed, kept, erased, colors, error))
+    if (!DwgToRecords(sections, feed, kept, erased, colors, error, plainEntities))
         return Fail(db, name, error.offset, error.reason);
     if (feed.finish() != Acad::eOk) {
         // The records are made here: a refusal is a fault of this reader, said as such.
@@ -182,11 +182,11 @@ bool ReadContainer(AcDbDatabase& db, std::span<const std::uint8_t> file, const s
 }  // namespace
 
 Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::span<const std::uint8_t> file,
-                               const std::string& name) {
+                               const std::string& name, bool plainEntities) {
     DwgContainer container;
     Acad::ErrorStatus status = Acad::eOk;
     if (!ReadContainer(db, file, name, container, status)) return status;
-    return ReadRecords(db, SectionsOf(container, file), name, &container);
+    return ReadRecords(db, SectionsOf(container, file), name, &container, plainEntities);
 }
 
 Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::vector<std::uint8_t>&& file, const std::string& name) {

@@ -28,9 +28,10 @@ Acad::ErrorStatus ReadDwgSections(AcDbDatabase& db, const DwgSections& sections,
 // The bytes of a stream from where it stands to its end, read in one go when its size is known.
 std::vector<std::uint8_t> StreamBytes(std::istream& in);
 
-// Reads a whole DWG file held in memory.
+// Reads a whole DWG file held in memory. plainEntities false reads every entity through its
+// record (see DwgToRecords).
 Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::span<const std::uint8_t> file,
-                               const std::string& name);
+                               const std::string& name, bool plainEntities = true);
 // The same, taking the file's bytes: a file of 2004 or later is given back once its sections
 // are decoded, before the database fills.
 Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::vector<std::uint8_t>&& file, const std::string& name);

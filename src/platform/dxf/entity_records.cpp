@@ -1,6 +1,7 @@
 #include "platform/dxf/entity_records.hpp"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <map>
 #include <type_traits>
@@ -18,8 +19,10 @@
 #include "platform/db/polyline_classic.hpp"
 #include "platform/db/spline.hpp"
 #include "platform/db/text.hpp"
+#include "platform/dxf/angle_text.hpp"
 #include "platform/dxf/field_values.hpp"
 #include "platform/dxf/model.hpp"
+#include "platform/dxf/plain_entity.hpp"
 
 namespace dxf {
 
@@ -33,36 +36,33 @@ void ReserveCounted(Vector& values, std::string_view count, const AcDbRawTags& t
     if (n > 0) values.reserve(std::min<std::size_t>(static_cast<std::size_t>(n), tags.byteSize() / 3));
 }
 
-void ReadCommon(AcDbEntity& e, std::string_view marker, const AcDbRawTag& t) {
+// The common properties of an entity; those of its look are gathered in `look`, which the
+// entity takes at once (one look kept for the process, not one for each property read).
+void ReadCommon(AcDbEntity& e, AcDbEntityLook& look, std::string_view marker, const AcDbRawTag& t) {
     if (!marker.empty() && marker != "AcDbEntity") return;
     std::string_view v = t.value;
     switch (t.code) {
-        case 8: e.setLayerName(Wide(v)); break;
-        case 6: e.setLinetypeName(Wide(v)); break;
+        case 8: look.layer = Wide(v); break;
+        case 6: look.linetype = Wide(v); break;
         case 62: {
-            AcCmColor c = e.color();
+            const AcCmColor& c = look.color;
             long long i = std::llabs(Integer(v));
             AcCmColor n;
             n.setColorIndex(static_cast<std::uint16_t>(i > 257 ? 256 : i));
             if (c.hasTrueColor()) n.setTrueColor(c.trueColor());
             n.setColorName(c.colorName());
-            e.setColor(n);
+            look.color = n;
             break;
         }
-        case 420: {
-            AcCmColor c = e.color();
-            c.setTrueColor(static_cast<std::uint32_t>(Integer(v)));
-            e.setColor(c);
+        case 420: look.color.setTrueColor(static_cast<std::uint32_t>(Integer(v))); break;
+        case 430: look.color.setColorName(Wide(v)); break;
+        case 370: look.lineWeight = static_cast<AcDb::LineWeight>(Integer(v)); break;
+        case 48: {
+            // As setLinetypeScale takes it: a negative scale is refused.
+            const double scale = Real(v);
+            if (!(scale < 0.0)) look.linetypeScale = scale;
             break;
         }
-        case 430: {
-            AcCmColor c = e.color();
-            c.setColorName(Wide(v));
-            e.setColor(c);
-            break;
-        }
-        case 370: e.setLineWeight(static_cast<AcDb::LineWeight>(Integer(v))); break;
-        case 48: e.setLinetypeScale(Real(v)); break;
         case 60: e.setVisibility(Integer(v) ? AcDb::kInvisible : AcDb::kVisible); break;
         case 67: e.setInPaperSpace(Integer(v) != 0); break;
         default: break;
@@ -570,7 +570,9 @@ AcDbEntity* NewEntity(std::string_view type, const AcDbRawTags& tags) {
 std::wstring ReadEntityFields(AcDbEntity& e, AcDbDatabase& db) {
     std::wstring blockName;
     const AcDbRawTags& tags = e.fileTags();
-    ForEachBodyTag(tags, [&](std::string_view m, const AcDbRawTag& t) { ReadCommon(e, m, t); });
+    AcDbEntityLook look = e.look();
+    ForEachBodyTag(tags, [&](std::string_view m, const AcDbRawTag& t) { ReadCommon(e, look, m, t); });
+    e.setLook(look);
     if (auto* x = AcDbLine::cast(&e)) ReadLine(*x, tags);
     else if (auto* x = AcDbArc::cast(&e)) {
         double s = 0.0, t = 0.0;
@@ -595,6 +597,107 @@ std::wstring ReadEntityFields(AcDbEntity& e, AcDbDatabase& db) {
     else if (auto* x = AcDb2dPolyline::cast(&e)) ReadPolyline2d(*x, tags);
     else if (auto* x = AcDb3dPolyline::cast(&e)) ReadPolyline3d(*x, tags);
     return blockName;
+}
+
+namespace {
+
+// The common properties read as ReadCommon reads the record's tags. The linetype scale is a real
+// written as its shortest text, which reads back as the same number.
+void ReadPlainCommon(AcDbEntity& e, const PlainEntity& p) {
+    char digits[24];
+    AcDbEntityLook look = e.look();
+    auto integer = [&](int code, long long value) {
+        ReadCommon(e, look, "AcDbEntity", {code, std::string_view(digits, std::to_chars(digits, digits + sizeof digits, value).ptr)});
+    };
+    ReadCommon(e, look, "AcDbEntity", {8, p.layer});
+    if (p.colorIndex != 256) integer(62, p.colorIndex);
+    if (p.lineweight != -1) integer(370, p.lineweight);
+    e.setLook(look);
+    if (p.linetypeScale != 1.0) e.setLinetypeScale(p.linetypeScale);
+}
+
+// An angle as read from the degrees the record gives it in.
+double PlainAngle(double radians) {
+    thread_local std::string degrees;
+    degrees.clear();
+    FormatAngle(radians, degrees);
+    return Radians(degrees);
+}
+
+// A circle's or an arc's values, in the order ReadRound sets them.
+template <typename T>
+T* NewPlainRound(const PlainEntity& p) {
+    auto* e = new T();
+    ReadPlainCommon(*e, p);
+    if (p.thickness != 0.0) e->setThickness(p.thickness);
+    e->setRadius(p.radius);
+    e->setNormal(AcGeVector3d::kZAxis);
+    e->setCenter(AcGeMatrix3d::planeToWorld(e->normal()) * p.first);
+    return e;
+}
+
+}  // namespace
+
+std::string_view PlainTypeName(PlainEntity::Kind kind) {
+    switch (kind) {
+        case PlainEntity::Kind::kLine: return "LINE";
+        case PlainEntity::Kind::kCircle: return "CIRCLE";
+        case PlainEntity::Kind::kArc: return "ARC";
+        case PlainEntity::Kind::kPoint: return "POINT";
+    }
+    return {};
+}
+
+int PlainRecordTags(const PlainEntity& p) {
+    // 0, 5, 330, 100 and 8; the common values given; the kind's marker, thickness and point.
+    const int head = 5 + (p.colorIndex != 256) + (p.lineweight != -1) + (p.linetypeScale != 1.0) + 4 +
+                     (p.thickness != 0.0);
+    switch (p.kind) {
+        case PlainEntity::Kind::kLine: return head + 3;  // the end point
+        case PlainEntity::Kind::kCircle: return head + 1;  // the radius
+        case PlainEntity::Kind::kArc: return head + 4;  // the radius, the arc's marker, two angles
+        case PlainEntity::Kind::kPoint: return head + (p.startAngle != 0.0);
+    }
+    return head;
+}
+
+// The values the record's tags give, read as ReadEntityFields reads them: the reals are the
+// decoder's numbers (each written as the shortest text that reads back as itself).
+AcDbEntity* NewPlainEntity(const PlainEntity& p) {
+    switch (p.kind) {
+        case PlainEntity::Kind::kLine: {
+            auto* e = new AcDbLine();
+            ReadPlainCommon(*e, p);
+            if (p.thickness != 0.0) e->setThickness(p.thickness);
+            e->setStartPoint(p.first);
+            e->setEndPoint(p.second);
+            e->setNormal(AcGeVector3d::kZAxis);
+            return e;
+        }
+        case PlainEntity::Kind::kCircle: return NewPlainRound<AcDbCircle>(p);
+        case PlainEntity::Kind::kArc: {
+            auto* e = NewPlainRound<AcDbArc>(p);
+            e->setStartAngle(PlainAngle(p.startAngle));
+            e->setEndAngle(PlainAngle(p.endAngle));
+            return e;
+        }
+        case PlainEntity::Kind::kPoint: {
+            auto* e = new AcDbPoint();
+            ReadPlainCommon(*e, p);
+            if (p.thickness != 0.0) e->setThickness(p.thickness);
+            if (p.startAngle != 0.0) e->setEcsRotation(PlainAngle(p.startAngle));
+            e->setPosition(p.first);
+            e->setNormal(AcGeVector3d::kZAxis);
+            return e;
+        }
+    }
+    return nullptr;
+}
+
+std::unique_ptr<AcDbEntity> BuildPlainEntity(const PlainEntity& plain) {
+    std::unique_ptr<AcDbEntity> e(NewPlainEntity(plain));
+    if (e && !ModelGivesPlainRecord(*e, plain)) e.reset();
+    return e;
 }
 
 void ReadVertexFields(AcDb2dVertex& v, const AcDbRawTags& tags) { ReadVertex(v, tags); }

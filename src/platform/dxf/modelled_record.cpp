@@ -1,7 +1,11 @@
 #include "platform/dxf/modelled_record.hpp"
 
+#include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <optional>
+#include <string>
 
 #include "platform/db/arc.hpp"
 #include "platform/db/block_reference.hpp"
@@ -13,8 +17,10 @@
 #include "platform/db/polyline.hpp"
 #include "platform/db/spline.hpp"
 #include "platform/db/text.hpp"
+#include "platform/dxf/angle_text.hpp"
 #include "platform/dxf/field_text.hpp"
 #include "platform/dxf/new_records.hpp"
+#include "platform/dxf/plain_entity.hpp"
 
 namespace dxf {
 namespace {
@@ -108,7 +114,89 @@ private:
     std::string m_text;
 };
 
+// A real of the record that the writer gives back as its text: the model's is the same number,
+// and it is finite and not a negative zero (whose text "-0.0" the writer does not give).
+bool SameReal(double recorded, double modelled) {
+    return std::isfinite(recorded) && !(recorded == 0.0 && std::signbit(recorded)) &&
+           std::bit_cast<std::uint64_t>(recorded) == std::bit_cast<std::uint64_t>(modelled);
+}
+
+bool SamePoint(const AcGePoint3d& recorded, const AcGePoint3d& modelled) {
+    return SameReal(recorded.x, modelled.x) && SameReal(recorded.y, modelled.y) && SameReal(recorded.z, modelled.z);
+}
+
+// An angle whose degrees the writer gives as the record has them.
+bool SameAngle(double recorded, double modelled) {
+    if (std::bit_cast<std::uint64_t>(recorded) == std::bit_cast<std::uint64_t>(modelled)) return true;
+    thread_local std::string a, b;
+    a.clear();
+    b.clear();
+    FormatAngle(recorded, a);
+    FormatAngle(modelled, b);
+    return a == b;
+}
+
+// The thickness, written when not 0 (39), and the normal, the z axis (no 210).
+bool SameExtrusion(double recorded, double modelled, const AcGeVector3d& normal) {
+    const bool thickness = recorded != 0.0 ? SameReal(recorded, modelled) : modelled == 0.0;
+    return thickness && normal.x == 0.0 && normal.y == 0.0 && normal.z == 1.0;
+}
+
+// What EntityCommon models, as the record gives it: the layer (ASCII), the colour index alone,
+// the lineweight and the linetype scale; the rest at its default, so not written.
+bool SameCommon(const AcDbEntity& e, const PlainEntity& p) {
+    const std::wstring& layer = e.layer();
+    if (layer.size() != p.layer.size() || !std::equal(layer.begin(), layer.end(), p.layer.begin(),
+                                                       [](wchar_t w, char c) { return w == static_cast<unsigned char>(c); })) {
+        return false;
+    }
+    const AcCmColor color = e.color();
+    const bool scale = p.linetypeScale != 1.0 ? SameReal(p.linetypeScale, e.linetypeScale()) : e.linetypeScale() == 1.0;
+    return !e.inPaperSpace() && e.linetype() == L"BYLAYER" && color.colorIndex() == p.colorIndex &&
+           !color.hasTrueColor() && color.colorName().empty() && static_cast<int>(e.lineWeight()) == p.lineweight && scale &&
+           e.visibility() == AcDb::kVisible;
+}
+
+// A circle's or an arc's centre, radius, thickness and normal.
+template <typename T>
+bool SameRound(const T& e, const PlainEntity& p) {
+    return SameExtrusion(p.thickness, e.thickness(), e.normal()) &&
+           SamePoint(p.first, AcGeMatrix3d::worldToPlane(e.normal()) * e.center()) && SameReal(p.radius, e.radius());
+}
+
+bool SamePlainBody(const AcDbEntity& entity, const PlainEntity& p) {
+    switch (p.kind) {
+        case PlainEntity::Kind::kLine: {
+            const auto* e = AcDbLine::cast(&entity);
+            return e && SameExtrusion(p.thickness, e->thickness(), e->normal()) &&
+                   SamePoint(p.first, e->startPoint()) && SamePoint(p.second, e->endPoint());
+        }
+        case PlainEntity::Kind::kCircle: {
+            const auto* e = AcDbCircle::cast(&entity);
+            return e && SameRound(*e, p);
+        }
+        case PlainEntity::Kind::kArc: {
+            const auto* e = AcDbArc::cast(&entity);
+            return e && SameRound(*e, p) && SameAngle(p.startAngle, e->startAngle()) && SameAngle(p.endAngle, e->endAngle());
+        }
+        case PlainEntity::Kind::kPoint: {
+            const auto* e = AcDbPoint::cast(&entity);
+            // The x axis angle is written when not 0 (50), and modelled then only.
+            const bool angle = p.startAngle != 0.0 ? e && e->ecsRotation() != 0.0 && SameAngle(p.startAngle, e->ecsRotation())
+                                                   : e && e->ecsRotation() == 0.0;
+            return e && angle && SameExtrusion(p.thickness, e->thickness(), e->normal()) && SamePoint(p.first, e->position());
+        }
+    }
+    return false;
+}
+
 }  // namespace
+
+// The record's head (handle, owner) holds handles, which the writer gives as the record has them
+// (see MadeValueKept); the rest is told by the values, each as strict as RecordMatch or more.
+bool ModelGivesPlainRecord(const AcDbEntity& entity, const PlainEntity& plain) {
+    return ModelIgnoresRecord(entity) && SameCommon(entity, plain) && SamePlainBody(entity, plain);
+}
 
 bool DropModelledRecord(AcDbObject& object, Model& model, AcDbRawTags& dropped, std::span<const Tag> made) {
     if (object.fileTags().empty() || !ModelIgnoresRecord(object)) return false;

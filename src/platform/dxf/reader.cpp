@@ -7,6 +7,7 @@
 #include <cstring>
 #include <iterator>
 #include <map>
+#include <memory>
 #include <span>
 #include <unordered_map>
 #include <unordered_set>
@@ -33,6 +34,7 @@
 #include "platform/dxf/mapped_file.hpp"
 #include "platform/dxf/model.hpp"
 #include "platform/dxf/modelled_record.hpp"
+#include "platform/dxf/plain_entity.hpp"
 #include "platform/dxf/table_records.hpp"
 #include "platform/dxf/record_feed.hpp"
 #include "platform/dxf/record_walk.hpp"
@@ -133,6 +135,8 @@ public:
     // Builds from one record (its tags checked); ended() once EOF has been met.
     ReadError take(std::span<const Tag> record);
     bool ended() const { return m_order.ended(); }
+    // An entity from its record's values (see RecordFeed::plainEntity); false when it needs the record.
+    bool takePlain(const PlainEntity& plain, std::unique_ptr<AcDbEntity> e);
     // After the last record, at the line given: what the drawing lacks, and the names resolved.
     ReadError finish(int lastLine);
 
@@ -266,19 +270,18 @@ AcDbHandle Builder::provisionalHandle() {
 AcDbObjectId Builder::add(AcDbObject* object, AcDbHandle handle) {
     AcDbObjectId id;
     if (handle.isNull()) handle = provisionalHandle();
-    if (m_db.addAcDbObjectWithHandle(id, object, handle) != Acad::eOk) {
+    // The reader fills the object's fields directly: it is added closed, as a read leaves it.
+    if (m_db.addClosedAcDbObjectWithHandle(id, object, handle) != Acad::eOk) {
         AcDbObjectId earlier;
         if (m_provisional.erase(handle.value()) != 0 &&
             m_db.getAcDbObjectId(earlier, false, handle) == Acad::eOk &&
             m_db.moveToHandle(earlier, provisionalHandle()) == Acad::eOk) {
-            m_db.addAcDbObjectWithHandle(id, object, handle);
+            m_db.addClosedAcDbObjectWithHandle(id, object, handle);
         } else {
             // A handle used twice: the later object takes a fresh one.
-            m_db.addAcDbObjectWithHandle(id, object, provisionalHandle());
+            m_db.addClosedAcDbObjectWithHandle(id, object, provisionalHandle());
         }
     }
-    // The reader fills the object's fields directly; a drawing read leaves nothing open.
-    object->close();
     return id;
 }
 
@@ -478,6 +481,26 @@ void Builder::readEntityRecord(std::span<const Tag> record) {
         }
     }
     keepRecord(*e, record);
+}
+
+// As readEntityRecord reads the record: the owner the record names, which must be the block the
+// entity goes to (the writer gives that one), the values, the handle. The record is needed when
+// the entity does not make it again, or it goes elsewhere.
+bool Builder::takePlain(const PlainEntity& plain, std::unique_ptr<AcDbEntity> e) {
+    if (!e) return false;
+    const std::string_view section = m_order.section();
+    if (section != "ENTITIES" && section != "BLOCKS") return false;
+    AcDbObjectId declared;
+    if (m_db.getAcDbObjectId(declared, false, AcDbHandle(plain.owner)) != Acad::eOk) return false;
+    const AcDbBlockTableRecord* owner =
+        m_currentBlock ? m_currentBlock : AcDbBlockTableRecord::cast(declared.stub()->object.get());
+    if (owner == nullptr || owner->getHandle().value() != plain.owner) return false;
+    e->setOwnerId(declared);
+    AcDbEntity* added = e.release();
+    attachEntity(added, add(added, AcDbHandle(plain.handle)));
+    m_openInsert = nullptr;
+    m_openPolyline = nullptr;
+    return true;
 }
 
 // An entity read from the packing buffer keeps its record in a buffer of its own size, unless
@@ -730,6 +753,14 @@ void RecordFeed::record(std::span<const Tag> tags) {
         if (tag.code != 999) s.tags.push_back(tag);
     }
     if (!s.tags.empty()) s.error = s.builder.take(s.tags);
+}
+
+bool RecordFeed::plainEntity(const PlainEntity& plain, std::unique_ptr<AcDbEntity> built) {
+    State& s = *m_state;
+    if (s.error.error != DxfError::kNone || s.builder.ended()) return true;  // ignored, as records are
+    if (!s.builder.takePlain(plain, std::move(built))) return false;
+    s.line += 2 * PlainRecordTags(plain);
+    return true;
 }
 
 Acad::ErrorStatus RecordFeed::finish() {

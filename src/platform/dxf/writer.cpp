@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <map>
 #include <thread>
+#include <unordered_map>
 
 #include "platform/db/block_reference.hpp"
 #include "platform/db/block_table_record.hpp"
@@ -34,9 +35,7 @@ namespace dxf {
 namespace {
 
 // The record type of an object by its class, as an object made in memory is written.
-std::string ClassTypeName(const AcDbObject& o) {
-    if (auto* u = AcDbUnknownEntity::cast(&o)) return Utf8(u->dxfName());
-    if (auto* u = AcDbUnknownObject::cast(&o)) return Utf8(u->dxfName());
+std::string NameOfClass(const AcDbObject& o) {
     if (AcDbDimension::cast(&o)) return "DIMENSION";
     if (AcDb2dPolyline::cast(&o) || AcDb3dPolyline::cast(&o)) return "POLYLINE";
     if (AcDbMInsertBlock::cast(&o) || AcDbBlockReference::cast(&o)) return "INSERT";
@@ -44,6 +43,17 @@ std::string ClassTypeName(const AcDbObject& o) {
     if (AcDbBlockTableRecord::cast(&o)) return "BLOCK_RECORD";
     const wchar_t* name = o.isA()->dxfName();
     return name ? Utf8(name) : std::string();
+}
+
+std::string ClassTypeName(const AcDbObject& o) {
+    if (auto* u = AcDbUnknownEntity::cast(&o)) return Utf8(u->dxfName());
+    if (auto* u = AcDbUnknownObject::cast(&o)) return Utf8(u->dxfName());
+    // The other names follow from the class alone: found once a class (the drop check of a
+    // read asks for each entity).
+    thread_local std::unordered_map<const AcRxClass*, std::string> byClass;
+    auto [it, added] = byClass.try_emplace(o.isA());
+    if (added) it->second = NameOfClass(o);
+    return it->second;
 }
 
 }  // namespace

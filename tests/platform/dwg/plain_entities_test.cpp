@@ -1,0 +1,187 @@
+// Lines, circles, arcs and points whose records would be plain are built from their decoded
+// values, without their records being made: a drawing read so holds, object by object and bit
+// by bit, what it holds when every entity is read through its record, and writes the same DXF
+// and DWG bytes.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "platform/db/arc.hpp"
+#include "platform/db/circle.hpp"
+#include "platform/db/line.hpp"
+#include "platform/db/point_entity.hpp"
+#include "platform/dwg/corpus_files.hpp"
+#include "platform/dwg/read.hpp"
+#include "platform/dwg/sample_drawing.hpp"
+#include "platform/dwg/write.hpp"
+#include "platform/dxf/dxf.hpp"
+#include "platform/dxf/plain_entity.hpp"
+#include "platform/win/codepage.hpp"
+#include "shared_folder.hpp"
+
+namespace {
+
+std::string Bits(double v) {
+    char text[24];
+    std::snprintf(text, sizeof text, "%016llx", static_cast<unsigned long long>(std::bit_cast<std::uint64_t>(v)));
+    return text;
+}
+
+std::string Bits(const AcGePoint3d& p) { return Bits(p.x) + "," + Bits(p.y) + "," + Bits(p.z); }
+std::string Bits(const AcGeVector3d& v) { return Bits(v.x) + "," + Bits(v.y) + "," + Bits(v.z); }
+
+std::string Id(const AcDbObjectId& id) { return id.isNull() ? "null" : std::to_string(id.stub()->handle.value()); }
+
+// The values of the plain kinds, their numbers bit for bit.
+std::string Values(const AcDbObject& o) {
+    std::string out;
+    if (const auto* e = AcDbEntity::cast(&o)) {
+        const AcCmColor c = e->color();
+        out += Utf8FromWide(e->layer()) + " " + Utf8FromWide(e->linetype()) + " " + std::to_string(c.colorIndex()) +
+               " " + std::to_string(c.hasTrueColor()) + " " + std::to_string(static_cast<int>(e->lineWeight())) +
+               " " + Bits(e->linetypeScale()) + " " + std::to_string(e->inPaperSpace()) + " " +
+               std::to_string(e->visibility() == AcDb::kVisible);
+    }
+    if (const auto* e = AcDbLine::cast(&o))
+        out += " " + Bits(e->startPoint()) + " " + Bits(e->endPoint()) + " " + Bits(e->thickness()) + " " + Bits(e->normal());
+    if (const auto* e = AcDbCircle::cast(&o))
+        out += " " + Bits(e->center()) + " " + Bits(e->radius()) + " " + Bits(e->thickness()) + " " + Bits(e->normal());
+    if (const auto* e = AcDbArc::cast(&o))
+        out += " " + Bits(e->center()) + " " + Bits(e->radius()) + " " + Bits(e->startAngle()) + " " +
+               Bits(e->endAngle()) + " " + Bits(e->thickness()) + " " + Bits(e->normal());
+    if (const auto* e = AcDbPoint::cast(&o))
+        out += " " + Bits(e->position()) + " " + Bits(e->ecsRotation()) + " " + Bits(e->thickness()) + " " + Bits(e->normal());
+    return out;
+}
+
+// One line per object: handle, class, owner, links, extension data, the record kept, values.
+std::vector<std::string> Objects(const AcDbDatabase& db) {
+    std::vector<std::string> lines;
+    for (const AcDbStub& stub : db.stubs()) {
+        if (!stub.object) continue;
+        const AcDbObject& o = *stub.object;
+        std::string line = std::to_string(stub.handle.value()) + " " + Utf8FromWide(o.isA()->name()) + " owner " +
+                           Id(o.ownerId()) + " xdict " + Id(o.extensionDictionary()) + " reactors";
+        for (int i = 0; i < o.persistentReactors().length(); ++i) line += " " + Id(o.persistentReactors()[i]);
+        for (const auto& group : o.xData()) line += " xdata " + Utf8FromWide(group.appName) + " " + std::to_string(group.tags.byteSize());
+        line += " record";
+        for (const AcDbRawTag& t : o.fileTags()) line += " " + std::to_string(t.code) + "=" + std::string(t.value);
+        lines.push_back(line + " |" + Values(o));
+    }
+    return lines;
+}
+
+std::string WrittenDxf(AcDbDatabase& db) {
+    std::string out;
+    dxf::WriteOptions options;
+    options.version = AcDb::kDHL_1018;
+    EXPECT_EQ(dxf::WriteDxfText(db, options, out), Acad::eOk);
+    return out;
+}
+
+std::vector<std::uint8_t> WrittenDwg(AcDbDatabase& db) {
+    std::vector<std::uint8_t> out;
+    dwg::DwgWriteReport report;
+    EXPECT_EQ(dwg::WriteDwgBytes(db, 936, out, report), Acad::eOk);
+    return out;
+}
+
+// Reads the file with plain entities and through records only; expects the same databases. The
+// count of entities that keep no record is added to `plain`; false when the file does not read.
+bool PlainReadsAsRecords(const std::vector<std::uint8_t>& file, const std::string& name, int& plain) {
+    AcDbDatabase fast(false, true), records(false, true);
+    const Acad::ErrorStatus es = dwg::ReadDwgBytes(records, file, name, false);
+    EXPECT_EQ(dwg::ReadDwgBytes(fast, file, name, true), es);
+    EXPECT_EQ(Utf8FromWide(fast.lastError()), Utf8FromWide(records.lastError()));
+    if (es != Acad::eOk) return false;
+    const std::vector<std::string> got = Objects(fast), expected = Objects(records);
+    EXPECT_EQ(got.size(), expected.size());
+    for (std::size_t i = 0; i < std::min(got.size(), expected.size()); ++i) {
+        if (got[i] != expected[i]) {
+            ADD_FAILURE() << "object " << i << "\n" << got[i] << "\n" << expected[i];
+            break;
+        }
+    }
+    for (const AcDbStub& stub : fast.stubs()) {
+        const auto* o = stub.object.get();
+        if (o && o->fileTags().empty() && (AcDbLine::cast(o) || AcDbCircle::cast(o) || AcDbArc::cast(o) || AcDbPoint::cast(o)))
+            ++plain;
+    }
+    EXPECT_EQ(fast.handseed().value(), records.handseed().value());
+    EXPECT_EQ(WrittenDxf(fast), WrittenDxf(records));
+    EXPECT_TRUE(WrittenDwg(fast) == WrittenDwg(records));
+    return true;
+}
+
+TEST(DwgPlainEntities, every_corpus_drawing_reads_as_through_records) {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(SharedFile("corpus/dwg")))
+        if (entry.path().extension() == ".dwg") names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    int read = 0, plain = 0;
+    for (const std::string& name : names) {
+        SCOPED_TRACE(name);
+        if (PlainReadsAsRecords(dwg_test::ReadFileBytes(dwg_test::CorpusPath(name)), name, plain)) ++read;
+        if (HasFailure()) return;
+    }
+    EXPECT_GE(read, 20);
+    EXPECT_GE(plain, 1000);
+}
+
+// The kinds in turn with the properties a plain record holds (colour index, lineweight,
+// linetype scale, thickness, an ASCII layer) and those it does not (a Chinese layer, a true
+// colour, a normal off the z axis, a negative zero, paper space, a non-positive radius).
+AcDbEntity* Variant(int i) {
+    const double x = i * 0.37 - 40;
+    AcDbEntity* e = nullptr;
+    switch (i % 4) {
+        case 0: e = new AcDbLine(AcGePoint3d(x, 1.0 / 3, 0), AcGePoint3d(x + 2.5, -1.25, i % 9 == 0 ? 1e-300 : 0)); break;
+        case 1: e = new AcDbCircle(AcGePoint3d(x, 3, 0), i % 13 == 1 ? AcGeVector3d(0, 0.6, 0.8) : AcGeVector3d::kZAxis, 1.0 + i % 7); break;
+        case 2: e = new AcDbArc(AcGePoint3d(x, 5, 0), 2.0, 0.1 * (i % 11), 0.7 * (i % 10)); break;
+        default: {
+            auto* p = new AcDbPoint(AcGePoint3d(x, i % 17 == 3 ? -0.0 : 7, 2));
+            if (i % 3 == 0) p->setEcsRotation(0.01 * i);
+            e = p;
+        }
+    }
+    if (i % 5 == 1) e->setColorIndex(static_cast<std::uint16_t>(i % 256));
+    if (i % 6 == 2) e->setLineWeight(AcDb::kLnWt035);
+    if (i % 7 == 3) e->setLinetypeScale(0.5 + i % 3);
+    if (i % 8 == 4) e->setLayer(i % 16 == 4 ? L"孔" : L"HOLES");
+    if (i % 19 == 5) {
+        AcCmColor c;
+        c.setTrueColor(0x123456);
+        e->setColor(c);
+    }
+    if (i % 23 == 6) {
+        if (auto* l = AcDbLine::cast(e)) l->setThickness(1.5);
+        if (auto* c = AcDbCircle::cast(e)) c->setThickness(-2.0);
+    }
+    return e;
+}
+
+TEST(DwgPlainEntities, generated_drawings_read_as_through_records) {
+    AcDbDatabase db;
+    dwg_test::AddLayer(db, L"HOLES", 3);
+    dwg_test::AddLayer(db, L"孔", 4);
+    const AcDbObjectId block = dwg_test::AddBlock(db, L"PLATE");
+    // Model space holds enough for entities decoded beside the building, the block and paper
+    // space a few, handed on one at a time.
+    for (int i = 0; i < 2 * 1024 + 300; ++i) dwg_test::Append(db, db.modelSpaceId(), Variant(i));
+    for (int i = 0; i < 40; ++i) dwg_test::Append(db, block, Variant(i));
+    for (int i = 0; i < 12; ++i) dwg_test::Append(db, db.paperSpaceId(), Variant(i));
+    std::vector<std::uint8_t> file;
+    dwg::DwgWriteReport report;
+    ASSERT_EQ(dwg::WriteDwgBytes(db, 936, file, report), Acad::eOk);
+    int plain = 0;
+    EXPECT_TRUE(PlainReadsAsRecords(file, "variants.dwg", plain));
+    EXPECT_GE(plain, 1500);
+}
+
+}  // namespace
