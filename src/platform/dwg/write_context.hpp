@@ -21,7 +21,8 @@
 
 namespace dwg {
 
-// Symbol names compare without regard to case, as the format's readers compare them.
+// Symbol names compare without regard to case, as the format's readers compare them, and as
+// the characters they spell (a name the file spelled with escapes is the same name).
 std::string NameKey(std::string_view name);
 
 struct WriteContext {
