@@ -22,7 +22,7 @@ struct PlainEntity {
     Kind kind = Kind::kLine;
     std::uint64_t handle = 0;
     std::uint64_t owner = 0;
-    std::string_view layer;  // ASCII without control characters
+    std::string_view layer;  // ASCII without control characters nor backslashes
     int colorIndex = 256;
     int lineweight = -1;
     double linetypeScale = 1.0;

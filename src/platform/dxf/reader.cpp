@@ -146,7 +146,11 @@ private:
                    std::vector<AcDbObject::XDataGroup>* xdata);
     // The same into the buffer kept between records (m_packed) only.
     void pack(std::span<const Tag> record, std::vector<AcDbObject::XDataGroup>* xdata);
+    // The value as the database keeps it; a text's escapes decoded, their spelling noted.
     std::string_view value(const Tag& tag);
+    // Out of line, as they are seldom called: pack stays small enough to take its pushes inline.
+    [[gnu::noinline]] void noteSpelling(int code) { m_spellings.emplace_back(code, m_spelled); }
+    [[gnu::noinline]] void keepSpellings();
     AcDbObjectId idOf(std::string_view handleText);
     // The record's own handle (5, or 105 of a dimension style); null when it has none.
     static AcDbHandle handleOf(const AcDbRawTags& tags);
@@ -192,6 +196,8 @@ private:
     std::vector<std::pair<AcDbDimension*, std::wstring>> m_dimBlockNames;
     std::vector<std::pair<AcDbLayerTableRecord*, std::wstring>> m_layerLinetypes;
     std::string m_scratch;
+    std::string m_spelled;    // a text as the file spells it (scratch of value)
+    std::vector<std::pair<int, std::string>> m_spellings;  // of the record being packed
     AcDbRawTags m_packed;
     bool m_dropModelled = false;
     Model m_model;  // scratch of DropModelledRecord
@@ -205,7 +211,9 @@ std::string_view Builder::value(const Tag& tag) {
     ValueKind kind = KindOfCode(tag.code);
     if (kind == ValueKind::kString) {
         if (DecodesUnchanged(tag.value, m_facts.codePage)) return tag.value;
-        DecodeText(tag.value, m_facts.codePage, m_scratch);
+        DecodeCodePage(tag.value, m_facts.codePage, m_spelled);
+        if (!DecodeEscapes(m_spelled, m_scratch)) return m_spelled;
+        noteSpelling(tag.code);
         return m_scratch;
     }
     if (IsIntegerKind(kind) && tag.made != Made::kInteger) {
@@ -229,6 +237,7 @@ void Builder::toRawTags(std::span<const Tag> record, AcDbRawTags& tags,
 
 void Builder::pack(std::span<const Tag> record, std::vector<AcDbObject::XDataGroup>* xdata) {
     m_packed.clear();
+    m_spellings.clear();
     AcDbRawTags* into = &m_packed;
     for (const Tag& t : record) {
         if (xdata && t.code == 1001) {
@@ -238,6 +247,15 @@ void Builder::pack(std::span<const Tag> record, std::vector<AcDbObject::XDataGro
         }
         into->push_back(t.code, value(t));
     }
+    if (!m_spellings.empty()) keepSpellings();
+}
+
+// The record's texts that the file spelled with escapes, under its handle: a record without
+// one has nothing a writer could match them to.
+void Builder::keepSpellings() {
+    AcDbHandle handle = handleOf(m_packed);
+    if (handle.isNull()) return;
+    for (const auto& [code, spelling] : m_spellings) m_db.addTextSpelling(handle, code, spelling);
 }
 
 AcDbObjectId Builder::idOf(std::string_view text) {
