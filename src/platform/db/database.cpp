@@ -36,6 +36,11 @@ void AcDbDatabase::discardContents() {
     m_acdsData.clear();
     m_dwgKept.clear();
     m_dwgFiled = {};
+    m_textSpellings.clear();
+}
+
+void AcDbDatabase::addTextSpelling(AcDbHandle record, int code, std::string_view spelling) {
+    m_textSpellings[record.value()].push_back(code, spelling);
 }
 
 // ---- Objects ----

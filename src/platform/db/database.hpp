@@ -166,6 +166,12 @@ public:
     };
     DwgFiledObjects& dwgFiledObjects() { return m_dwgFiled; }
     const DwgFiledObjects& dwgFiledObjects() const { return m_dwgFiled; }
+    // The strings of records read from a file that spelled characters as escapes (\U+XXXX,
+    // \M+nXXXX) where the database holds the characters: per record handle, those tags as the
+    // file spelled them (UTF-8, escapes kept). A writer spells a tag of the record so while its
+    // value is still the one the spelling decodes to.
+    const std::unordered_map<std::uint64_t, AcDbRawTags>& textSpellings() const { return m_textSpellings; }
+    void addTextSpelling(AcDbHandle record, int code, std::string_view spelling);
     // Version of the file read (AC1009 ... AC1032); the writer may keep it.
     AcDb::AcDbDwgVersion originalFileVersion() const { return m_fileVersion; }
     void setOriginalFileVersion(AcDb::AcDbDwgVersion v) { m_fileVersion = v; }
@@ -224,6 +230,7 @@ private:
     AcDbRawTags m_acdsData;
     std::unordered_map<std::uint64_t, DwgKeptObject> m_dwgKept;
     DwgFiledObjects m_dwgFiled;
+    std::unordered_map<std::uint64_t, AcDbRawTags> m_textSpellings;
     AcDb::AcDbDwgVersion m_fileVersion = AcDb::kDHL_1018;
     std::wstring m_filename;
     std::wstring m_lastError;

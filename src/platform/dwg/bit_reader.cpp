@@ -202,7 +202,7 @@ std::string BitReader::TV() {
     // Writers often count the terminating zero.
     while (!raw.empty() && raw.back() == '\0') raw.pop_back();
     std::string text;
-    dxf::DecodeText(raw, codePage_, text);
+    dxf::DecodeCodePage(raw, codePage_, text);
     return text;
 }
 

@@ -93,7 +93,9 @@ public:
     Point3 BD3() { return {BD(), BD(), BD()}; }
     Point2 DD2(const Point2& defaults);
 
-    // Text: TV in the file's code page before 2007, TU (UTF-16) from 2007; both as UTF-8.
+    // Text: TV in the file's code page before 2007, TU (UTF-16) from 2007; both as UTF-8, with
+    // the \U+ and \M+ escapes the file spells left for the record's reader (which keeps the
+    // spelling for a writer).
     std::string TV();
     std::string TU();
     // The version's string: TV before 2007, TU from then on.

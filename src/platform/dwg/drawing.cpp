@@ -127,6 +127,7 @@ struct Drawing {
     void writeObjects();
     void takeKept(std::vector<KeptData>& kept);
     void takeErasedEntries(std::vector<ErasedEntries>& erased) const;
+    void takeDimensionStyleColors(std::vector<DimensionStyleColors>& out) const;
 };
 
 void Drawing::sortHandles() {
@@ -430,8 +431,12 @@ void Drawing::writeEntity(DxfText& to, ItemIndex index, std::uint64_t owner) {
     const DecodedObject& decoded = item.decoded ? *item.decoded : again;
     const std::string type = typeName(item);
     if (plainEntities && to.takesPlain() && !owned.contains(item.handle)) {
+        // Built here, on the helper thread when there is one; the feed adds it.
         dxf::PlainEntity plain;
-        if (PlainEntityOf(decoded, type, owner, names, plain) && to.plain(plain, index)) return;
+        if (PlainEntityOf(decoded, type, owner, names, plain)) {
+            std::unique_ptr<AcDbEntity> built = dxf::BuildPlainEntity(plain);
+            if (built && to.plain(plain, std::move(built), index)) return;
+        }
     }
     writeRecord(to, item, decoded, type, owner);
 }
@@ -567,6 +572,17 @@ void Drawing::takeErasedEntries(std::vector<ErasedEntries>& erased) const {
     }
 }
 
+void Drawing::takeDimensionStyleColors(std::vector<DimensionStyleColors>& out) const {
+    for (const auto& [handle, symbol] : symbols) {
+        DimensionStyleColors style{handle, {}};
+        const std::pair<int, const Color*> colors[] = {
+            {176, &symbol.dim.clrd}, {177, &symbol.dim.clre}, {178, &symbol.dim.clrt}};
+        for (const auto& [code, color] : colors)
+            if ((color->rgb >> 24) == 0xC2) style.colors.emplace_back(code, *color);
+        if (!style.colors.empty()) out.push_back(std::move(style));
+    }
+}
+
 void Drawing::takeKept(std::vector<KeptData>& kept) {
     // The block records' references and the layouts' viewports, by the object listed.
     std::unordered_map<std::uint64_t, std::uint64_t> listedBy;
@@ -622,10 +638,12 @@ bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<Kep
 }
 
 bool DwgToRecords(const DwgSections& sections, dxf::RecordFeed& feed, std::vector<KeptData>& kept,
-                  std::vector<ErasedEntries>& erased, MapError& error, bool plainEntities) {
+                  std::vector<ErasedEntries>& erased, std::vector<DimensionStyleColors>& colors,
+                  MapError& error, bool plainEntities) {
     Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}, DxfText(&feed), plainEntities, {}, false};
     if (!WriteDrawing(drawing, kept, error)) return false;
     drawing.takeErasedEntries(erased);
+    drawing.takeDimensionStyleColors(colors);
     return true;
 }
 

@@ -68,8 +68,8 @@ void DxfText::handTo(DxfText& to, const RecordWriter& writeRecord) {
     for (; i < spans_.size() && !starts(spans_[i]); ++i) put(spans_[i]);
     while (i < spans_.size()) {
         if (spans_[i].code == kPlain) {
-            const Plain& p = plains_[spans_[i++].begin];
-            if (!to.plain(p.entity, p.item)) writeRecord(to, p.item);
+            Plain& p = plains_[spans_[i++].begin];
+            if (!to.plain(p.entity, std::move(p.built), p.item)) writeRecord(to, p.item);
             continue;
         }
         const std::size_t begin = i;
@@ -88,15 +88,15 @@ void DxfText::handTo(DxfText& to, const RecordWriter& writeRecord) {
     out_.clear();
 }
 
-bool DxfText::plain(const dxf::PlainEntity& entity, std::uint32_t item) {
+bool DxfText::plain(const dxf::PlainEntity& entity, std::unique_ptr<AcDbEntity> built, std::uint32_t item) {
     if (keep_) {
         spans_.push_back({kPlain, plains_.size(), 0, {}});
-        plains_.push_back({entity, item});
+        plains_.push_back({entity, std::move(built), item});
         return true;
     }
     if (feed_ == nullptr) return false;
     flush();
-    return feed_->plainEntity(entity);
+    return feed_->plainEntity(entity, std::move(built));
 }
 
 void DxfText::tag(int code, double value) {

@@ -4,6 +4,7 @@
 // same drawing read from DXF holds (units the DXF way: degrees, names instead of handles).
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -37,9 +38,10 @@ public:
     bool feeds() const { return feed_ != nullptr; }
     // Whether plain entities (see dxf::PlainEntity) go through here: to a feed, or kept for one.
     bool takesPlain() const { return feed_ != nullptr || keep_; }
-    // A plain entity, the drawing's item given: kept in its place, or handed to the feed. False
-    // when it needs its record, which is then to be written here.
-    bool plain(const dxf::PlainEntity& entity, std::uint32_t item);
+    // A plain entity built from its values (see dxf::BuildPlainEntity), the drawing's item
+    // given: kept in its place, or handed to the feed. False when it needs its record, which is
+    // then to be written here.
+    bool plain(const dxf::PlainEntity& entity, std::unique_ptr<AcDbEntity> built, std::uint32_t item);
     void tag(int code, std::string_view value);
     void tag(int code, double value);
     void integer(int code, long long value);
@@ -76,6 +78,7 @@ private:
     // A plain entity kept, in the place of a span whose code is kPlain and begin its index.
     struct Plain {
         dxf::PlainEntity entity;
+        std::unique_ptr<AcDbEntity> built;
         std::uint32_t item;
     };
     static constexpr int kPlain = -1;

@@ -65,7 +65,7 @@ bool ReadItem(ItemReader& in, const std::unordered_map<std::uint64_t, std::strin
             in.little(2);  // the code page's number (high byte first): the drawing's
             if (!in.has(length)) return false;
             std::string text;
-            dxf::DecodeText(in.take(length), codePage, text);
+            dxf::DecodeCodePage(in.take(length), codePage, text);
             out.emplace_back(code, std::move(text));
             return true;
         }

@@ -13,9 +13,10 @@ bool IsUpright(const Point3& n) { return n.x == 0 && n.y == 0 && n.z == 1; }
 AcGePoint3d PointOf(const Point3& p) { return {p.x, p.y, p.z}; }
 
 // A name the record gives as it is: ASCII without control characters (DxfText writes those
-// otherwise, and the reader decodes the others).
+// otherwise, and the reader decodes the others) nor backslashes (which may start an escape
+// the reader decodes).
 bool IsPlainName(std::string_view name) {
-    return std::all_of(name.begin(), name.end(), [](char c) { return c >= 0x20 && c < 0x7F; });
+    return std::all_of(name.begin(), name.end(), [](char c) { return c >= 0x20 && c < 0x7F && c != '\\'; });
 }
 
 // The common part of the record as EntityProperties writes it, when it holds no more than a

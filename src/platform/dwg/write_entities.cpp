@@ -11,12 +11,14 @@
 #include "platform/dwg/encode_tables.hpp"
 #include "platform/dwg/encode_texts.hpp"
 #include "platform/dwg/extended_data.hpp"
+#include "platform/dxf/codepage.hpp"
 #include "platform/dxf/tagger.hpp"
 
 namespace dwg {
 
 std::string NameKey(std::string_view name) {
-    std::string key(name);
+    std::string key;
+    if (!dxf::DecodeEscapes(name, key)) key.assign(name);
     for (char& ch : key) ch = static_cast<char>(std::toupper(static_cast<unsigned char>(ch)));
     return key;
 }

@@ -64,7 +64,7 @@ std::string String(BitReader& d) {
     std::string raw = d.bytes(length);
     while (!raw.empty() && raw.back() == '\0') raw.pop_back();
     std::string text;
-    dxf::DecodeText(raw, d.codePage(), text);
+    dxf::DecodeCodePage(raw, d.codePage(), text);
     return text;
 }
 

@@ -109,29 +109,6 @@ int MifCodePage(char n) {
     }
 }
 
-// Decodes \U+XXXX and \M+nXXXX in UTF-8 text.
-void DecodeEscapes(std::string_view s, std::string& out) {
-    for (size_t i = 0; i < s.size(); ++i) {
-        if (s[i] == '\\' && i + 2 < s.size() && s[i + 2] == '+') {
-            unsigned v = 0;
-            if ((s[i + 1] == 'U' || s[i + 1] == 'u') && i + 7 <= s.size() &&
-                ParseHex(s.substr(i + 3, 4), v)) {
-                AppendUtf8(out, v);
-                i += 6;
-                continue;
-            }
-            if ((s[i + 1] == 'M' || s[i + 1] == 'm') && i + 8 <= s.size() &&
-                MifCodePage(s[i + 3]) != 0 && ParseHex(s.substr(i + 4, 4), v)) {
-                char pair[2] = {static_cast<char>(v >> 8), static_cast<char>(v & 0xFF)};
-                IconvToUtf8(std::string_view(pair, 2), MifCodePage(s[i + 3]), out);
-                i += 7;
-                continue;
-            }
-        }
-        out += s[i];
-    }
-}
-
 bool HasEscape(std::string_view s) {
     return s.find("\\U+") != std::string_view::npos || s.find("\\M+") != std::string_view::npos ||
            s.find("\\u+") != std::string_view::npos || s.find("\\m+") != std::string_view::npos;
@@ -256,19 +233,49 @@ bool DecodesUnchanged(std::string_view bytes, int codePage) {
     return true;
 }
 
-void DecodeText(std::string_view bytes, int codePage, std::string& out) {
+void DecodeCodePage(std::string_view bytes, int codePage, std::string& out) {
     out.clear();
-    std::string decoded;
-    std::string_view text = bytes;
-    if (!IsAscii(bytes)) {
-        if (codePage == 65001) RepairUtf8(bytes, decoded);
-        else IconvToUtf8(bytes, codePage, decoded);
-        text = decoded;
+    if (IsAscii(bytes)) out.assign(bytes);
+    else if (codePage == 65001) RepairUtf8(bytes, out);
+    else IconvToUtf8(bytes, codePage, out);
+}
+
+bool DecodeEscapes(std::string_view s, std::string& out) {
+    if (!HasEscape(s)) return false;
+    out.clear();
+    bool decoded = false;
+    for (size_t i = 0; i < s.size(); ++i) {
+        if (s[i] == '\\' && i + 2 < s.size() && s[i + 2] == '+') {
+            unsigned v = 0;
+            if ((s[i + 1] == 'U' || s[i + 1] == 'u') && i + 7 <= s.size() &&
+                ParseHex(s.substr(i + 3, 4), v)) {
+                AppendUtf8(out, v);
+                i += 6;
+                decoded = true;
+                continue;
+            }
+            if ((s[i + 1] == 'M' || s[i + 1] == 'm') && i + 8 <= s.size() &&
+                MifCodePage(s[i + 3]) != 0 && ParseHex(s.substr(i + 4, 4), v)) {
+                char pair[2] = {static_cast<char>(v >> 8), static_cast<char>(v & 0xFF)};
+                IconvToUtf8(std::string_view(pair, 2), MifCodePage(s[i + 3]), out);
+                i += 7;
+                decoded = true;
+                continue;
+            }
+        }
+        out += s[i];
     }
-    if (HasEscape(text))
-        DecodeEscapes(text, out);
-    else
-        out.assign(text);
+    return decoded;
+}
+
+void DecodeText(std::string_view bytes, int codePage, std::string& out) {
+    if (IsAscii(bytes)) {
+        if (!DecodeEscapes(bytes, out)) out.assign(bytes);
+        return;
+    }
+    std::string text;
+    DecodeCodePage(bytes, codePage, text);
+    if (!DecodeEscapes(text, out)) out = std::move(text);
 }
 
 void EncodeText(std::string_view utf8, int codePage, std::string& out) {

@@ -19,6 +19,12 @@ std::string CodePageName(int codePage);
 // Bytes of a code page to UTF-8, with \U+ and \M+ escapes decoded. Bytes that do not decode
 // become U+FFFD. codePage 65001 means the bytes already are UTF-8.
 void DecodeText(std::string_view bytes, int codePage, std::string& out);
+// The first step of DecodeText: the bytes to UTF-8, escapes left as they are (the text as the
+// file spells it).
+void DecodeCodePage(std::string_view bytes, int codePage, std::string& out);
+// The second: UTF-8 text with its escapes decoded, into out. False when none decodes (out is
+// then not the text).
+bool DecodeEscapes(std::string_view utf8, std::string& out);
 // True when DecodeText would give the bytes back as they are (ASCII without escapes, or UTF-8
 // without escapes): the common case that needs no copy.
 bool DecodesUnchanged(std::string_view bytes, int codePage);

@@ -694,6 +694,12 @@ AcDbEntity* NewPlainEntity(const PlainEntity& p) {
     return nullptr;
 }
 
+std::unique_ptr<AcDbEntity> BuildPlainEntity(const PlainEntity& plain) {
+    std::unique_ptr<AcDbEntity> e(NewPlainEntity(plain));
+    if (e && !ModelGivesPlainRecord(*e, plain)) e.reset();
+    return e;
+}
+
 void ReadVertexFields(AcDb2dVertex& v, const AcDbRawTags& tags) { ReadVertex(v, tags); }
 void ReadVertexFields(AcDb3dPolylineVertex& v, const AcDbRawTags& tags) { ReadVertex(v, tags); }
 

@@ -3,6 +3,7 @@
 // as a decoder has them: the reader builds it from the values without the record being made,
 // when the entity alone makes that record again (so that none of it would be kept).
 #include <cstdint>
+#include <memory>
 #include <string_view>
 
 #include "platform/db/entity.hpp"
@@ -21,7 +22,7 @@ struct PlainEntity {
     Kind kind = Kind::kLine;
     std::uint64_t handle = 0;
     std::uint64_t owner = 0;
-    std::string_view layer;  // ASCII without control characters
+    std::string_view layer;  // ASCII without control characters nor backslashes
     int colorIndex = 256;
     int lineweight = -1;
     double linetypeScale = 1.0;
@@ -43,5 +44,9 @@ AcDbEntity* NewPlainEntity(const PlainEntity& plain);
 // Whether the writer makes the record again from the entity built from it (see
 // DropModelledRecord): when not, the record is read as any other, to be kept.
 bool ModelGivesPlainRecord(const AcDbEntity& entity, const PlainEntity& plain);
+
+// The entity built from the values, when the writer makes the record again from it; null when
+// not (the record is then needed). No database is touched: a decoder's thread may build it.
+std::unique_ptr<AcDbEntity> BuildPlainEntity(const PlainEntity& plain);
 
 }  // namespace dxf

@@ -136,7 +136,7 @@ public:
     ReadError take(std::span<const Tag> record);
     bool ended() const { return m_order.ended(); }
     // An entity from its record's values (see RecordFeed::plainEntity); false when it needs the record.
-    bool takePlain(const PlainEntity& plain);
+    bool takePlain(const PlainEntity& plain, std::unique_ptr<AcDbEntity> e);
     // After the last record, at the line given: what the drawing lacks, and the names resolved.
     ReadError finish(int lastLine);
 
@@ -146,7 +146,11 @@ private:
                    std::vector<AcDbObject::XDataGroup>* xdata);
     // The same into the buffer kept between records (m_packed) only.
     void pack(std::span<const Tag> record, std::vector<AcDbObject::XDataGroup>* xdata);
+    // The value as the database keeps it; a text's escapes decoded, their spelling noted.
     std::string_view value(const Tag& tag);
+    // Out of line, as they are seldom called: pack stays small enough to take its pushes inline.
+    [[gnu::noinline]] void noteSpelling(int code) { m_spellings.emplace_back(code, m_spelled); }
+    [[gnu::noinline]] void keepSpellings();
     AcDbObjectId idOf(std::string_view handleText);
     // The record's own handle (5, or 105 of a dimension style); null when it has none.
     static AcDbHandle handleOf(const AcDbRawTags& tags);
@@ -192,6 +196,8 @@ private:
     std::vector<std::pair<AcDbDimension*, std::wstring>> m_dimBlockNames;
     std::vector<std::pair<AcDbLayerTableRecord*, std::wstring>> m_layerLinetypes;
     std::string m_scratch;
+    std::string m_spelled;    // a text as the file spells it (scratch of value)
+    std::vector<std::pair<int, std::string>> m_spellings;  // of the record being packed
     AcDbRawTags m_packed;
     bool m_dropModelled = false;
     Model m_model;  // scratch of DropModelledRecord
@@ -205,7 +211,9 @@ std::string_view Builder::value(const Tag& tag) {
     ValueKind kind = KindOfCode(tag.code);
     if (kind == ValueKind::kString) {
         if (DecodesUnchanged(tag.value, m_facts.codePage)) return tag.value;
-        DecodeText(tag.value, m_facts.codePage, m_scratch);
+        DecodeCodePage(tag.value, m_facts.codePage, m_spelled);
+        if (!DecodeEscapes(m_spelled, m_scratch)) return m_spelled;
+        noteSpelling(tag.code);
         return m_scratch;
     }
     if (IsIntegerKind(kind) && tag.made != Made::kInteger) {
@@ -229,6 +237,7 @@ void Builder::toRawTags(std::span<const Tag> record, AcDbRawTags& tags,
 
 void Builder::pack(std::span<const Tag> record, std::vector<AcDbObject::XDataGroup>* xdata) {
     m_packed.clear();
+    m_spellings.clear();
     AcDbRawTags* into = &m_packed;
     for (const Tag& t : record) {
         if (xdata && t.code == 1001) {
@@ -238,6 +247,15 @@ void Builder::pack(std::span<const Tag> record, std::vector<AcDbObject::XDataGro
         }
         into->push_back(t.code, value(t));
     }
+    if (!m_spellings.empty()) keepSpellings();
+}
+
+// The record's texts that the file spelled with escapes, under its handle: a record without
+// one has nothing a writer could match them to.
+void Builder::keepSpellings() {
+    AcDbHandle handle = handleOf(m_packed);
+    if (handle.isNull()) return;
+    for (const auto& [code, spelling] : m_spellings) m_db.addTextSpelling(handle, code, spelling);
 }
 
 AcDbObjectId Builder::idOf(std::string_view text) {
@@ -486,7 +504,8 @@ void Builder::readEntityRecord(std::span<const Tag> record) {
 // As readEntityRecord reads the record: the owner the record names, which must be the block the
 // entity goes to (the writer gives that one), the values, the handle. The record is needed when
 // the entity does not make it again, or it goes elsewhere.
-bool Builder::takePlain(const PlainEntity& plain) {
+bool Builder::takePlain(const PlainEntity& plain, std::unique_ptr<AcDbEntity> e) {
+    if (!e) return false;
     const std::string_view section = m_order.section();
     if (section != "ENTITIES" && section != "BLOCKS") return false;
     AcDbObjectId declared;
@@ -494,8 +513,6 @@ bool Builder::takePlain(const PlainEntity& plain) {
     const AcDbBlockTableRecord* owner =
         m_currentBlock ? m_currentBlock : AcDbBlockTableRecord::cast(declared.stub()->object.get());
     if (owner == nullptr || owner->getHandle().value() != plain.owner) return false;
-    std::unique_ptr<AcDbEntity> e(NewPlainEntity(plain));
-    if (!e || !ModelGivesPlainRecord(*e, plain)) return false;
     e->setOwnerId(declared);
     AcDbEntity* added = e.release();
     attachEntity(added, add(added, AcDbHandle(plain.handle)));
@@ -756,10 +773,10 @@ void RecordFeed::record(std::span<const Tag> tags) {
     if (!s.tags.empty()) s.error = s.builder.take(s.tags);
 }
 
-bool RecordFeed::plainEntity(const PlainEntity& plain) {
+bool RecordFeed::plainEntity(const PlainEntity& plain, std::unique_ptr<AcDbEntity> built) {
     State& s = *m_state;
     if (s.error.error != DxfError::kNone || s.builder.ended()) return true;  // ignored, as records are
-    if (!s.builder.takePlain(plain)) return false;
+    if (!s.builder.takePlain(plain, std::move(built))) return false;
     s.line += 2 * PlainRecordTags(plain);
     return true;
 }

@@ -26,9 +26,10 @@ public:
     // only. Tags are numbered by the lines they would take in a file. After a bad tag or once
     // EOF has been met, records are ignored.
     void record(std::span<const Tag> tags);
-    // An entity given by the values of its record (see PlainEntity), as record() would read the
-    // record; false when it needs the record (the record is then to be given to record()).
-    bool plainEntity(const PlainEntity& plain);
+    // An entity given by the values of its record (see PlainEntity) and built from them by
+    // BuildPlainEntity, taken as record() would read the record; false when it needs the record
+    // (null, or it goes to another block than the record names): give that to record() then.
+    bool plainEntity(const PlainEntity& plain, std::unique_ptr<AcDbEntity> built);
     // After the last record: eOk with the database built, or the database emptied and
     // lastError() "name:line: DXFnnn reason", as ReadDxfBytes gives them.
     Acad::ErrorStatus finish();

@@ -66,6 +66,15 @@ std::string TypeName(const AcDbObject& o) {
 
 namespace {
 
+// The file's spelling of a text of the record (its code's, that decodes to the value), or the
+// value itself when the file gave none: a text changed since the read is written anew.
+std::string_view SpelledAs(const AcDbRawTags& spellings, int code, std::string_view value) {
+    std::string decoded;
+    for (const AcDbRawTag& t : spellings)
+        if (t.code == code && DecodeEscapes(t.value, decoded) && decoded == value) return t.value;
+    return value;
+}
+
 // The state of one subclass while its template segment is walked.
 struct SegmentMerge {
     bool active = false;
@@ -115,6 +124,7 @@ private:
     void flush();
     void object(const AcDbObject& o);
     void merge(const AcDbObject& o, const HeadIds& head, const AcDbRawTags& tmpl, const Model& model);
+    const AcDbRawTags* spellingsOf(const Model& model) const;
     void emitRun(int run, std::span<const AcDbRawTag> asRead = {});
     void carriedRecord(std::span<const AcDbRawTag> record, AcDbHandle owner,
                        const std::vector<std::string_view>& subclasses);
@@ -149,6 +159,9 @@ private:
     std::FILE* m_file;  // null when the text stays in m_out
     DrawingTags* m_tags;
     std::string m_value;  // a value formatted for m_tags
+    // The texts of the record being written as its file spelled them (from merge on, to the
+    // end of its object); null for none.
+    const AcDbRawTags* m_spelled = nullptr;
     bool m_numbers = false;  // reals of the model go to m_tags as numbers (entities' records)
     bool m_failed = false;
     AcDb::AcDbDwgVersion m_version;
@@ -186,7 +199,9 @@ void Writer::code(int code) {
 }
 
 void Writer::tag(int code, std::string_view value) {
-    const bool encode = m_textCodePage != 65001 && KindOfCode(code) == ValueKind::kString;
+    const bool text = KindOfCode(code) == ValueKind::kString;
+    if (m_spelled != nullptr && text) value = SpelledAs(*m_spelled, code, value);
+    const bool encode = m_textCodePage != 65001 && text;
     if (m_tags) {
         if (encode) {
             m_value.clear();
@@ -239,7 +254,21 @@ void Writer::field(const Field& f) {
     m_out += '\n';
 }
 
+// The texts of the record the model is of, as its file spelled them; null when it spelled
+// none with escapes.
+const AcDbRawTags* Writer::spellingsOf(const Model& model) const {
+    const auto& spellings = m_db.textSpellings();
+    if (spellings.empty() || model.subclasses.empty()) return nullptr;
+    for (const Field& f : model.fieldsOf(model.subclasses[0])) {
+        if (f.kind != Field::Kind::kHandle || (f.code != 5 && f.code != 105)) continue;
+        auto it = spellings.find(static_cast<std::uint64_t>(f.integer));
+        return it == spellings.end() ? nullptr : &it->second;
+    }
+    return nullptr;
+}
+
 void Writer::merge(const AcDbObject& o, const HeadIds& head, const AcDbRawTags& tmpl, const Model& model) {
+    m_spelled = spellingsOf(model);
     SegmentMerge& seg = m_segment;
     auto headGroups = [&](bool xdict, bool reactors) { HeadGroups(head, m_r12, xdict, reactors, *this); };
     auto finish = [&](bool head) {
@@ -460,6 +489,7 @@ void Writer::object(const AcDbObject& o) {
     BuildModel(o, !o.fileTags().empty(), m_model);
     merge(o, HeadIdsOf(o), o.fileTags(), m_model);
     xdata(o);
+    m_spelled = nullptr;
 }
 
 AcDbHandle Writer::newHandle() {
