@@ -100,6 +100,26 @@ void AcDbDimStyleTableRecord::collectReferences(AcDbObjectIdArray& refs) const {
         if (value.kind == AcDbDimVarValue::kHandle && !value.id.isNull()) refs.append(value.id);
 }
 
+AcCmColor AcDbDimStyleTableRecord::colorVar(int code) const {
+    const auto var = m_vars.find(code);
+    const int index = var == m_vars.end() ? 0 : var->second.integer;  // 0 (BYBLOCK) by default
+    const auto trueColor = m_trueColors.find(code);
+    if (trueColor != m_trueColors.end() && trueColor->second.colorIndex() == index) return trueColor->second;
+    AcCmColor color;
+    color.setColorIndex(static_cast<std::uint16_t>(index));
+    return color;
+}
+
+Acad::ErrorStatus AcDbDimStyleTableRecord::setColorVar(int code, const AcCmColor& c) {
+    AcDbDimVarValue value;
+    value.kind = AcDbDimVarValue::kInt;
+    value.integer = c.colorIndex();
+    m_vars[code] = value;
+    if (c.hasTrueColor()) m_trueColors[code] = c;
+    else m_trueColors.erase(code);
+    return Acad::eOk;
+}
+
 // ---- Tables ----
 
 // Indexes the records added since the last look-up, or all of them after a rename. A record

@@ -150,8 +150,22 @@ public:
     AcDbDimVars& dimVars() { return m_vars; }
     void collectReferences(AcDbObjectIdArray& refs) const override;
 
+    // The dimension line, extension line and text colours (DIMCLRD, DIMCLRE, DIMCLRT) as
+    // colours. The variables (176-178) hold their indexes; a true colour is kept beside them and
+    // holds while the variable keeps the index it was set with.
+    AcCmColor dimclrd() const { return colorVar(176); }
+    Acad::ErrorStatus setDimclrd(const AcCmColor& c) { return setColorVar(176, c); }
+    AcCmColor dimclre() const { return colorVar(177); }
+    Acad::ErrorStatus setDimclre(const AcCmColor& c) { return setColorVar(177, c); }
+    AcCmColor dimclrt() const { return colorVar(178); }
+    Acad::ErrorStatus setDimclrt(const AcCmColor& c) { return setColorVar(178, c); }
+    // The same by the variable's group code.
+    AcCmColor colorVar(int code) const;
+    Acad::ErrorStatus setColorVar(int code, const AcCmColor& c);
+
 private:
     AcDbDimVars m_vars;
+    std::map<int, AcCmColor> m_trueColors;  // by group code
 };
 
 // Shared by views and viewports: a window onto the drawing.

@@ -127,6 +127,7 @@ struct Drawing {
     void writeObjects();
     void takeKept(std::vector<KeptData>& kept);
     void takeErasedEntries(std::vector<ErasedEntries>& erased) const;
+    void takeDimensionStyleColors(std::vector<DimensionStyleColors>& out) const;
 };
 
 void Drawing::sortHandles() {
@@ -482,7 +483,9 @@ void Drawing::sortByRank(std::vector<ItemIndex>& entities, const BlockHeaderReco
 void Drawing::writeEntities(std::uint64_t owner) {
     const auto it = owned.find(owner);
     if (it == owned.end()) return;
-    std::vector<ItemIndex> entities = it->second;
+    // Sorted in place: a sort again gives the same order, and a copy of the largest list would
+    // be held while its entities are built.
+    std::vector<ItemIndex>& entities = it->second;
     const Item* record = find(owner);
     const auto* block = record ? std::get_if<BlockHeaderRecord>(record->decoded.get()) : nullptr;
     if (block != nullptr && !block->entities.empty()) sortByRank(entities, *block);
@@ -569,6 +572,17 @@ void Drawing::takeErasedEntries(std::vector<ErasedEntries>& erased) const {
     }
 }
 
+void Drawing::takeDimensionStyleColors(std::vector<DimensionStyleColors>& out) const {
+    for (const auto& [handle, symbol] : symbols) {
+        DimensionStyleColors style{handle, {}};
+        const std::pair<int, const Color*> colors[] = {
+            {176, &symbol.dim.clrd}, {177, &symbol.dim.clre}, {178, &symbol.dim.clrt}};
+        for (const auto& [code, color] : colors)
+            if ((color->rgb >> 24) == 0xC2) style.colors.emplace_back(code, *color);
+        if (!style.colors.empty()) out.push_back(std::move(style));
+    }
+}
+
 void Drawing::takeKept(std::vector<KeptData>& kept) {
     // The block records' references and the layouts' viewports, by the object listed.
     std::unordered_map<std::uint64_t, std::uint64_t> listedBy;
@@ -624,10 +638,12 @@ bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<Kep
 }
 
 bool DwgToRecords(const DwgSections& sections, dxf::RecordFeed& feed, std::vector<KeptData>& kept,
-                  std::vector<ErasedEntries>& erased, MapError& error, bool plainEntities) {
+                  std::vector<ErasedEntries>& erased, std::vector<DimensionStyleColors>& colors,
+                  MapError& error, bool plainEntities) {
     Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}, DxfText(&feed), plainEntities, {}, false};
     if (!WriteDrawing(drawing, kept, error)) return false;
     drawing.takeErasedEntries(erased);
+    drawing.takeDimensionStyleColors(colors);
     return true;
 }
 

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/dwg/bit_reader.hpp"
@@ -43,15 +44,24 @@ struct ErasedEntries {
     std::vector<int> places;
 };
 
+// A dimension style's colours that are true colours (DIMCLRD, DIMCLRE, DIMCLRT by group code),
+// of which its record gives the indexes alone.
+struct DimensionStyleColors {
+    std::uint64_t style = 0;
+    std::vector<std::pair<int, Color>> colors;
+};
+
 // False with the offset (in the section named by the reason) and the reason when a section
 // does not decode. The objects whose records are their head only are appended to `kept`
 // (symbol table records and control objects are written whole and are not among them).
 bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<KeptData>& kept,
                   MapError& error);
 // The same records handed to the feed one at a time, as they are made; the tables' erased
-// entries, which no record holds, go to `erased`. Plain entities (see dxf::PlainEntity) go by
-// their values, unless plainEntities is false: the path they are tested against.
+// entries and the dimension styles' true colours, which no record holds, go to `erased` and
+// `colors`. Plain entities (see dxf::PlainEntity) go by their values, unless plainEntities is
+// false: the path they are tested against.
 bool DwgToRecords(const DwgSections& sections, dxf::RecordFeed& feed, std::vector<KeptData>& kept,
-                  std::vector<ErasedEntries>& erased, MapError& error, bool plainEntities = true);
+                  std::vector<ErasedEntries>& erased, std::vector<DimensionStyleColors>& colors,
+                  MapError& error, bool plainEntities = true);
 
 }  // namespace dwg

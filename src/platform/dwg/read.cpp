@@ -58,6 +58,22 @@ void KeepErasedEntries(AcDbDatabase& db, std::vector<ErasedEntries>& erased) {
     }
 }
 
+// The dimension styles' true colours go with the styles, beside the indexes their records gave.
+void KeepDimensionStyleColors(AcDbDatabase& db, const std::vector<DimensionStyleColors>& styles) {
+    for (const DimensionStyleColors& style : styles) {
+        AcDbObjectId id;
+        if (db.getAcDbObjectId(id, false, AcDbHandle(style.style)) != Acad::eOk) continue;
+        auto* record = AcDbDimStyleTableRecord::cast(id.stub()->object.get());
+        if (record == nullptr) continue;
+        for (const auto& [code, color] : style.colors) {
+            AcCmColor c;
+            c.setColorIndex(static_cast<std::uint16_t>(color.index));
+            c.setTrueColor(color.rgb);
+            record->setColorVar(code, c);
+        }
+    }
+}
+
 }  // namespace
 
 std::vector<std::uint8_t> StreamBytes(std::istream& in) {
@@ -115,9 +131,11 @@ Acad::ErrorStatus ReadRecords(AcDbDatabase& db, const DwgSections& sections, con
                               DwgContainer* container, bool plainEntities = true) {
     std::vector<KeptData> kept;
     std::vector<ErasedEntries> erased;
+    std::vector<DimensionStyleColors> colors;
     MapError error;
     dxf::RecordFeed feed(db, name);
-    if (!DwgToRecords(sections, feed, kept, erased, error, plainEntities)) return Fail(db, name, error.offset, error.reason);
+    if (!DwgToRecords(sections, feed, kept, erased, colors, error, plainEntities))
+        return Fail(db, name, error.offset, error.reason);
     if (feed.finish() != Acad::eOk) {
         // The records are made here: a refusal is a fault of this reader, said as such.
         const std::wstring why = db.lastError();
@@ -128,6 +146,7 @@ Acad::ErrorStatus ReadRecords(AcDbDatabase& db, const DwgSections& sections, con
     KeepFileVersion(db, sections.version);
     KeepWhole(db, kept, sections);
     KeepErasedEntries(db, erased);
+    KeepDimensionStyleColors(db, colors);
     KeepFiledObjects(db, sections, container);
     db.setLastError(L"");
     return Acad::eOk;

@@ -54,6 +54,9 @@ struct WriteContext {
     // The places of the null entries of each table's control object, by its handle: records
     // erased before the file the database was read from was saved.
     std::unordered_map<std::uint64_t, std::vector<int>> erasedEntries;
+    // The dimension styles' colours that are true colours, by the style's handle, with their
+    // variables' group codes (176-178): their records give the indexes alone.
+    std::unordered_map<std::uint64_t, std::vector<std::pair<int, Color>>> dimensionStyleColors;
     // The layer name the last entity gave and its layer: entities in a row mostly share one.
     std::string_view lastLayerName;
     std::uint64_t lastLayer = 0;
@@ -122,7 +125,8 @@ Acad::ErrorStatus EncodeDrawing(AcDbDatabase& db, int codePage, EncodedDrawing& 
 // threads as out.context says.
 void EncodeSource(SourceDrawing& source, int codePage, EncodedDrawing& out);
 // What the database keeps from a DWG read beside its records, for EncodeSource to write back:
-// the objects kept whole that it still holds, the places of the tables' erased entries.
+// the objects kept whole that it still holds, the places of the tables' erased entries, the
+// dimension styles' true colours.
 void NoteKeptObjects(AcDbDatabase& db, EncodedDrawing& out);
 // The file's bytes: the encoded objects (those unchanged since the read put back as the file
 // stored them), the object map, classes and header in their pages. What the file does not hold

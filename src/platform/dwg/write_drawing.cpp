@@ -307,6 +307,7 @@ void NoteKeptObjects(AcDbDatabase& db, EncodedDrawing& out) {
         }
     }
     NoteErasedEntries(db, out.context);
+    NoteDimensionStyleColors(db, out.context);
 }
 
 Acad::ErrorStatus EncodeDrawing(AcDbDatabase& db, int codePage, EncodedDrawing& out) {

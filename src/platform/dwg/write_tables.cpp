@@ -141,6 +141,12 @@ SymbolRecord SymbolOf(const SourceRecord& r, std::string_view table, WriteContex
     } else if (table == "DIMSTYLE") {
         s.dim = NewDrawingDimensionVariables();
         DimensionVariablesOf(r, c, s.dim);
+        // The true colours the database has beside the record's indexes.
+        const auto trueColors = c.dimensionStyleColors.find(s.entry.common.handle);
+        if (trueColors != c.dimensionStyleColors.end()) {
+            for (const auto& [code, color] : trueColors->second)
+                (code == 176 ? s.dim.clrd : code == 177 ? s.dim.clre : s.dim.clrt) = color;
+        }
         NoteUnstoredDimensionVariables(r, c);
     } else if (table == "VPORT") {
         s.lowerLeft = r.point2(10);
@@ -357,6 +363,25 @@ void NoteErasedEntries(const AcDbDatabase& db, WriteContext& c) {
         if (const auto* table = AcDbSymbolTable::cast(dxf::ObjectOf(id))) {
             c.erasedEntries[id.handle().value()] = table->erasedEntryPlaces();
         }
+    }
+}
+
+void NoteDimensionStyleColors(const AcDbDatabase& db, WriteContext& c) {
+    const auto* table = AcDbSymbolTable::cast(dxf::ObjectOf(db.dimStyleTableId()));
+    if (table == nullptr) return;
+    for (const AcDbObjectId& id : table->recordIds()) {
+        const auto* style = AcDbDimStyleTableRecord::cast(dxf::ObjectOf(id));
+        if (style == nullptr || style->isErased()) continue;
+        std::vector<std::pair<int, Color>> colors;
+        for (const int code : {176, 177, 178}) {
+            const AcCmColor color = style->colorVar(code);
+            if (!color.hasTrueColor()) continue;
+            Color stored;
+            stored.index = static_cast<std::int16_t>(color.colorIndex());
+            stored.rgb = 0xC2000000u | color.trueColor();
+            colors.emplace_back(code, stored);
+        }
+        if (!colors.empty()) c.dimensionStyleColors[id.handle().value()] = std::move(colors);
     }
 }
 

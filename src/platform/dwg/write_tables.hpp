@@ -16,6 +16,9 @@ void IndexNames(const SourceDrawing& source, WriteContext& c);
 void IndexBookColors(const SourceDrawing& source, WriteContext& c);
 // The places of the erased entries the database's tables keep from a DWG read.
 void NoteErasedEntries(const AcDbDatabase& db, WriteContext& c);
+// The colours of the drawing's dimension styles that are true colours, which their DXF records
+// cannot give.
+void NoteDimensionStyleColors(const AcDbDatabase& db, WriteContext& c);
 // Every table's records and control object; the control objects' handles go to handles. A
 // control object lists null entries at the places c.erasedEntries gives for it.
 void WriteTables(const SourceDrawing& source, WriteContext& c, HeaderHandles& handles);

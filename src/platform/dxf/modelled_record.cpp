@@ -17,7 +17,6 @@
 #include "platform/db/polyline.hpp"
 #include "platform/db/spline.hpp"
 #include "platform/db/text.hpp"
-#include "platform/dxf/angle_text.hpp"
 #include "platform/dxf/field_text.hpp"
 #include "platform/dxf/new_records.hpp"
 #include "platform/dxf/plain_entity.hpp"
@@ -125,15 +124,11 @@ bool SamePoint(const AcGePoint3d& recorded, const AcGePoint3d& modelled) {
     return SameReal(recorded.x, modelled.x) && SameReal(recorded.y, modelled.y) && SameReal(recorded.z, modelled.z);
 }
 
-// An angle whose degrees the writer gives as the record has them.
+// An angle whose degrees the writer gives as the record has them: the same radians bit for bit
+// (Radians reads FormatAngle's degrees back as the radians they were made of, so the entity holds
+// the decoder's own; another one is left to the record).
 bool SameAngle(double recorded, double modelled) {
-    if (std::bit_cast<std::uint64_t>(recorded) == std::bit_cast<std::uint64_t>(modelled)) return true;
-    thread_local std::string a, b;
-    a.clear();
-    b.clear();
-    FormatAngle(recorded, a);
-    FormatAngle(modelled, b);
-    return a == b;
+    return std::bit_cast<std::uint64_t>(recorded) == std::bit_cast<std::uint64_t>(modelled);
 }
 
 // The thickness, written when not 0 (39), and the normal, the z axis (no 210).

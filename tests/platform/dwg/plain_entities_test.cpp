@@ -16,7 +16,10 @@
 #include "platform/db/circle.hpp"
 #include "platform/db/line.hpp"
 #include "platform/db/point_entity.hpp"
+#include "platform/dwg/common.hpp"
 #include "platform/dwg/corpus_files.hpp"
+#include "platform/dwg/entities.hpp"
+#include "platform/dwg/plain_entities.hpp"
 #include "platform/dwg/read.hpp"
 #include "platform/dwg/sample_drawing.hpp"
 #include "platform/dwg/write.hpp"
@@ -159,11 +162,82 @@ AcDbEntity* Variant(int i) {
         c.setTrueColor(0x123456);
         e->setColor(c);
     }
+    if (i % 29 == 7) e->setLinetype(L"ByBlock");
+    if (i % 31 == 8) e->setVisibility(AcDb::kInvisible);
     if (i % 23 == 6) {
         if (auto* l = AcDbLine::cast(e)) l->setThickness(1.5);
         if (auto* c = AcDbCircle::cast(e)) c->setThickness(-2.0);
     }
     return e;
+}
+
+// A decoded line is plain when its record holds no more than a plain record does; each other
+// property it may have makes it need its record.
+TEST(DwgPlainEntities, a_line_is_plain_unless_its_record_holds_more) {
+    dwg::NameIndex names;
+    names.modelSpace = 0x1F;
+    names.paperSpace = 0x1E;
+    names.layers = {{0x10, "HOLES"}, {0x11, "孔"}, {0x12, "A\tB"}};
+    auto line = [] {
+        dwg::LineRecord r;
+        r.common.handle = 0x2A;
+        r.common.layer = 0x10;
+        r.common.color.index = 256;
+        r.common.lineweight = 29;  // by layer
+        r.end = {3, 4, 0};
+        return r;
+    };
+    struct Case {
+        const char* behaviour;
+        void (*change)(dwg::LineRecord&);
+        std::uint64_t owner;
+        bool plain;
+    };
+    const Case cases[] = {
+        {"a plain line", [](dwg::LineRecord&) {}, 0x1F, true},
+        {"coloured, thick, of a lineweight and scale", [](dwg::LineRecord& r) {
+             r.common.color.index = 7;
+             r.common.lineweight = 5;
+             r.common.linetypeScale = 2;
+             r.thickness = 1.5;
+         }, 0x1F, true},
+        {"by block", [](dwg::LineRecord& r) { r.common.color.index = 0; }, 0x1F, true},
+        {"with a reactor", [](dwg::LineRecord& r) { r.common.reactors.push_back(0x40); }, 0x1F, false},
+        {"with an extension dictionary", [](dwg::LineRecord& r) { r.common.extensionDictionary = 0x41; }, 0x1F, false},
+        {"with extended data", [](dwg::LineRecord& r) { r.common.extended.emplace_back(); }, 0x1F, false},
+        {"in paper space", [](dwg::LineRecord& r) { r.common.mode = 1; }, 0x1E, false},
+        {"owned by paper space", [](dwg::LineRecord&) {}, 0x1E, false},
+        {"of a linetype by block", [](dwg::LineRecord& r) { r.common.linetypeFlags = 1; }, 0x1F, false},
+        {"of a plot style", [](dwg::LineRecord& r) { r.common.plotStyleFlags = 3; }, 0x1F, false},
+        {"invisible", [](dwg::LineRecord& r) { r.common.invisible = 1; }, 0x1F, false},
+        {"of a colour index out of range", [](dwg::LineRecord& r) { r.common.color.index = 257; }, 0x1F, false},
+        {"of a negative colour index", [](dwg::LineRecord& r) { r.common.color.index = -3; }, 0x1F, false},
+        {"of a true colour", [](dwg::LineRecord& r) { r.common.color.rgb = 0xC2123456; }, 0x1F, false},
+        {"of a colour book", [](dwg::LineRecord& r) { r.common.color.hasBookHandle = true; }, 0x1F, false},
+        {"transparent", [](dwg::LineRecord& r) { r.common.color.hasTransparency = true; }, 0x1F, false},
+        {"on a Chinese layer", [](dwg::LineRecord& r) { r.common.layer = 0x11; }, 0x1F, false},
+        {"on a layer with a tab", [](dwg::LineRecord& r) { r.common.layer = 0x12; }, 0x1F, false},
+        {"tilted", [](dwg::LineRecord& r) { r.normal = {0, 0, -1}; }, 0x1F, false},
+        {"raised", [](dwg::LineRecord& r) { r.normal = {0, 0, 2}; }, 0x1F, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.behaviour);
+        dwg::LineRecord r = line();
+        c.change(r);
+        dxf::PlainEntity plain;
+        EXPECT_EQ(dwg::PlainEntityOf(dwg::DecodedObject(r), "LINE", c.owner, names, plain), c.plain);
+        if (!c.plain) continue;
+        EXPECT_EQ(plain.handle, 0x2Au);
+        EXPECT_EQ(plain.owner, c.owner);
+        EXPECT_EQ(plain.layer, "HOLES");
+        EXPECT_EQ(plain.colorIndex, r.common.color.index);
+        EXPECT_EQ(plain.lineweight, dwg::LineweightFromIndex(r.common.lineweight));
+        EXPECT_EQ(plain.linetypeScale, r.common.linetypeScale);
+        EXPECT_EQ(plain.thickness, r.thickness);
+        EXPECT_EQ(plain.second.x, 3.0);
+    }
+    dxf::PlainEntity plain;
+    EXPECT_FALSE(dwg::PlainEntityOf(dwg::DecodedObject(line()), "XLINE", 0x1F, names, plain));
 }
 
 TEST(DwgPlainEntities, generated_drawings_read_as_through_records) {

@@ -45,7 +45,8 @@ bool ReadThroughFeed(const dwg::DwgSections& sections, const std::string& name, 
     dxf::RecordFeed feed(out.db, name);
     dwg::MapError error;
     std::vector<dwg::ErasedEntries> erased;
-    return dwg::DwgToRecords(sections, feed, out.kept, erased, error) && feed.finish() == Acad::eOk;
+    std::vector<dwg::DimensionStyleColors> colors;
+    return dwg::DwgToRecords(sections, feed, out.kept, erased, colors, error) && feed.finish() == Acad::eOk;
 }
 
 std::string Handle(const AcDbObjectId& id) {

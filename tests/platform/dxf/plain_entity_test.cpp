@@ -205,6 +205,12 @@ std::vector<Case> Cases() {
     byBlock.entity.thickness = 3;
     byBlock.entity.startAngle = 0.25;
     cases.push_back(byBlock);
+    Case upright{"a point not turned", Plain(Kind::kPoint), false, true};
+    upright.entity.startAngle = 0.0;
+    cases.push_back(upright);
+    Case zeroTurn{"a point turned by a negative zero", Plain(Kind::kPoint), false, true};
+    zeroTurn.entity.startAngle = -0.0;
+    cases.push_back(zeroTurn);
     Case negativeZero{"a line with a negative zero", Plain(Kind::kLine), false, false};
     negativeZero.entity.second.z = -0.0;
     cases.push_back(negativeZero);
