@@ -660,8 +660,7 @@ AcDbPolyline* NewPlainLwPolyline(const PlainEntity& p) {
         for (auto& v : e->vertices()) v.startWidth = v.endWidth = p.constantWidth;
         e->setConstantWidthTag(true);
     }
-    e->setNormal(AcGeVector3d::kZAxis);
-    return e;
+    return e;  // its normal the z axis, as made
 }
 
 }  // namespace

@@ -18,6 +18,7 @@
 #include "platform/db/point_entity.hpp"
 #include "platform/db/polyline.hpp"
 #include "platform/dwg/common.hpp"
+#include "platform/dwg/curves.hpp"
 #include "platform/dwg/corpus_files.hpp"
 #include "platform/dwg/entities.hpp"
 #include "platform/dwg/plain_entities.hpp"
@@ -273,6 +274,36 @@ TEST(DwgPlainEntities, a_line_is_plain_unless_its_record_holds_more) {
     }
     dxf::PlainEntity plain;
     EXPECT_FALSE(dwg::PlainEntityOf(dwg::DecodedObject(line()), "XLINE", 0x1F, names, plain));
+}
+
+// A decoded polyline's flags tell it closed (512), of linetype generation (256) and of a constant
+// width (4); the others say which values the file stores, which the record does not show.
+TEST(DwgPlainEntities, a_polyline_is_told_by_its_flags) {
+    dwg::NameIndex names;
+    names.layers = {{0x10, "0"}};
+    const struct {
+        std::int16_t flags;
+        bool closed, plinegen, constant;
+    } cases[] = {
+        {0, false, false, false},     {512, true, false, false},    {256, false, true, false},
+        {4, false, false, true},      {1 | 2 | 8 | 16 | 32 | 1024, false, false, false},
+        {512 | 256 | 4, true, true, true},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.flags);
+        dwg::LwPolylineRecord r;
+        r.common.handle = 0x2A;
+        r.common.layer = 0x10;
+        r.common.color.index = 256;
+        r.flags = c.flags;
+        r.points = {{1, 2}, {3, 4}};
+        dxf::PlainEntity plain;
+        ASSERT_TRUE(dwg::PlainEntityOf(dwg::DecodedObject(r), "LWPOLYLINE", 0x1F, names, plain));
+        EXPECT_EQ(plain.closed, c.closed);
+        EXPECT_EQ(plain.plinegen, c.plinegen);
+        EXPECT_EQ(plain.constant, c.constant);
+        EXPECT_EQ(plain.vertices.size(), 2u);
+    }
 }
 
 TEST(DwgPlainEntities, generated_drawings_read_as_through_records) {

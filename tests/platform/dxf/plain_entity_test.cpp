@@ -200,8 +200,8 @@ dxf::PlainEntity Plain(Kind kind, std::uint64_t owner = 0x1F) {
     p.radius = 2.5;
     p.startAngle = 0.1;
     p.endAngle = 3.0;
-    if (kind == Kind::kLwPolyline) {
-        p.vertices = {{{1.5, 1.0 / 3}, 0.5, 0.25, 0.75}, {{-4, 5.25}, 0.0, 1.0, 0.0}, {{2, -1}, -1.0, 0.0, 0.0}};
+    if (kind == Kind::kLwPolyline) {  // the last vertex's widths not given
+        p.vertices = {{{1.5, 1.0 / 3}, 0.5, 0.25, 0.75}, {{-4, 5.25}, 0.0, 1.0, 0.0}, {{2, -1}, -1.0, 0.5, 0.0}};
         p.widthsGiven = 2;
     }
     return p;
@@ -246,7 +246,10 @@ std::vector<Case> PolylineCases() {
             p.vertices[1].bulge = -0.0;
             p.elevation = -0.0;
         }),
-        polyline("a polyline giving widths 0", false, [](dxf::PlainEntity& p) { p.widthsGiven = 3; }),
+        polyline("a polyline giving widths 0", false, [](dxf::PlainEntity& p) {
+            p.widthsGiven = 3;
+            p.vertices[2].startWidth = 0.0;
+        }),
         polyline("a polyline giving widths beside a constant width", false, [](dxf::PlainEntity& p) {
             p.constant = true;
             p.constantWidth = 0.5;
