@@ -15,7 +15,8 @@ trap 'rm -rf "$work"' EXIT
 gen_plates "$n" "$work/plates.dxf"
 /usr/bin/python3 "$here/plate_sheet.py" "$work/plates.dxf" "$work/sheet.dxf"
 "$build/bench/dxf_bench" "$work/sheet.dxf" "$work/codec.dxf" | tee "$work/codec.txt"
-cp -r "$here/../examples/workshop" "$work/prefix"
+# The workshop with a DXF hand-off, whose first export the plates' sheet replaces.
+/usr/bin/python3 "$here/../examples/generate_workshop.py" --handoff dxf "$work/prefix" > /dev/null
 handoff="$work/prefix/drives/c/Users/cad/AppData/Local/Convert"
 rm -f "$handoff"/MP2305-*.dxf
 cp "$work/sheet.dxf" "$handoff/MP2305-1.dxf"

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Shows a DWG in LibreCAD on a virtual X display and saves a screenshot of its window:
 # docs/librecad_screenshot.sh DRAWING.dwg OUT.png
-# (docs/workshop_merged_librecad.png: the workshop's merged drawing after scripts/run-workshop,
-# converted with `tavrik convert MP2305.dxf MP2305.dwg`.)
+# (docs/workshop_merged_librecad.png: the workshop's merged drawing MP2305.dwg after
+# scripts/run-workshop.)
 set -euo pipefail
 drawing=$(realpath "${1:?drawing}")
 out=$(realpath -m "${2:?png}")

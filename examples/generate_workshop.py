@@ -6,9 +6,13 @@ hand-off of one part exported by the UG side, ready for a batch run.
 
 Run with Debian's /usr/bin/python3 (python3-ezdxf):
 
-    /usr/bin/python3 examples/generate_workshop.py [OUTPUT]
+    /usr/bin/python3 examples/generate_workshop.py [--handoff dwg|dxf] [--tavrik PROGRAM] [OUTPUT]
 
 OUTPUT defaults to examples/workshop next to this script; an existing folder is replaced.
+The hand-off is DWG by default, as the UG side exports it: ezdxf draws each export as DXF and
+`tavrik convert` (PROGRAM, default build/bin/tavrik) turns it into an AC1018 DWG. With
+--handoff dxf the exports stay DXF: the tests that check the batch's output with ezdxf run on
+that variant.
 The output is deterministic: fixed handles, dates and GUIDs, no randomness, so that a test
 can generate into a temporary folder and compare byte for byte with the checked-in tree.
 See examples/README.md for what is drawn and why.
@@ -18,6 +22,7 @@ import io
 import math
 import os
 import shutil
+import subprocess
 import sys
 import uuid
 from datetime import datetime
@@ -40,8 +45,7 @@ CONFIG_ROOT = CZCONFIG + "\\config\\" + STANDARD_FOLDER
 FRAME_FOLDER = CONFIG_ROOT + "\\标准图框"
 SYMBOL_FOLDER = CONFIG_ROOT + "\\孔符号"
 TARGET_FOLDER = "D:\\成品图\\"
-PART = "MP2305-"  # stem of the part's drawings: MP2305-1.dxf, MP2305-2.dxf
-MERGED = TARGET_FOLDER + "MP2305.dxf"
+PART = "MP2305-"  # stem of the part's drawings: MP2305-1.dwg, MP2305-2.dwg
 
 # ---------------------------------------------------------------------------------------------
 # Fixed metadata: an exporting CAD stamps dates and GUIDs; ours are constants per file
@@ -984,7 +988,7 @@ REGISTRY_REG = """Windows Registry Editor Version 5.00
 """
 
 
-def write_machine(root, summary):
+def write_machine(root, summary, extension):
     write_text(root / "host.ini", HOST_INI, "ascii")
     write_text(root / "registry.reg", REGISTRY_REG, "ascii")
     # Logging is on when the log files exist: the tool never creates them. It spells the folder
@@ -996,15 +1000,28 @@ def write_machine(root, summary):
     write_text(drive_path(root, "D:\\Mytool\\application\\.gitkeep"), "")
     write_text(drive_path(root, "D:\\Mytool\\temp\\.gitkeep"), "")
     handoff = drive_path(root, HANDOFF)
-    write_text(handoff / "ugm.log", TARGET_FOLDER + "\n" + HANDOFF + "\\" + PART + ".dxf\n")
+    write_text(handoff / "ugm.log", TARGET_FOLDER + "\n" + HANDOFF + "\\" + PART + extension + "\n")
     out = ["UG 出图 " + PART + " 开始"]
     for file_name, sheets, _, _ in summary:
-        out.append("导出 %s\\%s 图纸 %d 张" % (HANDOFF, file_name, sheets))
+        export = Path(file_name).with_suffix(extension).name
+        out.append("导出 %s\\%s 图纸 %d 张" % (HANDOFF, export, sheets))
     out.append("UG 出图结束, 启动 AutoCAD")
     write_text(handoff / "ugout.log", "\n".join(out) + "\n")
 
 
-def generate(root):
+def convert_exports(root, summary, tavrik):
+    """Turns each DXF export of the hand-off into the DWG the UG side would have written."""
+    folder = drive_path(root, HANDOFF)
+    for file_name, _, _, _ in summary:
+        dxf = folder / file_name
+        # The writer names the records it has no DWG form for (materials, multileader styles)
+        # on stderr; the batch does not use them.
+        subprocess.run([tavrik, "convert", str(dxf), str(dxf.with_suffix(".dwg"))], check=True,
+                       stderr=subprocess.DEVNULL)
+        dxf.unlink()
+
+
+def generate(root, handoff, tavrik):
     if root.exists():
         shutil.rmtree(root)
     root.mkdir(parents=True)
@@ -1012,7 +1029,9 @@ def generate(root):
     write_frames(root)
     write_symbols(root)
     summary = write_exports(root)
-    write_machine(root, summary)
+    if handoff == "dwg":
+        convert_exports(root, summary, tavrik)
+    write_machine(root, summary, "." + handoff)
     return summary
 
 
@@ -1026,8 +1045,12 @@ def main(argv):
     parser = argparse.ArgumentParser(description="Generate the example workshop prefix.")
     parser.add_argument("output", nargs="?", default=str(here / "workshop"),
                         help="folder of the prefix (default: examples/workshop)")
+    parser.add_argument("--handoff", choices=("dwg", "dxf"), default="dwg",
+                        help="format of the UG side's exports (default: dwg)")
+    parser.add_argument("--tavrik", default=str(here.parent / "build" / "bin" / "tavrik"),
+                        help="the tavrik program that converts the exports to DWG")
     args = parser.parse_args(argv)
-    summary = generate(Path(args.output))
+    summary = generate(Path(args.output), args.handoff, args.tavrik)
     for file_name, sheets, markers, points in summary:
         print("%s: %d sheet(s), %d marker(s), %d point(s)" % (file_name, sheets, markers, points))
     return 0

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/dwg/curves.hpp"
 #include "platform/dwg/entities.hpp"
 
 namespace dwg {
@@ -47,6 +48,29 @@ bool PlainRound(const CircleRecord& r, dxf::PlainEntity& plain) {
     return IsUpright(r.normal);
 }
 
+// The values the record gives (see the LWPOLYLINE Body of dxf_records.cpp).
+bool PlainLwPolyline(const LwPolylineRecord& r, dxf::PlainEntity& plain) {
+    plain.kind = dxf::PlainEntity::Kind::kLwPolyline;
+    plain.closed = r.closed();
+    plain.plinegen = (r.flags & 256) != 0;
+    plain.constant = (r.flags & 4) != 0;
+    plain.constantWidth = r.constantWidth;
+    plain.elevation = r.elevation;
+    plain.thickness = r.thickness;
+    plain.widthsGiven = std::min(r.widths.size(), r.points.size());
+    plain.vertices.resize(r.points.size());
+    for (std::size_t k = 0; k < r.points.size(); ++k) {
+        AcDbPolyline::Vertex& v = plain.vertices[k];
+        v.point = {r.points[k].x, r.points[k].y};
+        if (k < plain.widthsGiven) {
+            v.startWidth = r.widths[k].x;
+            v.endWidth = r.widths[k].y;
+        }
+        if (k < r.bulges.size()) v.bulge = r.bulges[k];
+    }
+    return IsUpright(r.normal);
+}
+
 bool PlainBody(const DecodedObject& decoded, dxf::PlainEntity& plain) {
     if (const auto* r = std::get_if<LineRecord>(&decoded)) {
         plain.kind = dxf::PlainEntity::Kind::kLine;
@@ -72,6 +96,7 @@ bool PlainBody(const DecodedObject& decoded, dxf::PlainEntity& plain) {
         plain.startAngle = r->xAxisAngle;
         return IsUpright(r->normal);
     }
+    if (const auto* r = std::get_if<LwPolylineRecord>(&decoded)) return PlainLwPolyline(*r, plain);
     return false;
 }
 

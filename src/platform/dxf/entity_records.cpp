@@ -636,6 +636,33 @@ T* NewPlainRound(const PlainEntity& p) {
     return e;
 }
 
+// In the order ReadLwPolyline sets them, each value the record leaves out at its default; a
+// constant width is every vertex's.
+AcDbPolyline* NewPlainLwPolyline(const PlainEntity& p) {
+    auto* e = new AcDbPolyline();
+    ReadPlainCommon(*e, p);
+    e->setClosed(p.closed);
+    e->setPlinegen(p.plinegen);
+    if (p.elevation != 0.0) e->setElevation(p.elevation);
+    if (p.thickness != 0.0) e->setThickness(p.thickness);
+    e->vertices().reserve(p.vertices.size());
+    for (std::size_t k = 0; k < p.vertices.size(); ++k) {
+        const AcDbPolyline::Vertex& given = p.vertices[k];
+        AcDbPolyline::Vertex& v = e->vertices().emplace_back();
+        v.point = given.point;
+        if (k < p.widthsGiven) {
+            v.startWidth = given.startWidth;
+            v.endWidth = given.endWidth;
+        }
+        if (given.bulge != 0.0) v.bulge = given.bulge;
+    }
+    if (p.constant) {
+        for (auto& v : e->vertices()) v.startWidth = v.endWidth = p.constantWidth;
+        e->setConstantWidthTag(true);
+    }
+    return e;  // its normal the z axis, as made
+}
+
 }  // namespace
 
 std::string_view PlainTypeName(PlainEntity::Kind kind) {
@@ -644,19 +671,30 @@ std::string_view PlainTypeName(PlainEntity::Kind kind) {
         case PlainEntity::Kind::kCircle: return "CIRCLE";
         case PlainEntity::Kind::kArc: return "ARC";
         case PlainEntity::Kind::kPoint: return "POINT";
+        case PlainEntity::Kind::kLwPolyline: return "LWPOLYLINE";
     }
     return {};
 }
 
+// A polyline's tags after its marker: count, flags, the widths and heights given, the vertices.
+int LwPolylineTags(const PlainEntity& p) {
+    int tags = 2 + p.constant + (p.elevation != 0.0) + (p.thickness != 0.0);
+    for (std::size_t k = 0; k < p.vertices.size(); ++k)
+        tags += 2 + 2 * (k < p.widthsGiven) + (p.vertices[k].bulge != 0.0);
+    return tags;
+}
+
 int PlainRecordTags(const PlainEntity& p) {
     // 0, 5, 330, 100 and 8; the common values given; the kind's marker, thickness and point.
-    const int head = 5 + (p.colorIndex != 256) + (p.lineweight != -1) + (p.linetypeScale != 1.0) + 4 +
-                     (p.thickness != 0.0);
+    const int common = 5 + (p.colorIndex != 256) + (p.lineweight != -1) + (p.linetypeScale != 1.0);
+    if (p.kind == PlainEntity::Kind::kLwPolyline) return common + 1 + LwPolylineTags(p);
+    const int head = common + 4 + (p.thickness != 0.0);
     switch (p.kind) {
         case PlainEntity::Kind::kLine: return head + 3;  // the end point
         case PlainEntity::Kind::kCircle: return head + 1;  // the radius
         case PlainEntity::Kind::kArc: return head + 4;  // the radius, the arc's marker, two angles
         case PlainEntity::Kind::kPoint: return head + (p.startAngle != 0.0);
+        case PlainEntity::Kind::kLwPolyline: break;
     }
     return head;
 }
@@ -690,6 +728,7 @@ AcDbEntity* NewPlainEntity(const PlainEntity& p) {
             e->setNormal(AcGeVector3d::kZAxis);
             return e;
         }
+        case PlainEntity::Kind::kLwPolyline: return NewPlainLwPolyline(p);
     }
     return nullptr;
 }

@@ -159,6 +159,33 @@ bool SameRound(const T& e, const PlainEntity& p) {
            SamePoint(p.first, AcGeMatrix3d::worldToPlane(e.normal()) * e.center()) && SameReal(p.radius, e.radius());
 }
 
+// A value written when not 0 (a height, a bulge), and modelled then only.
+bool SameOptional(double recorded, double modelled) {
+    return recorded != 0.0 ? SameReal(recorded, modelled) : modelled == 0.0;
+}
+
+// A vertex's point, widths (written when given; the model writes them when not both 0) and bulge.
+bool SameVertex(const AcDbPolyline::Vertex& v, const AcDbPolyline::Vertex& m, bool widths) {
+    const bool modelWidths = m.startWidth != 0.0 || m.endWidth != 0.0;
+    return SameReal(v.point.x, m.point.x) && SameReal(v.point.y, m.point.y) && SameOptional(v.bulge, m.bulge) &&
+           widths == modelWidths && (!widths || (SameReal(v.startWidth, m.startWidth) && SameReal(v.endWidth, m.endWidth)));
+}
+
+// A constant width is written as one value (43), and no vertex's widths then.
+bool SameLwPolyline(const AcDbPolyline& e, const PlainEntity& p) {
+    double width = 0.0;
+    const bool constant = e.hasConstantWidthTag() && e.getConstantWidth(width) == Acad::eOk;
+    if (constant != p.constant || (constant && (p.widthsGiven != 0 || !SameReal(p.constantWidth, width)))) return false;
+    if (e.isClosed() != p.closed || e.hasPlinegen() != p.plinegen || e.numVerts() != p.vertices.size()) return false;
+    if (!SameOptional(p.elevation, e.elevation()) || !SameExtrusion(p.thickness, e.thickness(), e.normal())) return false;
+    for (std::size_t k = 0; k < p.vertices.size(); ++k) {
+        AcDbPolyline::Vertex m = e.vertices()[k];
+        if (constant) m.startWidth = m.endWidth = 0.0;
+        if (!SameVertex(p.vertices[k], m, k < p.widthsGiven)) return false;
+    }
+    return true;
+}
+
 bool SamePlainBody(const AcDbEntity& entity, const PlainEntity& p) {
     switch (p.kind) {
         case PlainEntity::Kind::kLine: {
@@ -180,6 +207,10 @@ bool SamePlainBody(const AcDbEntity& entity, const PlainEntity& p) {
             const bool angle = p.startAngle != 0.0 ? e && e->ecsRotation() != 0.0 && SameAngle(p.startAngle, e->ecsRotation())
                                                    : e && e->ecsRotation() == 0.0;
             return e && angle && SameExtrusion(p.thickness, e->thickness(), e->normal()) && SamePoint(p.first, e->position());
+        }
+        case PlainEntity::Kind::kLwPolyline: {
+            const auto* e = AcDbPolyline::cast(&entity);
+            return e && SameLwPolyline(*e, p);
         }
     }
     return false;

@@ -1,4 +1,4 @@
-// Lines, circles, arcs and points whose records would be plain are built from their decoded
+// Lines, circles, arcs, points and lightweight polylines whose records would be plain are built from their decoded
 // values, without their records being made: a drawing read so holds, object by object and bit
 // by bit, what it holds when every entity is read through its record, and writes the same DXF
 // and DWG bytes.
@@ -16,7 +16,9 @@
 #include "platform/db/circle.hpp"
 #include "platform/db/line.hpp"
 #include "platform/db/point_entity.hpp"
+#include "platform/db/polyline.hpp"
 #include "platform/dwg/common.hpp"
+#include "platform/dwg/curves.hpp"
 #include "platform/dwg/corpus_files.hpp"
 #include "platform/dwg/entities.hpp"
 #include "platform/dwg/plain_entities.hpp"
@@ -60,6 +62,12 @@ std::string Values(const AcDbObject& o) {
                Bits(e->endAngle()) + " " + Bits(e->thickness()) + " " + Bits(e->normal());
     if (const auto* e = AcDbPoint::cast(&o))
         out += " " + Bits(e->position()) + " " + Bits(e->ecsRotation()) + " " + Bits(e->thickness()) + " " + Bits(e->normal());
+    if (const auto* e = AcDbPolyline::cast(&o)) {
+        out += " " + std::to_string(e->isClosed()) + std::to_string(e->hasPlinegen()) + std::to_string(e->hasConstantWidthTag()) +
+               " " + Bits(e->elevation()) + " " + Bits(e->thickness()) + " " + Bits(e->normal());
+        for (const AcDbPolyline::Vertex& v : e->vertices())
+            out += " " + Bits(v.point.x) + "," + Bits(v.point.y) + "," + Bits(v.startWidth) + "," + Bits(v.endWidth) + "," + Bits(v.bulge);
+    }
     return out;
 }
 
@@ -96,8 +104,9 @@ std::vector<std::uint8_t> WrittenDwg(AcDbDatabase& db) {
 }
 
 // Reads the file with plain entities and through records only; expects the same databases. The
-// count of entities that keep no record is added to `plain`; false when the file does not read.
-bool PlainReadsAsRecords(const std::vector<std::uint8_t>& file, const std::string& name, int& plain) {
+// entities that keep no record are counted in `plain`, and the polylines among them in
+// `polylines`; false when the file does not read.
+bool PlainReadsAsRecords(const std::vector<std::uint8_t>& file, const std::string& name, int& plain, int& polylines) {
     AcDbDatabase fast(false, true), records(false, true);
     const Acad::ErrorStatus es = dwg::ReadDwgBytes(records, file, name, false);
     EXPECT_EQ(dwg::ReadDwgBytes(fast, file, name, true), es);
@@ -113,8 +122,11 @@ bool PlainReadsAsRecords(const std::vector<std::uint8_t>& file, const std::strin
     }
     for (const AcDbStub& stub : fast.stubs()) {
         const auto* o = stub.object.get();
-        if (o && o->fileTags().empty() && (AcDbLine::cast(o) || AcDbCircle::cast(o) || AcDbArc::cast(o) || AcDbPoint::cast(o)))
+        if (o && o->fileTags().empty() &&
+            (AcDbLine::cast(o) || AcDbCircle::cast(o) || AcDbArc::cast(o) || AcDbPoint::cast(o) || AcDbPolyline::cast(o))) {
             ++plain;
+            polylines += AcDbPolyline::cast(o) != nullptr;
+        }
     }
     EXPECT_EQ(fast.handseed().value(), records.handseed().value());
     EXPECT_EQ(WrittenDxf(fast), WrittenDxf(records));
@@ -127,14 +139,37 @@ TEST(DwgPlainEntities, every_corpus_drawing_reads_as_through_records) {
     for (const auto& entry : std::filesystem::directory_iterator(SharedFile("corpus/dwg")))
         if (entry.path().extension() == ".dwg") names.push_back(entry.path().filename().string());
     std::sort(names.begin(), names.end());
-    int read = 0, plain = 0;
+    int read = 0, plain = 0, polylines = 0;
     for (const std::string& name : names) {
         SCOPED_TRACE(name);
-        if (PlainReadsAsRecords(dwg_test::ReadFileBytes(dwg_test::CorpusPath(name)), name, plain)) ++read;
+        if (PlainReadsAsRecords(dwg_test::ReadFileBytes(dwg_test::CorpusPath(name)), name, plain, polylines)) ++read;
         if (HasFailure()) return;
     }
     EXPECT_GE(read, 20);
     EXPECT_GE(plain, 1000);
+    EXPECT_GE(polylines, 400);
+}
+
+// A lightweight polyline of 1 to 5 vertices: open or closed, with bulges (a negative zero among
+// them), widths (zero ones too), a constant width, an elevation, a thickness, linetype generation
+// or a normal off the z axis.
+AcDbPolyline* PolylineVariant(int i, double x) {
+    auto* p = new AcDbPolyline();
+    for (int k = 0; k < 1 + i % 5; ++k) {
+        const double bulge = i % 3 == 0 ? 0.25 * k : i % 11 == 4 ? -0.0 : 0.0;
+        p->addVertexAt(static_cast<unsigned>(k), AcGePoint2d(x + k, k % 2 == 0 ? 1.0 / 7 : -2.5), bulge);
+        if (i % 7 == 2) p->setWidthsAt(static_cast<unsigned>(k), 0.1 * k, k % 2 == 0 ? 0.0 : 0.3);
+    }
+    p->setClosed(i % 2 == 1);
+    if (i % 9 == 5) {
+        p->setConstantWidth(i % 18 == 5 ? 0.0 : 0.75);
+        p->setConstantWidthTag(true);
+    }
+    if (i % 13 == 3) p->setElevation(i % 26 == 3 ? -0.0 : 4.5);
+    if (i % 17 == 6) p->setThickness(2.0);
+    if (i % 15 == 8) p->setPlinegen(true);
+    if (i % 37 == 12) p->setNormal(AcGeVector3d(0, 0, -1));
+    return p;
 }
 
 // The kinds in turn with the properties a plain record holds (colour index, lineweight,
@@ -143,10 +178,11 @@ TEST(DwgPlainEntities, every_corpus_drawing_reads_as_through_records) {
 AcDbEntity* Variant(int i) {
     const double x = i * 0.37 - 40;
     AcDbEntity* e = nullptr;
-    switch (i % 4) {
+    switch (i % 5) {
         case 0: e = new AcDbLine(AcGePoint3d(x, 1.0 / 3, 0), AcGePoint3d(x + 2.5, -1.25, i % 9 == 0 ? 1e-300 : 0)); break;
         case 1: e = new AcDbCircle(AcGePoint3d(x, 3, 0), i % 13 == 1 ? AcGeVector3d(0, 0.6, 0.8) : AcGeVector3d::kZAxis, 1.0 + i % 7); break;
         case 2: e = new AcDbArc(AcGePoint3d(x, 5, 0), 2.0, 0.1 * (i % 11), 0.7 * (i % 10)); break;
+        case 3: e = PolylineVariant(i / 5, x); break;
         default: {
             auto* p = new AcDbPoint(AcGePoint3d(x, i % 17 == 3 ? -0.0 : 7, 2));
             if (i % 3 == 0) p->setEcsRotation(0.01 * i);
@@ -240,6 +276,36 @@ TEST(DwgPlainEntities, a_line_is_plain_unless_its_record_holds_more) {
     EXPECT_FALSE(dwg::PlainEntityOf(dwg::DecodedObject(line()), "XLINE", 0x1F, names, plain));
 }
 
+// A decoded polyline's flags tell it closed (512), of linetype generation (256) and of a constant
+// width (4); the others say which values the file stores, which the record does not show.
+TEST(DwgPlainEntities, a_polyline_is_told_by_its_flags) {
+    dwg::NameIndex names;
+    names.layers = {{0x10, "0"}};
+    const struct {
+        std::int16_t flags;
+        bool closed, plinegen, constant;
+    } cases[] = {
+        {0, false, false, false},     {512, true, false, false},    {256, false, true, false},
+        {4, false, false, true},      {1 | 2 | 8 | 16 | 32 | 1024, false, false, false},
+        {512 | 256 | 4, true, true, true},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.flags);
+        dwg::LwPolylineRecord r;
+        r.common.handle = 0x2A;
+        r.common.layer = 0x10;
+        r.common.color.index = 256;
+        r.flags = c.flags;
+        r.points = {{1, 2}, {3, 4}};
+        dxf::PlainEntity plain;
+        ASSERT_TRUE(dwg::PlainEntityOf(dwg::DecodedObject(r), "LWPOLYLINE", 0x1F, names, plain));
+        EXPECT_EQ(plain.closed, c.closed);
+        EXPECT_EQ(plain.plinegen, c.plinegen);
+        EXPECT_EQ(plain.constant, c.constant);
+        EXPECT_EQ(plain.vertices.size(), 2u);
+    }
+}
+
 TEST(DwgPlainEntities, generated_drawings_read_as_through_records) {
     AcDbDatabase db;
     dwg_test::AddLayer(db, L"HOLES", 3);
@@ -253,9 +319,10 @@ TEST(DwgPlainEntities, generated_drawings_read_as_through_records) {
     std::vector<std::uint8_t> file;
     dwg::DwgWriteReport report;
     ASSERT_EQ(dwg::WriteDwgBytes(db, 936, file, report), Acad::eOk);
-    int plain = 0;
-    EXPECT_TRUE(PlainReadsAsRecords(file, "variants.dwg", plain));
+    int plain = 0, polylines = 0;
+    EXPECT_TRUE(PlainReadsAsRecords(file, "variants.dwg", plain, polylines));
     EXPECT_GE(plain, 1500);
+    EXPECT_GE(polylines, 350);
 }
 
 }  // namespace

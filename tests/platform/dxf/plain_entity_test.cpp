@@ -16,6 +16,7 @@
 #include "platform/db/circle.hpp"
 #include "platform/db/line.hpp"
 #include "platform/db/point_entity.hpp"
+#include "platform/db/polyline.hpp"
 #include "platform/dxf/angle_text.hpp"
 #include "platform/dxf/dxf.hpp"
 #include "platform/dxf/model.hpp"
@@ -67,6 +68,10 @@ public:
         if (p.colorIndex != 256) made(62, std::to_string(p.colorIndex), dxf::Made::kInteger);
         if (p.lineweight != -1) made(370, std::to_string(p.lineweight), dxf::Made::kInteger);
         if (p.linetypeScale != 1.0) real(48, p.linetypeScale);
+        if (p.kind == Kind::kLwPolyline) {
+            lwPolyline(p);
+            return;
+        }
         const bool round = p.kind == Kind::kCircle || p.kind == Kind::kArc;
         text(100, p.kind == Kind::kLine ? "AcDbLine" : p.kind == Kind::kPoint ? "AcDbPoint" : "AcDbCircle");
         if (p.thickness != 0.0 && p.kind != Kind::kPoint) real(39, p.thickness);
@@ -84,6 +89,24 @@ public:
     const std::vector<dxf::Tag>& tags() const { return m_tags; }
 
 private:
+    void lwPolyline(const dxf::PlainEntity& p) {
+        text(100, "AcDbPolyline");
+        made(90, std::to_string(p.vertices.size()), dxf::Made::kInteger);
+        made(70, std::to_string((p.closed ? 1 : 0) | (p.plinegen ? 128 : 0)), dxf::Made::kInteger);
+        if (p.constant) real(43, p.constantWidth);
+        if (p.elevation != 0.0) real(38, p.elevation);
+        if (p.thickness != 0.0) real(39, p.thickness);
+        for (std::size_t k = 0; k < p.vertices.size(); ++k) {
+            const AcDbPolyline::Vertex& v = p.vertices[k];
+            real(10, v.point.x);
+            real(20, v.point.y);
+            if (k < p.widthsGiven) {
+                real(40, v.startWidth);
+                real(41, v.endWidth);
+            }
+            if (v.bulge != 0.0) real(42, v.bulge);
+        }
+    }
     void made(int code, std::string value, dxf::Made how, double number = 0.0) {
         m_values.push_back(std::move(value));
         m_tags.push_back({code, m_values.back(), 0, how, number});
@@ -149,6 +172,12 @@ std::string Entity(const AcDbDatabase& db) {
         if (const auto* a = AcDbArc::cast(e))
             out += " " + Bits(a->center()) + " " + Bits(a->radius()) + " " + Bits(a->startAngle()) + " " + Bits(a->endAngle());
         if (const auto* pt = AcDbPoint::cast(e)) out += " " + Bits(pt->position()) + " " + Bits(pt->ecsRotation()) + " " + Bits(pt->thickness());
+        if (const auto* l = AcDbPolyline::cast(e)) {
+            out += " " + std::to_string(l->isClosed()) + std::to_string(l->hasPlinegen()) + std::to_string(l->hasConstantWidthTag()) +
+                   " " + Bits(l->elevation()) + " " + Bits(l->thickness());
+            for (const AcDbPolyline::Vertex& v : l->vertices())
+                out += " " + Bits(v.point.x) + "," + Bits(v.point.y) + "," + Bits(v.startWidth) + "," + Bits(v.endWidth) + "," + Bits(v.bulge);
+        }
         return out;
     }
     return "none";
@@ -171,6 +200,10 @@ dxf::PlainEntity Plain(Kind kind, std::uint64_t owner = 0x1F) {
     p.radius = 2.5;
     p.startAngle = 0.1;
     p.endAngle = 3.0;
+    if (kind == Kind::kLwPolyline) {  // the last vertex's widths not given
+        p.vertices = {{{1.5, 1.0 / 3}, 0.5, 0.25, 0.75}, {{-4, 5.25}, 0.0, 1.0, 0.0}, {{2, -1}, -1.0, 0.5, 0.0}};
+        p.widthsGiven = 2;
+    }
     return p;
 }
 
@@ -180,6 +213,58 @@ struct Case {
     bool inBlock;
     bool taken;
 };
+
+// A polyline is refused when its record gives what the writer leaves out (widths both 0, a
+// vertex's widths beside a constant width, a negative zero) or its values are no numbers.
+std::vector<Case> PolylineCases() {
+    auto polyline = [](const char* behaviour, bool taken, void (*change)(dxf::PlainEntity&)) {
+        Case c{behaviour, Plain(Kind::kLwPolyline), false, taken};
+        change(c.entity);
+        return c;
+    };
+    return {
+        polyline("a polyline with widths and bulges", true, [](dxf::PlainEntity&) {}),
+        polyline("a closed polyline of linetype generation, raised and thick", true, [](dxf::PlainEntity& p) {
+            p.closed = p.plinegen = true;
+            p.elevation = 2.5;
+            p.thickness = -1.0;
+        }),
+        polyline("a polyline of a constant width", true, [](dxf::PlainEntity& p) {
+            p.constant = true;
+            p.constantWidth = 0.5;
+            p.widthsGiven = 0;
+        }),
+        polyline("a polyline of a constant width 0", true, [](dxf::PlainEntity& p) {
+            p.constant = true;
+            p.widthsGiven = 0;
+        }),
+        polyline("a polyline of no vertex", true, [](dxf::PlainEntity& p) {
+            p.vertices.clear();
+            p.widthsGiven = 0;
+        }),
+        polyline("a polyline bulging and raised by negative zeros", true, [](dxf::PlainEntity& p) {
+            p.vertices[1].bulge = -0.0;
+            p.elevation = -0.0;
+        }),
+        polyline("a polyline giving widths 0", false, [](dxf::PlainEntity& p) {
+            p.widthsGiven = 3;
+            p.vertices[2].startWidth = 0.0;
+        }),
+        polyline("a polyline giving widths beside a constant width", false, [](dxf::PlainEntity& p) {
+            p.constant = true;
+            p.constantWidth = 0.5;
+        }),
+        polyline("a polyline of a constant width without vertices", false, [](dxf::PlainEntity& p) {
+            p.constant = true;
+            p.vertices.clear();
+            p.widthsGiven = 0;
+        }),
+        polyline("a polyline at a negative zero", false, [](dxf::PlainEntity& p) { p.vertices[2].point.x = -0.0; }),
+        polyline("a polyline of a negative zero width", false, [](dxf::PlainEntity& p) { p.vertices[0].endWidth = -0.0; }),
+        polyline("a polyline of no number of bulge", false,
+                 [](dxf::PlainEntity& p) { p.vertices[2].bulge = std::numeric_limits<double>::infinity(); }),
+    };
+}
 
 std::vector<Case> Cases() {
     std::vector<Case> cases = {
@@ -226,6 +311,7 @@ std::vector<Case> Cases() {
     Case thickZero{"a line thick by a negative zero", Plain(Kind::kLine), false, true};
     thickZero.entity.thickness = -0.0;
     cases.push_back(thickZero);
+    for (Case& c : PolylineCases()) cases.push_back(c);
     return cases;
 }
 
