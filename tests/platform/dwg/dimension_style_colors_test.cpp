@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "corpus_files.hpp"
+#include "object_bits.hpp"
 #include "platform/db/database.hpp"
 #include "platform/db/symbol_tables.hpp"
 #include "platform/dwg/read.hpp"
-#include "platform/dwg/write.hpp"
 #include "platform/dxf/dxf.hpp"
 
 namespace {
@@ -43,14 +43,6 @@ AcCmColor TrueColor(std::uint16_t index, std::uint32_t rgb) {
     return c;
 }
 
-std::vector<std::uint8_t> DwgWithOwnEncoding(AcDbDatabase& db) {
-    db.dwgFiledObjects() = {};
-    std::vector<std::uint8_t> out;
-    dwg::DwgWriteReport report;
-    EXPECT_EQ(dwg::WriteDwgBytes(db, 1252, out, report), Acad::eOk);
-    return out;
-}
-
 void ReadColorSample(AcDbDatabase& db) {
     const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("color_sample_AC1018.dwg"));
     ASSERT_EQ(dwg::ReadDwgBytes(db, file, "color_sample_AC1018.dwg"), Acad::eOk);
@@ -74,7 +66,7 @@ TEST(DimensionStyleColors, true_colours_survive_a_dwg_write_and_read) {
     AcDbDatabase db(false, true);
     ReadColorSample(db);
     AcDbDatabase again(false, true);
-    ASSERT_EQ(dwg::ReadDwgBytes(again, DwgWithOwnEncoding(db), "again.dwg"), Acad::eOk);
+    ASSERT_EQ(dwg::ReadDwgBytes(again, dwg_test::OwnEncoding(db, 1252), "again.dwg"), Acad::eOk);
     StyleColors colors;
     ASSERT_EQ(ColorsOf(again, kCustomStyle, colors), Acad::eOk);
     ExpectSampleColors(colors);
@@ -97,7 +89,7 @@ TEST(DimensionStyleColors, true_colour_set_on_a_style_reaches_the_dwg) {
     style->setDimclre(red);
     object->close();
     AcDbDatabase again(false, true);
-    ASSERT_EQ(dwg::ReadDwgBytes(again, DwgWithOwnEncoding(db), "again.dwg"), Acad::eOk);
+    ASSERT_EQ(dwg::ReadDwgBytes(again, dwg_test::OwnEncoding(db, 1252), "again.dwg"), Acad::eOk);
     StyleColors colors;
     ASSERT_EQ(ColorsOf(again, kCustomStyle, colors), Acad::eOk);
     // From 2004 on a colour stored as a true colour has no index of its own.

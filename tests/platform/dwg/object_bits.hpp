@@ -1,6 +1,8 @@
 #pragma once
 // The objects of a DWG file by handle, as the bytes the file stores for each (after its size,
 // before its CRC), and the differences between two files object by object.
+#include <gtest/gtest.h>
+
 #include <cstdint>
 #include <cstdio>
 #include <map>
@@ -15,6 +17,7 @@
 #include "platform/dwg/decode.hpp"
 #include "platform/dwg/object_map.hpp"
 #include "platform/dwg/object_stream.hpp"
+#include "platform/dwg/write.hpp"
 
 namespace dwg_test {
 
@@ -130,6 +133,20 @@ inline Acad::ErrorStatus EraseObject(AcDbDatabase& db, std::uint64_t handle) {
     es = object->erase();
     object->close();
     return es;
+}
+
+// The DWG file the writer makes of the database in `codePage`.
+inline std::vector<std::uint8_t> Rewritten(AcDbDatabase& db, int codePage) {
+    std::vector<std::uint8_t> out;
+    dwg::DwgWriteReport report;
+    EXPECT_EQ(dwg::WriteDwgBytes(db, codePage, out, report), Acad::eOk);
+    return out;
+}
+
+// The same with the writer's own encoding of every object: the bytes kept from the read dropped.
+inline std::vector<std::uint8_t> OwnEncoding(AcDbDatabase& db, int codePage) {
+    db.dwgFiledObjects() = {};
+    return Rewritten(db, codePage);
 }
 
 }  // namespace dwg_test

@@ -13,18 +13,10 @@
 #include "platform/db/entity.hpp"
 #include "platform/dwg/corpus_files.hpp"
 #include "platform/dwg/read.hpp"
-#include "platform/dwg/write.hpp"
 
 namespace {
 
 const char* const kAc1018Drawings[] = {"example_2004.dwg", "HatchG.dwg", "color_sample_AC1018.dwg"};
-
-std::vector<std::uint8_t> Rewritten(AcDbDatabase& db, int codePage) {
-    std::vector<std::uint8_t> out;
-    dwg::DwgWriteReport report;
-    EXPECT_EQ(dwg::WriteDwgBytes(db, codePage, out, report), Acad::eOk);
-    return out;
-}
 
 std::string Joined(const std::vector<std::string>& lines) {
     std::string out;
@@ -58,7 +50,7 @@ protected:
 };
 
 TEST_P(ObjectBits, every_object_written_again_keeps_its_bits) {
-    const auto written = dwg_test::StoredObjects(Rewritten(db_, codePage_));
+    const auto written = dwg_test::StoredObjects(dwg_test::Rewritten(db_, codePage_));
     const auto differences = dwg_test::ObjectDifferences(original_, written);
     EXPECT_EQ(Joined(Changed(differences)), "");
     // What the file leaves out is what the writer has no encoder for (views, UCSs, kinds kept
@@ -67,11 +59,11 @@ TEST_P(ObjectBits, every_object_written_again_keeps_its_bits) {
 }
 
 TEST_P(ObjectBits, file_written_again_reads_back_to_the_same_objects) {
-    const std::vector<std::uint8_t> bytes = Rewritten(db_, codePage_);
+    const std::vector<std::uint8_t> bytes = dwg_test::Rewritten(db_, codePage_);
     AcDbDatabase again(false, true);
     ASSERT_EQ(dwg::ReadDwgBytes(again, bytes, "again.dwg"), Acad::eOk);
     // Read again, the written file keeps its objects' bits once more.
-    const auto second = dwg_test::StoredObjects(Rewritten(again, codePage_));
+    const auto second = dwg_test::StoredObjects(dwg_test::Rewritten(again, codePage_));
     EXPECT_EQ(Joined(dwg_test::ObjectDifferences(dwg_test::StoredObjects(bytes), second)), "");
 }
 
@@ -90,7 +82,7 @@ TEST_P(ObjectBits, changed_entity_is_encoded_anew_and_the_others_keep_their_bits
     ASSERT_NE(entity, nullptr);
     entity->setLinetypeScale(entity->linetypeScale() * 2 + 1);
     entity->close();
-    const auto written = dwg_test::StoredObjects(Rewritten(db_, codePage_));
+    const auto written = dwg_test::StoredObjects(dwg_test::Rewritten(db_, codePage_));
     const std::vector<std::string> changed = Changed(dwg_test::ObjectDifferences(original_, written));
     ASSERT_EQ(changed.size(), 1u) << Joined(changed);
     char expected[32];
@@ -101,9 +93,8 @@ TEST_P(ObjectBits, changed_entity_is_encoded_anew_and_the_others_keep_their_bits
 // Written in another code page than the file's, no object gets its stored bytes back: the file
 // holds the writer's own encoding of each.
 TEST_P(ObjectBits, other_code_page_encodes_every_object_anew) {
-    const auto written = dwg_test::StoredObjects(Rewritten(db_, 936));
-    db_.dwgFiledObjects() = {};
-    const auto own = dwg_test::StoredObjects(Rewritten(db_, 936));
+    const auto written = dwg_test::StoredObjects(dwg_test::Rewritten(db_, 936));
+    const auto own = dwg_test::StoredObjects(dwg_test::OwnEncoding(db_, 936));
     ASSERT_EQ(written.size(), own.size());
     EXPECT_EQ(Joined(dwg_test::ObjectDifferences(own, written)), "");
 }
@@ -129,9 +120,8 @@ std::string ReasonInTheFile(const dwg_test::StoredObject& object, const dwg_test
 // The writer's own encoding of every object, without the bytes kept from the read: the same
 // objects as with them, each with the file's bits unless the file says why not.
 TEST_P(ObjectBits, own_encoding_of_each_object_gives_the_files_bits) {
-    const auto kept = dwg_test::StoredObjects(Rewritten(db_, codePage_));
-    db_.dwgFiledObjects() = {};
-    const auto written = dwg_test::StoredObjects(Rewritten(db_, codePage_));
+    const auto kept = dwg_test::StoredObjects(dwg_test::Rewritten(db_, codePage_));
+    const auto written = dwg_test::StoredObjects(dwg_test::OwnEncoding(db_, codePage_));
     std::vector<std::uint64_t> keptHandles, writtenHandles;
     for (const auto& entry : kept) keptHandles.push_back(entry.first);
     for (const auto& entry : written) writtenHandles.push_back(entry.first);

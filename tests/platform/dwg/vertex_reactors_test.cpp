@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "corpus_files.hpp"
+#include "object_bits.hpp"
 #include "platform/db/database.hpp"
 #include "platform/db/polyline_classic.hpp"
 #include "platform/dwg/read.hpp"
-#include "platform/dwg/write.hpp"
 #include "platform/dxf/dxf.hpp"
 #include "shared_folder.hpp"
 
@@ -43,14 +43,6 @@ std::vector<std::uint64_t> VertexReactors(AcDbDatabase& db, std::uint64_t vertex
     return out;
 }
 
-std::vector<std::uint8_t> DwgWithOwnEncoding(AcDbDatabase& db) {
-    db.dwgFiledObjects() = {};
-    std::vector<std::uint8_t> out;
-    dwg::DwgWriteReport report;
-    EXPECT_EQ(dwg::WriteDwgBytes(db, 1252, out, report), Acad::eOk);
-    return out;
-}
-
 std::string DxfText(AcDbDatabase& db) {
     std::string out;
     dxf::WriteOptions options;
@@ -76,7 +68,7 @@ TEST(VertexReactors, own_reactor_of_a_vertex_survives_dwg_to_dwg) {
     EXPECT_EQ(VertexReactors(db, kVertexWithout), std::vector<std::uint64_t>{});
 
     AcDbDatabase again(false, true);
-    ASSERT_EQ(dwg::ReadDwgBytes(again, DwgWithOwnEncoding(db), "again.dwg"), Acad::eOk);
+    ASSERT_EQ(dwg::ReadDwgBytes(again, dwg_test::OwnEncoding(db, 1252), "again.dwg"), Acad::eOk);
     EXPECT_EQ(VertexReactors(again, kVertexWithReactor), std::vector<std::uint64_t>{0x42F});
     // The polyline's reactor is not lent to the vertices without one of their own.
     EXPECT_EQ(VertexReactors(again, kVertexWithout), std::vector<std::uint64_t>{});
@@ -125,7 +117,7 @@ TEST(VertexReactors, own_reactor_of_a_vertex_read_from_dxf_reaches_the_dwg) {
     AcDbDatabase db(false, true);
     ASSERT_EQ(dxf::ReadDxfBytes(db, DxfWithOtherVertexReactor(), "vertex.dxf"), Acad::eOk);
     AcDbDatabase again(false, true);
-    ASSERT_EQ(dwg::ReadDwgBytes(again, DwgWithOwnEncoding(db), "again.dwg"), Acad::eOk);
+    ASSERT_EQ(dwg::ReadDwgBytes(again, dwg_test::OwnEncoding(db, 1252), "again.dwg"), Acad::eOk);
     EXPECT_EQ(VertexReactors(again, kVertexWithReactor), std::vector<std::uint64_t>{0x452});
     EXPECT_EQ(VertexReactors(again, kVertexWithout), std::vector<std::uint64_t>{});
 }

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "feed_text.hpp"
 #include "platform/db/arc.hpp"
 #include "platform/db/circle.hpp"
 #include "platform/db/line.hpp"
@@ -41,20 +42,6 @@ const std::string kTables =
 const std::string kBlockEnd =
     "0\nENDBLK\n5\n32\n330\n30\n100\nAcDbEntity\n8\n0\n100\nAcDbBlockEnd\n0\nENDSEC\n0\nSECTION\n2\nENTITIES\n";
 const std::string kEnd = "0\nENDSEC\n0\nSECTION\n2\nOBJECTS\n0\nENDSEC\n0\nEOF\n";
-
-void FeedText(dxf::RecordFeed& feed, std::string_view text) {
-    dxf::TagCursor cursor(text);
-    std::vector<dxf::Tag> record;
-    dxf::Tag tag;
-    while (cursor.next(tag)) {
-        if (tag.code == 0 && !record.empty()) {
-            feed.record(record);
-            record.clear();
-        }
-        record.push_back(tag);
-    }
-    if (!record.empty()) feed.record(record);
-}
 
 // The record of the entity as the DWG reader makes it, its numbers made from their values.
 class Record {
@@ -142,15 +129,15 @@ struct Built {
 // record only.
 void Build(const dxf::PlainEntity& p, bool inBlock, bool plain, const std::string& after, Built& out) {
     dxf::RecordFeed feed(out.db, "t.dxf");
-    FeedText(feed, kTables);
+    dxftest::FeedText(feed, kTables);
     auto entity = [&] {
         out.taken = plain && feed.plainEntity(p, dxf::BuildPlainEntity(p));
         if (!out.taken) feed.record(Record(p).tags());
     };
     if (inBlock) entity();
-    FeedText(feed, kBlockEnd);
+    dxftest::FeedText(feed, kBlockEnd);
     if (!inBlock) entity();
-    FeedText(feed, after + kEnd);
+    dxftest::FeedText(feed, after + kEnd);
     out.status = feed.finish();
 }
 

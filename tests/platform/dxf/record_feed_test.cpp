@@ -14,6 +14,7 @@
 #include "platform/dxf/dxf.hpp"
 #include "platform/dxf/tagger.hpp"
 #include "platform/win/codepage.hpp"
+#include "feed_text.hpp"
 #include "shared_folder.hpp"
 
 namespace {
@@ -21,17 +22,7 @@ namespace {
 // Hands the text's records to a feed as its tags come, split at each 0 tag.
 Acad::ErrorStatus Feed(AcDbDatabase& db, std::string_view text, const std::string& name) {
     dxf::RecordFeed feed(db, name);
-    dxf::TagCursor cursor(text);
-    std::vector<dxf::Tag> record;
-    dxf::Tag tag;
-    while (cursor.next(tag)) {
-        if (tag.code == 0 && !record.empty()) {
-            feed.record(record);
-            record.clear();
-        }
-        record.push_back(tag);
-    }
-    if (!record.empty()) feed.record(record);
+    dxftest::FeedText(feed, text);
     return feed.finish();
 }
 
