@@ -606,9 +606,23 @@ namespace {
 // The look a new entity takes from the record's layer (8), colour index (62, when not 256) and
 // lineweight (370, when not -1), as ReadCommon reads those tags into e's look. A drawing has few such looks:
 // each is made once on a thread and kept for it, keyed by the three values.
+using PlainLookKey = std::tuple<int, int, std::string>;  // colour index, lineweight, layer
+
+// Orders the keys kept and the one looked for (its layer a view) alike.
+struct PlainLookOrder {
+    using is_transparent = void;
+    template <typename Layer>
+    static std::tuple<int, int, std::string_view> View(const std::tuple<int, int, Layer>& key) {
+        return {std::get<0>(key), std::get<1>(key), std::get<2>(key)};
+    }
+    template <typename A, typename B>
+    bool operator()(const A& a, const B& b) const {
+        return View(a) < View(b);
+    }
+};
+
 const AcDbEntityLook& PlainLook(AcDbEntity& e, const PlainEntity& p) {
-    using Key = std::tuple<int, int, std::string>;  // colour index, lineweight, layer
-    thread_local std::map<Key, AcDbEntityLook, std::less<>> looks;
+    thread_local std::map<PlainLookKey, AcDbEntityLook, PlainLookOrder> looks;
     const auto key = std::make_tuple(p.colorIndex, p.lineweight, p.layer);
     if (const auto it = looks.find(key); it != looks.end()) return it->second;
     char digits[24];
@@ -619,7 +633,7 @@ const AcDbEntityLook& PlainLook(AcDbEntity& e, const PlainEntity& p) {
     ReadCommon(e, look, "AcDbEntity", {8, p.layer});
     if (p.colorIndex != 256) integer(62, p.colorIndex);
     if (p.lineweight != -1) integer(370, p.lineweight);
-    return looks.emplace(Key(p.colorIndex, p.lineweight, p.layer), look).first->second;
+    return looks.emplace(PlainLookKey(p.colorIndex, p.lineweight, p.layer), look).first->second;
 }
 
 // The common properties read as ReadCommon reads the record's tags. The linetype scale is a real
