@@ -41,11 +41,11 @@ namespace {
 
 // One object of the map. Entities of the decoded kinds are decoded when written, so that a
 // large drawing is never held decoded whole; the other objects (tables, blocks, dictionaries,
-// kinds kept whole) are few and stay decoded. 32 bytes an object: object types are 16-bit, and
-// object data of 4 GB and more is refused.
+// kinds kept whole) are few and stay decoded. 24 bytes an object: object types are 16-bit,
+// object data of 4 GB and more is refused, and an entity's owner is needed only until the
+// entities are listed by owner (Drawing::owners).
 struct Item {
     std::uint64_t handle = 0;
-    std::uint64_t owner = 0;  // of an entity: the block record, or the entity it belongs to
     std::unique_ptr<DecodedObject> decoded;  // null for entities decoded when written
     std::uint32_t offset = 0;  // where the object starts in the object data
     std::uint16_t type = 0;
@@ -64,13 +64,19 @@ bool IsControl(std::int32_t type) { return type >= 48 && type <= 70 && type % 2 
 bool IsTableRecord(std::int32_t type) { return type >= 49 && type <= 71 && type % 2 == 1; }
 
 struct Drawing {
+    Drawing(const DwgSections& s, DxfText to, bool plain) : sections(s), out(std::move(to)), plainEntities(plain) {}
+
     const DwgSections& sections;
     HeaderVariables header;
     std::vector<ClassRecord> classes;
     std::vector<Item> items;
+    // Of each item that is an entity, the block record or the entity it belongs to; emptied once
+    // the entities are listed by owner (index).
+    std::vector<std::uint64_t> owners;
     std::unordered_map<std::uint64_t, SymbolRecord> symbols;  // the records kept whole above
-    // The items in the order of their handles, the last of two with one handle first: 4 bytes an
-    // object where a hash map of the handles took some 40.
+    // The items that hold a decoded object, in the order of their handles; of two items with one
+    // handle only the later, and only if it holds one. Entities decoded when written are never
+    // looked up by handle: left out, they cost nothing while the database fills.
     std::vector<std::uint32_t> byHandle;
     std::unordered_map<std::uint64_t, std::vector<ItemIndex>> owned;  // entities by owner
     NameIndex names;
@@ -107,6 +113,7 @@ struct Drawing {
         if (c.mode == 2) return header.handles.modelSpace;
         return c.owner;
     }
+    // The item of the handle, when it holds a decoded object (see byHandle).
     const Item* find(std::uint64_t handle) const {
         const auto it = std::lower_bound(byHandle.begin(), byHandle.end(), handle,
                                          [&](std::uint32_t i, std::uint64_t h) { return items[i].handle < h; });
@@ -136,6 +143,17 @@ void Drawing::sortHandles() {
     // From the last item back, so that of two items with one handle the later is found.
     std::stable_sort(byHandle.begin(), byHandle.end(),
                      [&](std::uint32_t a, std::uint32_t b) { return items[a].handle < items[b].handle; });
+    // The earlier of two items with one handle is never found; nor is an item without a decoded object.
+    const auto hidden = [&](std::size_t k) {
+        return (k > 0 && items[byHandle[k - 1]].handle == items[byHandle[k]].handle) ||
+               !items[byHandle[k]].decoded;
+    };
+    std::size_t kept = 0;
+    for (std::size_t k = 0; k < byHandle.size(); ++k) {
+        if (!hidden(k)) byHandle[kept++] = byHandle[k];
+    }
+    byHandle.resize(kept);
+    byHandle.shrink_to_fit();
 }
 
 bool Drawing::decode(MapError& error) {
@@ -147,6 +165,7 @@ bool Drawing::decode(MapError& error) {
     std::vector<ObjectLocation> map;
     if (!ParseObjectMap(sections.objectMap, map, error)) return false;
     items.reserve(map.size());
+    owners.reserve(map.size());
     out.expectObjects(map.size());
     for (const auto& loc : map) {
         if (!decodeOne(loc, error)) return false;
@@ -177,7 +196,7 @@ bool Drawing::decodeOne(const ObjectLocation& loc, MapError& error) {
             return false;
         }
         item.entity = true;
-        item.owner = ownerOf(common);
+        owners.push_back(ownerOf(common));
         items.push_back(std::move(item));
         return true;
     }
@@ -192,10 +211,9 @@ bool Drawing::decodeOne(const ObjectLocation& loc, MapError& error) {
         ObjectStreams again = opened;
         ReadSymbolRecord(again, symbols[item.handle]);
     }
-    if (const EntityCommon* common = EntityCommonOf(*decoded)) {
-        item.entity = true;
-        item.owner = ownerOf(*common);
-    }
+    const EntityCommon* common = EntityCommonOf(*decoded);
+    item.entity = common != nullptr;
+    owners.push_back(common != nullptr ? ownerOf(*common) : 0);
     // BLOCK and ENDBLK are written with their block record, kept kinds with their bytes.
     if (!item.entity || whole || item.type == kBlock || item.type == kEndblk) {
         item.decoded = std::move(decoded);
@@ -270,9 +288,12 @@ void Drawing::index() {
             for (const auto& [name, entry] : dictionary->entries) names.entries.emplace(entry, name);
         }
         if (item.entity && item.type != kBlock && item.type != kEndblk) {
-            owned[item.owner].push_back(static_cast<ItemIndex>(i));
+            owned[owners[i]].push_back(static_cast<ItemIndex>(i));
         }
     }
+    std::vector<std::uint64_t>().swap(owners);
+    // The lists are held while the entities are built: without the room left by their growth.
+    for (auto& [owner, entities] : owned) entities.shrink_to_fit();
 }
 
 // The drawing's classes in their order, so that a DWG written from the records numbers each
@@ -487,8 +508,13 @@ void Drawing::writeEntities(std::uint64_t owner) {
     // be held while its entities are built.
     std::vector<ItemIndex>& entities = it->second;
     const Item* record = find(owner);
-    const auto* block = record ? std::get_if<BlockHeaderRecord>(record->decoded.get()) : nullptr;
-    if (block != nullptr && !block->entities.empty()) sortByRank(entities, *block);
+    auto* block = record ? std::get_if<BlockHeaderRecord>(record->decoded.get()) : nullptr;
+    if (block != nullptr && !block->entities.empty()) {
+        sortByRank(entities, *block);
+        // Nothing reads the record's list again, and a large block's would be held while its
+        // entities are built.
+        std::vector<std::uint64_t>().swap(block->entities);
+    }
     if (entities.size() >= 2 * kEntityBatch && out.feeds() && std::thread::hardware_concurrency() > 1) {
         writeEntitiesAlongside(entities, owner);
         return;
@@ -631,7 +657,7 @@ bool WriteDrawing(Drawing& drawing, std::vector<KeptData>& kept, MapError& error
 
 bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<KeptData>& kept,
                   MapError& error) {
-    Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}, {}, false, {}, false};
+    Drawing drawing(sections, DxfText(), false);
     if (!WriteDrawing(drawing, kept, error)) return false;
     dxf = drawing.out.take();
     return true;
@@ -640,7 +666,7 @@ bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<Kep
 bool DwgToRecords(const DwgSections& sections, dxf::RecordFeed& feed, std::vector<KeptData>& kept,
                   std::vector<ErasedEntries>& erased, std::vector<DimensionStyleColors>& colors,
                   MapError& error, bool plainEntities) {
-    Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}, DxfText(&feed), plainEntities, {}, false};
+    Drawing drawing(sections, DxfText(&feed), plainEntities);
     if (!WriteDrawing(drawing, kept, error)) return false;
     drawing.takeErasedEntries(erased);
     drawing.takeDimensionStyleColors(colors);
