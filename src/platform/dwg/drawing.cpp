@@ -56,6 +56,10 @@ struct Item {
 // The items of a drawing are counted in 32 bits.
 using ItemIndex = std::uint32_t;
 
+// The unused room of an owner's list of entities, in entries, from which the list is cut to
+// its size.
+constexpr std::size_t kUnusedListRoom = 1024;
+
 // Entities a helper thread writes at a time when a block has many (see writeEntitiesAlongside):
 // two batches are held at once, one written and one handed on, each some 600 bytes an entity.
 constexpr std::size_t kEntityBatch = 512;
@@ -292,8 +296,11 @@ void Drawing::index() {
         }
     }
     std::vector<std::uint64_t>().swap(owners);
-    // The lists are held while the entities are built: without the room left by their growth.
-    for (auto& [owner, entities] : owned) entities.shrink_to_fit();
+    // The lists are held while the entities are built: a long one without the room its growth
+    // left (the many short ones of polylines and block references are not worth a copy).
+    for (auto& [owner, entities] : owned) {
+        if (entities.capacity() - entities.size() >= kUnusedListRoom) entities.shrink_to_fit();
+    }
 }
 
 // The drawing's classes in their order, so that a DWG written from the records numbers each
