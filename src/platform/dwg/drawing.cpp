@@ -10,12 +10,14 @@
 #include <vector>
 
 #include "platform/dwg/blocks.hpp"
+#include "platform/dwg/chunked_pass.hpp"
 #include "platform/dwg/classes.hpp"
 #include "platform/dwg/decode.hpp"
 #include "platform/dwg/dxf_records.hpp"
 #include "platform/dwg/entities.hpp"
 #include "platform/dwg/extended_data.hpp"
 #include "platform/dwg/header.hpp"
+#include "platform/dwg/listed_order.hpp"
 #include "platform/dwg/plain_entities.hpp"
 #include "platform/dwg/symbols.hpp"
 #include "platform/dwg/tables.hpp"
@@ -64,6 +66,9 @@ constexpr std::size_t kUnusedListRoom = 1024;
 // two batches are held at once, one written and one handed on, each some 600 bytes an entity.
 constexpr std::size_t kEntityBatch = 512;
 
+// Objects the first pass over the map takes at a time on each of its two threads.
+constexpr std::size_t kFirstPassChunk = 2048;
+
 bool IsControl(std::int32_t type) { return type >= 48 && type <= 70 && type % 2 == 0; }
 bool IsTableRecord(std::int32_t type) { return type >= 49 && type <= 71 && type % 2 == 1; }
 
@@ -90,7 +95,8 @@ struct Drawing {
     bool failed = false;
 
     bool decode(MapError& error);
-    bool decodeOne(const ObjectLocation& loc, MapError& error);
+    bool decodeOne(const ObjectLocation& loc, Item& item, std::uint64_t& owner, MapError& error) const;
+    void readSymbols();
     void sortHandles();
     MapError decodeError(const Item& item) const {
         return {static_cast<std::size_t>(item.offset),
@@ -129,7 +135,6 @@ struct Drawing {
     void writeTable(const char* name, std::int32_t recordType, std::uint64_t control);
     void writeBlocks();
     void writeEntities(std::uint64_t owner);
-    void sortByRank(std::vector<ItemIndex>& entities, const BlockHeaderRecord& block) const;
     void writeEntity(DxfText& to, ItemIndex index, std::uint64_t owner);
     void writeRecord(DxfText& to, const Item& item, const DecodedObject& decoded, const std::string& type,
                      std::uint64_t owner);
@@ -152,12 +157,11 @@ void Drawing::sortHandles() {
         return (k > 0 && items[byHandle[k - 1]].handle == items[byHandle[k]].handle) ||
                !items[byHandle[k]].decoded;
     };
-    std::size_t kept = 0;
+    std::vector<std::uint32_t> found;
     for (std::size_t k = 0; k < byHandle.size(); ++k) {
-        if (!hidden(k)) byHandle[kept++] = byHandle[k];
+        if (!hidden(k)) found.push_back(byHandle[k]);
     }
-    byHandle.resize(kept);
-    byHandle.shrink_to_fit();
+    byHandle = std::move(found);
 }
 
 bool Drawing::decode(MapError& error) {
@@ -168,22 +172,33 @@ bool Drawing::decode(MapError& error) {
     }
     std::vector<ObjectLocation> map;
     if (!ParseObjectMap(sections.objectMap, map, error)) return false;
-    items.reserve(map.size());
-    owners.reserve(map.size());
+    // Each object decodes alone into its own item, so the objects are shared out between this
+    // thread and a helper (when the records feed a database; the DXF text is the plain way);
+    // the first that fails is decoded again here for its error.
+    items.resize(map.size());
+    owners.resize(map.size());
     out.expectObjects(map.size());
-    for (const auto& loc : map) {
-        if (!decodeOne(loc, error)) return false;
+    const bool alongside = map.size() >= 2 * kFirstPassChunk && out.feeds() &&
+                           std::thread::hardware_concurrency() > 1;
+    const std::size_t failed =
+        FirstFailingStep(map.size(), kFirstPassChunk, alongside, [&](std::size_t k) {
+            MapError unused;
+            return decodeOne(map[k], items[k], owners[k], unused);
+        });
+    if (failed < map.size()) {
+        decodeOne(map[failed], items[failed], owners[failed], error);
+        return false;
     }
+    readSymbols();
     sortHandles();
     return true;
 }
 
-bool Drawing::decodeOne(const ObjectLocation& loc, MapError& error) {
+bool Drawing::decodeOne(const ObjectLocation& loc, Item& item, std::uint64_t& owner, MapError& error) const {
     ObjectStreams o;
     if (!OpenObject(sections.objects, loc.offset, sections.version, sections.codePage, o, error)) {
         return false;
     }
-    Item item;
     item.handle = loc.handle;
     if (loc.offset > std::numeric_limits<std::uint32_t>::max()) {
         error = {static_cast<std::size_t>(loc.offset), "object data of 4 GB and more is not read"};
@@ -200,30 +215,42 @@ bool Drawing::decodeOne(const ObjectLocation& loc, MapError& error) {
             return false;
         }
         item.entity = true;
-        owners.push_back(ownerOf(common));
-        items.push_back(std::move(item));
+        owner = ownerOf(common);
         return true;
     }
-    const ObjectStreams opened = o;
     auto decoded = std::make_unique<DecodedObject>();
     if (!DecodeObject(o, classes, *decoded)) {
         error = decodeError(item);
         return false;
     }
     const bool whole = std::holds_alternative<KeptObject>(*decoded);
-    if (IsTableRecord(item.type) && whole) {
-        ObjectStreams again = opened;
-        ReadSymbolRecord(again, symbols[item.handle]);
+    if (const EntityCommon* common = EntityCommonOf(*decoded)) {
+        item.entity = true;
+        owner = ownerOf(*common);
     }
-    const EntityCommon* common = EntityCommonOf(*decoded);
-    item.entity = common != nullptr;
-    owners.push_back(common != nullptr ? ownerOf(*common) : 0);
     // BLOCK and ENDBLK are written with their block record, kept kinds with their bytes.
     if (!item.entity || whole || item.type == kBlock || item.type == kEndblk) {
         item.decoded = std::move(decoded);
     }
-    items.push_back(std::move(item));
     return true;
+}
+
+// The names and values of the symbol table records kept whole, read from their objects opened
+// again (their CRCs were checked), in the order of the items: of two records with one handle,
+// the later reads over the earlier.
+void Drawing::readSymbols() {
+    for (const Item& item : items) {
+        if (!IsTableRecord(item.type) || !item.decoded ||
+            !std::holds_alternative<KeptObject>(*item.decoded)) {
+            continue;
+        }
+        ObjectStreams o;
+        MapError unused;
+        if (OpenObject(sections.objects, item.offset, sections.version, sections.codePage, o,
+                       unused, false)) {
+            ReadSymbolRecord(o, symbols[item.handle]);
+        }
+    }
 }
 
 // An entity decoded whole, the first time or again. Its frame and CRC were checked when the map
@@ -491,33 +518,18 @@ void Drawing::writeRefusedPlain(DxfText& to, ItemIndex index, std::uint64_t owne
     if (decodeAgain(item, decoded)) writeRecord(to, item, decoded, typeName(item), owner);
 }
 
-// Entities in the order of the block record's list, those it does not list after them.
-void Drawing::sortByRank(std::vector<ItemIndex>& entities, const BlockHeaderRecord& block) const {
-    std::unordered_map<std::uint64_t, std::size_t> rank;
-    for (std::size_t k = 0; k < block.entities.size(); ++k) rank.emplace(block.entities[k], k);
-    std::vector<std::pair<std::size_t, ItemIndex>> ranked;  // rank, item
-    ranked.reserve(entities.size());
-    for (ItemIndex i : entities) {
-        const auto r = rank.find(items[i].handle);
-        ranked.emplace_back(r == rank.end() ? block.entities.size() : r->second, i);
-    }
-    std::stable_sort(ranked.begin(), ranked.end(),
-                     [](const auto& a, const auto& b) { return a.first < b.first; });
-    for (std::size_t k = 0; k < ranked.size(); ++k) entities[k] = ranked[k].second;
-}
-
 // A block's entities in the order its record lists them (2004 on), which is the drawing's
 // order; the others (a record without the list) in the order of their handles.
 void Drawing::writeEntities(std::uint64_t owner) {
     const auto it = owned.find(owner);
     if (it == owned.end()) return;
-    // Sorted in place: a sort again gives the same order, and a copy of the largest list would
-    // be held while its entities are built.
+    // Sorted where the map holds it: a sort again gives the same order, and a copy of the
+    // largest list would be held while its entities are built.
     std::vector<ItemIndex>& entities = it->second;
     const Item* record = find(owner);
     auto* block = record ? std::get_if<BlockHeaderRecord>(record->decoded.get()) : nullptr;
     if (block != nullptr && !block->entities.empty()) {
-        sortByRank(entities, *block);
+        SortByListedPlace(entities, block->entities, [&](ItemIndex i) { return items[i].handle; });
         // Nothing reads the record's list again, and a large block's would be held while its
         // entities are built.
         std::vector<std::uint64_t>().swap(block->entities);
