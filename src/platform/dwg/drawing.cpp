@@ -10,12 +10,14 @@
 #include <vector>
 
 #include "platform/dwg/blocks.hpp"
+#include "platform/dwg/chunked_pass.hpp"
 #include "platform/dwg/classes.hpp"
 #include "platform/dwg/decode.hpp"
 #include "platform/dwg/dxf_records.hpp"
 #include "platform/dwg/entities.hpp"
 #include "platform/dwg/extended_data.hpp"
 #include "platform/dwg/header.hpp"
+#include "platform/dwg/listed_order.hpp"
 #include "platform/dwg/plain_entities.hpp"
 #include "platform/dwg/symbols.hpp"
 #include "platform/dwg/tables.hpp"
@@ -41,11 +43,11 @@ namespace {
 
 // One object of the map. Entities of the decoded kinds are decoded when written, so that a
 // large drawing is never held decoded whole; the other objects (tables, blocks, dictionaries,
-// kinds kept whole) are few and stay decoded. 32 bytes an object: object types are 16-bit, and
-// object data of 4 GB and more is refused.
+// kinds kept whole) are few and stay decoded. 24 bytes an object: object types are 16-bit,
+// object data of 4 GB and more is refused, and an entity's owner is needed only until the
+// entities are listed by owner (Drawing::owners).
 struct Item {
     std::uint64_t handle = 0;
-    std::uint64_t owner = 0;  // of an entity: the block record, or the entity it belongs to
     std::unique_ptr<DecodedObject> decoded;  // null for entities decoded when written
     std::uint32_t offset = 0;  // where the object starts in the object data
     std::uint16_t type = 0;
@@ -56,21 +58,34 @@ struct Item {
 // The items of a drawing are counted in 32 bits.
 using ItemIndex = std::uint32_t;
 
+// The unused room of an owner's list of entities, in entries, from which the list is cut to
+// its size.
+constexpr std::size_t kUnusedListRoom = 1024;
+
 // Entities a helper thread writes at a time when a block has many (see writeEntitiesAlongside):
 // two batches are held at once, one written and one handed on, each some 600 bytes an entity.
 constexpr std::size_t kEntityBatch = 512;
+
+// Objects the first pass over the map takes at a time on each of its two threads.
+constexpr std::size_t kFirstPassChunk = 2048;
 
 bool IsControl(std::int32_t type) { return type >= 48 && type <= 70 && type % 2 == 0; }
 bool IsTableRecord(std::int32_t type) { return type >= 49 && type <= 71 && type % 2 == 1; }
 
 struct Drawing {
+    Drawing(const DwgSections& s, DxfText to, bool plain) : sections(s), out(std::move(to)), plainEntities(plain) {}
+
     const DwgSections& sections;
     HeaderVariables header;
     std::vector<ClassRecord> classes;
     std::vector<Item> items;
+    // Of each item that is an entity, the block record or the entity it belongs to; emptied once
+    // the entities are listed by owner (index).
+    std::vector<std::uint64_t> owners;
     std::unordered_map<std::uint64_t, SymbolRecord> symbols;  // the records kept whole above
-    // The items in the order of their handles, the last of two with one handle first: 4 bytes an
-    // object where a hash map of the handles took some 40.
+    // The items that hold a decoded object, in the order of their handles; of two items with one
+    // handle only the later, and only if it holds one. Entities decoded when written are never
+    // looked up by handle: left out, they cost nothing while the database fills.
     std::vector<std::uint32_t> byHandle;
     std::unordered_map<std::uint64_t, std::vector<ItemIndex>> owned;  // entities by owner
     NameIndex names;
@@ -80,7 +95,8 @@ struct Drawing {
     bool failed = false;
 
     bool decode(MapError& error);
-    bool decodeOne(const ObjectLocation& loc, MapError& error);
+    bool decodeOne(const ObjectLocation& loc, Item& item, std::uint64_t& owner, MapError& error) const;
+    void readSymbols();
     void sortHandles();
     MapError decodeError(const Item& item) const {
         return {static_cast<std::size_t>(item.offset),
@@ -107,6 +123,7 @@ struct Drawing {
         if (c.mode == 2) return header.handles.modelSpace;
         return c.owner;
     }
+    // The item of the handle, when it holds a decoded object (see byHandle).
     const Item* find(std::uint64_t handle) const {
         const auto it = std::lower_bound(byHandle.begin(), byHandle.end(), handle,
                                          [&](std::uint32_t i, std::uint64_t h) { return items[i].handle < h; });
@@ -118,7 +135,6 @@ struct Drawing {
     void writeTable(const char* name, std::int32_t recordType, std::uint64_t control);
     void writeBlocks();
     void writeEntities(std::uint64_t owner);
-    void sortByRank(std::vector<ItemIndex>& entities, const BlockHeaderRecord& block) const;
     void writeEntity(DxfText& to, ItemIndex index, std::uint64_t owner);
     void writeRecord(DxfText& to, const Item& item, const DecodedObject& decoded, const std::string& type,
                      std::uint64_t owner);
@@ -136,6 +152,16 @@ void Drawing::sortHandles() {
     // From the last item back, so that of two items with one handle the later is found.
     std::stable_sort(byHandle.begin(), byHandle.end(),
                      [&](std::uint32_t a, std::uint32_t b) { return items[a].handle < items[b].handle; });
+    // The earlier of two items with one handle is never found; nor is an item without a decoded object.
+    const auto hidden = [&](std::size_t k) {
+        return (k > 0 && items[byHandle[k - 1]].handle == items[byHandle[k]].handle) ||
+               !items[byHandle[k]].decoded;
+    };
+    std::vector<std::uint32_t> found;
+    for (std::size_t k = 0; k < byHandle.size(); ++k) {
+        if (!hidden(k)) found.push_back(byHandle[k]);
+    }
+    byHandle = std::move(found);
 }
 
 bool Drawing::decode(MapError& error) {
@@ -146,21 +172,33 @@ bool Drawing::decode(MapError& error) {
     }
     std::vector<ObjectLocation> map;
     if (!ParseObjectMap(sections.objectMap, map, error)) return false;
-    items.reserve(map.size());
+    // Each object decodes alone into its own item, so the objects are shared out between this
+    // thread and a helper (when the records feed a database; the DXF text is the plain way);
+    // the first that fails is decoded again here for its error.
+    items.resize(map.size());
+    owners.resize(map.size());
     out.expectObjects(map.size());
-    for (const auto& loc : map) {
-        if (!decodeOne(loc, error)) return false;
+    const bool alongside = map.size() >= 2 * kFirstPassChunk && out.feeds() &&
+                           std::thread::hardware_concurrency() > 1;
+    const std::size_t failed =
+        FirstFailingStep(map.size(), kFirstPassChunk, alongside, [&](std::size_t k) {
+            MapError unused;
+            return decodeOne(map[k], items[k], owners[k], unused);
+        });
+    if (failed < map.size()) {
+        decodeOne(map[failed], items[failed], owners[failed], error);
+        return false;
     }
+    readSymbols();
     sortHandles();
     return true;
 }
 
-bool Drawing::decodeOne(const ObjectLocation& loc, MapError& error) {
+bool Drawing::decodeOne(const ObjectLocation& loc, Item& item, std::uint64_t& owner, MapError& error) const {
     ObjectStreams o;
     if (!OpenObject(sections.objects, loc.offset, sections.version, sections.codePage, o, error)) {
         return false;
     }
-    Item item;
     item.handle = loc.handle;
     if (loc.offset > std::numeric_limits<std::uint32_t>::max()) {
         error = {static_cast<std::size_t>(loc.offset), "object data of 4 GB and more is not read"};
@@ -177,31 +215,42 @@ bool Drawing::decodeOne(const ObjectLocation& loc, MapError& error) {
             return false;
         }
         item.entity = true;
-        item.owner = ownerOf(common);
-        items.push_back(std::move(item));
+        owner = ownerOf(common);
         return true;
     }
-    const ObjectStreams opened = o;
     auto decoded = std::make_unique<DecodedObject>();
     if (!DecodeObject(o, classes, *decoded)) {
         error = decodeError(item);
         return false;
     }
     const bool whole = std::holds_alternative<KeptObject>(*decoded);
-    if (IsTableRecord(item.type) && whole) {
-        ObjectStreams again = opened;
-        ReadSymbolRecord(again, symbols[item.handle]);
-    }
     if (const EntityCommon* common = EntityCommonOf(*decoded)) {
         item.entity = true;
-        item.owner = ownerOf(*common);
+        owner = ownerOf(*common);
     }
     // BLOCK and ENDBLK are written with their block record, kept kinds with their bytes.
     if (!item.entity || whole || item.type == kBlock || item.type == kEndblk) {
         item.decoded = std::move(decoded);
     }
-    items.push_back(std::move(item));
     return true;
+}
+
+// The names and values of the symbol table records kept whole, read from their objects opened
+// again (their CRCs were checked), in the order of the items: of two records with one handle,
+// the later reads over the earlier.
+void Drawing::readSymbols() {
+    for (const Item& item : items) {
+        if (!IsTableRecord(item.type) || !item.decoded ||
+            !std::holds_alternative<KeptObject>(*item.decoded)) {
+            continue;
+        }
+        ObjectStreams o;
+        MapError unused;
+        if (OpenObject(sections.objects, item.offset, sections.version, sections.codePage, o,
+                       unused, false)) {
+            ReadSymbolRecord(o, symbols[item.handle]);
+        }
+    }
 }
 
 // An entity decoded whole, the first time or again. Its frame and CRC were checked when the map
@@ -270,8 +319,14 @@ void Drawing::index() {
             for (const auto& [name, entry] : dictionary->entries) names.entries.emplace(entry, name);
         }
         if (item.entity && item.type != kBlock && item.type != kEndblk) {
-            owned[item.owner].push_back(static_cast<ItemIndex>(i));
+            owned[owners[i]].push_back(static_cast<ItemIndex>(i));
         }
+    }
+    std::vector<std::uint64_t>().swap(owners);
+    // The lists are held while the entities are built: a long one without the room its growth
+    // left (the many short ones of polylines and block references are not worth a copy).
+    for (auto& [owner, entities] : owned) {
+        if (entities.capacity() - entities.size() >= kUnusedListRoom) entities.shrink_to_fit();
     }
 }
 
@@ -463,32 +518,22 @@ void Drawing::writeRefusedPlain(DxfText& to, ItemIndex index, std::uint64_t owne
     if (decodeAgain(item, decoded)) writeRecord(to, item, decoded, typeName(item), owner);
 }
 
-// Entities in the order of the block record's list, those it does not list after them.
-void Drawing::sortByRank(std::vector<ItemIndex>& entities, const BlockHeaderRecord& block) const {
-    std::unordered_map<std::uint64_t, std::size_t> rank;
-    for (std::size_t k = 0; k < block.entities.size(); ++k) rank.emplace(block.entities[k], k);
-    std::vector<std::pair<std::size_t, ItemIndex>> ranked;  // rank, item
-    ranked.reserve(entities.size());
-    for (ItemIndex i : entities) {
-        const auto r = rank.find(items[i].handle);
-        ranked.emplace_back(r == rank.end() ? block.entities.size() : r->second, i);
-    }
-    std::stable_sort(ranked.begin(), ranked.end(),
-                     [](const auto& a, const auto& b) { return a.first < b.first; });
-    for (std::size_t k = 0; k < ranked.size(); ++k) entities[k] = ranked[k].second;
-}
-
 // A block's entities in the order its record lists them (2004 on), which is the drawing's
 // order; the others (a record without the list) in the order of their handles.
 void Drawing::writeEntities(std::uint64_t owner) {
     const auto it = owned.find(owner);
     if (it == owned.end()) return;
-    // Sorted in place: a sort again gives the same order, and a copy of the largest list would
-    // be held while its entities are built.
+    // Sorted where the map holds it: a sort again gives the same order, and a copy of the
+    // largest list would be held while its entities are built.
     std::vector<ItemIndex>& entities = it->second;
     const Item* record = find(owner);
-    const auto* block = record ? std::get_if<BlockHeaderRecord>(record->decoded.get()) : nullptr;
-    if (block != nullptr && !block->entities.empty()) sortByRank(entities, *block);
+    auto* block = record ? std::get_if<BlockHeaderRecord>(record->decoded.get()) : nullptr;
+    if (block != nullptr && !block->entities.empty()) {
+        SortByListedPlace(entities, block->entities, [&](ItemIndex i) { return items[i].handle; });
+        // Nothing reads the record's list again, and a large block's would be held while its
+        // entities are built.
+        std::vector<std::uint64_t>().swap(block->entities);
+    }
     if (entities.size() >= 2 * kEntityBatch && out.feeds() && std::thread::hardware_concurrency() > 1) {
         writeEntitiesAlongside(entities, owner);
         return;
@@ -631,7 +676,7 @@ bool WriteDrawing(Drawing& drawing, std::vector<KeptData>& kept, MapError& error
 
 bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<KeptData>& kept,
                   MapError& error) {
-    Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}, {}, false, {}, false};
+    Drawing drawing(sections, DxfText(), false);
     if (!WriteDrawing(drawing, kept, error)) return false;
     dxf = drawing.out.take();
     return true;
@@ -640,7 +685,7 @@ bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<Kep
 bool DwgToRecords(const DwgSections& sections, dxf::RecordFeed& feed, std::vector<KeptData>& kept,
                   std::vector<ErasedEntries>& erased, std::vector<DimensionStyleColors>& colors,
                   MapError& error, bool plainEntities) {
-    Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}, DxfText(&feed), plainEntities, {}, false};
+    Drawing drawing(sections, DxfText(&feed), plainEntities);
     if (!WriteDrawing(drawing, kept, error)) return false;
     drawing.takeErasedEntries(erased);
     drawing.takeDimensionStyleColors(colors);

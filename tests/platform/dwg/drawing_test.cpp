@@ -12,12 +12,15 @@
 
 #include "platform/db/block_table_record.hpp"
 #include "platform/db/database.hpp"
+#include "platform/db/line.hpp"
 #include "platform/dwg/container.hpp"
 #include "platform/dwg/corpus_files.hpp"
 #include "platform/dwg/filed_objects.hpp"
+#include "platform/dwg/encode_sections.hpp"
 #include "platform/dwg/entities.hpp"
 #include "platform/dwg/object_builder.hpp"
 #include "platform/dwg/object_stream.hpp"
+#include "platform/dwg/write.hpp"
 #include "platform/dxf/dxf.hpp"
 #include "platform/win/codepage.hpp"
 
@@ -172,6 +175,92 @@ TEST(DwgRead, an_entity_whose_values_do_not_decode_fails_the_read_wherever_it_be
         EXPECT_EQ(Utf8FromWide(db.lastError()), "bad.dwg: offset " + std::to_string(replaced.offset) +
                                                      ": object " + std::to_string(replaced.handle) +
                                                      " (LINE) does not hold what its type needs");
+        EXPECT_TRUE(db.stubs().empty());
+    }
+}
+
+// The drawing's DXF text with the object map listing, right after the dimension style table's
+// control object, a LINE or the control itself once more under the control's handle.
+std::string TextWithControlHandleAgain(const std::vector<std::uint8_t>& file, bool lineOffset) {
+    dwg::DwgSections sections = dwg_test::FileSections(file);
+    std::vector<dwg::ObjectLocation> map;
+    dwg::MapError error;
+    EXPECT_TRUE(dwg::ParseObjectMap(sections.objectMap, map, error));
+    std::size_t control = map.size();
+    std::int64_t line = -1;
+    for (std::size_t k = 0; k < map.size(); ++k) {
+        dwg::ObjectStreams o;
+        if (!dwg::OpenObject(sections.objects, map[k].offset, sections.version, sections.codePage, o, error)) continue;
+        if (o.type == dwg::kDimensionStyle - 1) control = k;
+        if (o.type == dwg::kLine) line = map[k].offset;
+    }
+    EXPECT_LT(control, map.size());
+    EXPECT_GE(line, 0);
+    if (control == map.size()) return "";
+    const dwg::ObjectLocation again{map[control].handle, lineOffset ? line : map[control].offset};
+    map.insert(map.begin() + static_cast<std::ptrdiff_t>(control) + 1, again);
+    const std::vector<std::uint8_t> objectMap = dwg::EncodeObjectMap(map);
+    sections.objectMap = objectMap;
+    std::string text;
+    std::vector<dwg::KeptData> kept;
+    EXPECT_TRUE(dwg::DwgToDxfText(sections, text, kept, error)) << error.reason;
+    return text;
+}
+
+// Of two objects the map lists under one handle, the later is the one looked up by it: the
+// dimension style table's control object gives its list of styles unless a LINE listed later
+// under its handle hides it.
+TEST(DwgDrawing, of_two_objects_under_one_handle_the_later_is_the_one_looked_up) {
+    const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_2000.dwg"));
+    EXPECT_NE(TextWithControlHandleAgain(file, false).find("\nAcDbDimStyleTable\n"), std::string::npos);
+    EXPECT_EQ(TextWithControlHandleAgain(file, true).find("\nAcDbDimStyleTable\n"), std::string::npos);
+}
+
+// A drawing of 2004 with `lines` LINEs in model space, as our writer makes it.
+std::vector<std::uint8_t> ManyLines(int lines) {
+    AcDbDatabase db;
+    AcDbBlockTable* blocks = nullptr;
+    db.getSymbolTable(blocks, AcDb::kForRead);
+    AcDbBlockTableRecord* model = nullptr;
+    blocks->getAt(ACDB_MODEL_SPACE, model, AcDb::kForWrite);
+    blocks->close();
+    for (int i = 0; i < lines; ++i) {
+        auto* line = new AcDbLine(AcGePoint3d(i, 0, 0), AcGePoint3d(i, 1, 0));
+        AcDbObjectId id;
+        model->appendAcDbEntity(id, line);
+        line->close();
+    }
+    model->close();
+    std::vector<std::uint8_t> file;
+    dwg::DwgWriteReport report;
+    EXPECT_EQ(dwg::WriteDwgBytes(db, 1252, file, report), Acad::eOk);
+    return file;
+}
+
+// A large drawing's objects are first read on two threads, a chunk at a time: of the damaged
+// objects, the read names the first in the map, whichever thread meets which.
+TEST(DwgRead, of_damaged_objects_of_a_large_drawing_the_first_in_the_map_is_named) {
+    const auto file = ManyLines(3 * 2048 + 500);
+    dwg::DwgContainer container;
+    dwg::MapError error;
+    ASSERT_TRUE(dwg::ReadDwgContainer(file, container, error)) << error.reason;
+    const dwg::DwgSections sections = dwg::SectionsOf(container, file);
+    std::vector<dwg::ObjectLocation> map;
+    ASSERT_TRUE(dwg::ParseObjectMap(sections.objectMap, map, error));
+    ASSERT_GT(map.size(), 3u * 2048);
+    const std::size_t last = map.size() - 1;
+    const std::vector<std::vector<std::size_t>> damages = {
+        {10}, {2048 + 5}, {last}, {10, 4100}, {2100, 4100}, {2047, 2048}, {4100, last}};
+    for (const auto& damaged : damages) {
+        SCOPED_TRACE(testing::PrintToString(damaged));
+        std::vector<std::uint8_t> objects(sections.objects.begin(), sections.objects.end());
+        for (const std::size_t k : damaged) objects[static_cast<std::size_t>(map[k].offset) + 4] ^= 0x5A;
+        dwg::DwgSections bad = sections;
+        bad.objects = objects;
+        AcDbDatabase db(false, true);
+        EXPECT_EQ(dwg::ReadDwgSections(db, bad, "bad.dwg"), Acad::eDwgNeedsRecovery);
+        EXPECT_EQ(Utf8FromWide(db.lastError()),
+                  "bad.dwg: offset " + std::to_string(map[damaged.front()].offset) + ": object CRC mismatch");
         EXPECT_TRUE(db.stubs().empty());
     }
 }
