@@ -249,8 +249,9 @@ bool Drawing::decodeAgain(const Item& item, DecodedObject& decoded) {
 // The entities no block holds are never written; they are decoded to be sure they are sound.
 bool Drawing::checkUnwritten(MapError& error) {
     for (const Item& item : items) {
+        if (!item.entity || item.decoded || item.written) continue;
         DecodedObject decoded;
-        if (item.entity && !item.decoded && !item.written) decodeAgain(item, decoded);
+        decodeAgain(item, decoded);
     }
     if (failed) error = failure;
     return !failed;
