@@ -43,11 +43,11 @@ namespace {
 
 // One object of the map. Entities of the decoded kinds are decoded when written, so that a
 // large drawing is never held decoded whole; the other objects (tables, blocks, dictionaries,
-// kinds kept whole) are few and stay decoded. 32 bytes an object: object types are 16-bit, and
-// object data of 4 GB and more is refused.
+// kinds kept whole) are few and stay decoded. 24 bytes an object: object types are 16-bit,
+// object data of 4 GB and more is refused, and an entity's owner is needed only until the
+// entities are listed by owner (Drawing::owners).
 struct Item {
     std::uint64_t handle = 0;
-    std::uint64_t owner = 0;  // of an entity: the block record, or the entity it belongs to
     std::unique_ptr<DecodedObject> decoded;  // null for entities decoded when written
     std::uint32_t offset = 0;  // where the object starts in the object data
     std::uint16_t type = 0;
@@ -57,6 +57,10 @@ struct Item {
 
 // The items of a drawing are counted in 32 bits.
 using ItemIndex = std::uint32_t;
+
+// The unused room of an owner's list of entities, in entries, from which the list is cut to
+// its size.
+constexpr std::size_t kUnusedListRoom = 1024;
 
 // Entities a helper thread writes at a time when a block has many (see writeEntitiesAlongside):
 // two batches are held at once, one written and one handed on, each some 600 bytes an entity.
@@ -69,13 +73,19 @@ bool IsControl(std::int32_t type) { return type >= 48 && type <= 70 && type % 2 
 bool IsTableRecord(std::int32_t type) { return type >= 49 && type <= 71 && type % 2 == 1; }
 
 struct Drawing {
+    Drawing(const DwgSections& s, DxfText to, bool plain) : sections(s), out(std::move(to)), plainEntities(plain) {}
+
     const DwgSections& sections;
     HeaderVariables header;
     std::vector<ClassRecord> classes;
     std::vector<Item> items;
+    // Of each item that is an entity, the block record or the entity it belongs to; emptied once
+    // the entities are listed by owner (index).
+    std::vector<std::uint64_t> owners;
     std::unordered_map<std::uint64_t, SymbolRecord> symbols;  // the records kept whole above
-    // The items in the order of their handles, the last of two with one handle first: 4 bytes an
-    // object where a hash map of the handles took some 40.
+    // The items that hold a decoded object, in the order of their handles; of two items with one
+    // handle only the later, and only if it holds one. Entities decoded when written are never
+    // looked up by handle: left out, they cost nothing while the database fills.
     std::vector<std::uint32_t> byHandle;
     std::unordered_map<std::uint64_t, std::vector<ItemIndex>> owned;  // entities by owner
     NameIndex names;
@@ -85,7 +95,7 @@ struct Drawing {
     bool failed = false;
 
     bool decode(MapError& error);
-    bool decodeOne(const ObjectLocation& loc, Item& item, MapError& error) const;
+    bool decodeOne(const ObjectLocation& loc, Item& item, std::uint64_t& owner, MapError& error) const;
     void readSymbols();
     void sortHandles();
     MapError decodeError(const Item& item) const {
@@ -113,6 +123,7 @@ struct Drawing {
         if (c.mode == 2) return header.handles.modelSpace;
         return c.owner;
     }
+    // The item of the handle, when it holds a decoded object (see byHandle).
     const Item* find(std::uint64_t handle) const {
         const auto it = std::lower_bound(byHandle.begin(), byHandle.end(), handle,
                                          [&](std::uint32_t i, std::uint64_t h) { return items[i].handle < h; });
@@ -141,6 +152,16 @@ void Drawing::sortHandles() {
     // From the last item back, so that of two items with one handle the later is found.
     std::stable_sort(byHandle.begin(), byHandle.end(),
                      [&](std::uint32_t a, std::uint32_t b) { return items[a].handle < items[b].handle; });
+    // The earlier of two items with one handle is never found; nor is an item without a decoded object.
+    const auto hidden = [&](std::size_t k) {
+        return (k > 0 && items[byHandle[k - 1]].handle == items[byHandle[k]].handle) ||
+               !items[byHandle[k]].decoded;
+    };
+    std::vector<std::uint32_t> found;
+    for (std::size_t k = 0; k < byHandle.size(); ++k) {
+        if (!hidden(k)) found.push_back(byHandle[k]);
+    }
+    byHandle = std::move(found);
 }
 
 bool Drawing::decode(MapError& error) {
@@ -155,16 +176,17 @@ bool Drawing::decode(MapError& error) {
     // thread and a helper (when the records feed a database; the DXF text is the plain way);
     // the first that fails is decoded again here for its error.
     items.resize(map.size());
+    owners.resize(map.size());
     out.expectObjects(map.size());
     const bool alongside = map.size() >= 2 * kFirstPassChunk && out.feeds() &&
                            std::thread::hardware_concurrency() > 1;
     const std::size_t failed =
         FirstFailingStep(map.size(), kFirstPassChunk, alongside, [&](std::size_t k) {
             MapError unused;
-            return decodeOne(map[k], items[k], unused);
+            return decodeOne(map[k], items[k], owners[k], unused);
         });
     if (failed < map.size()) {
-        decodeOne(map[failed], items[failed], error);
+        decodeOne(map[failed], items[failed], owners[failed], error);
         return false;
     }
     readSymbols();
@@ -172,7 +194,7 @@ bool Drawing::decode(MapError& error) {
     return true;
 }
 
-bool Drawing::decodeOne(const ObjectLocation& loc, Item& item, MapError& error) const {
+bool Drawing::decodeOne(const ObjectLocation& loc, Item& item, std::uint64_t& owner, MapError& error) const {
     ObjectStreams o;
     if (!OpenObject(sections.objects, loc.offset, sections.version, sections.codePage, o, error)) {
         return false;
@@ -193,7 +215,7 @@ bool Drawing::decodeOne(const ObjectLocation& loc, Item& item, MapError& error) 
             return false;
         }
         item.entity = true;
-        item.owner = ownerOf(common);
+        owner = ownerOf(common);
         return true;
     }
     auto decoded = std::make_unique<DecodedObject>();
@@ -204,7 +226,7 @@ bool Drawing::decodeOne(const ObjectLocation& loc, Item& item, MapError& error) 
     const bool whole = std::holds_alternative<KeptObject>(*decoded);
     if (const EntityCommon* common = EntityCommonOf(*decoded)) {
         item.entity = true;
-        item.owner = ownerOf(*common);
+        owner = ownerOf(*common);
     }
     // BLOCK and ENDBLK are written with their block record, kept kinds with their bytes.
     if (!item.entity || whole || item.type == kBlock || item.type == kEndblk) {
@@ -298,8 +320,14 @@ void Drawing::index() {
             for (const auto& [name, entry] : dictionary->entries) names.entries.emplace(entry, name);
         }
         if (item.entity && item.type != kBlock && item.type != kEndblk) {
-            owned[item.owner].push_back(static_cast<ItemIndex>(i));
+            owned[owners[i]].push_back(static_cast<ItemIndex>(i));
         }
+    }
+    std::vector<std::uint64_t>().swap(owners);
+    // The lists are held while the entities are built: a long one without the room its growth
+    // left (the many short ones of polylines and block references are not worth a copy).
+    for (auto& [owner, entities] : owned) {
+        if (entities.capacity() - entities.size() >= kUnusedListRoom) entities.shrink_to_fit();
     }
 }
 
@@ -500,9 +528,12 @@ void Drawing::writeEntities(std::uint64_t owner) {
     // largest list would be held while its entities are built.
     std::vector<ItemIndex>& entities = it->second;
     const Item* record = find(owner);
-    const auto* block = record ? std::get_if<BlockHeaderRecord>(record->decoded.get()) : nullptr;
+    auto* block = record ? std::get_if<BlockHeaderRecord>(record->decoded.get()) : nullptr;
     if (block != nullptr && !block->entities.empty()) {
         SortByListedPlace(entities, block->entities, [&](ItemIndex i) { return items[i].handle; });
+        // Nothing reads the record's list again, and a large block's would be held while its
+        // entities are built.
+        std::vector<std::uint64_t>().swap(block->entities);
     }
     if (entities.size() >= 2 * kEntityBatch && out.feeds() && std::thread::hardware_concurrency() > 1) {
         writeEntitiesAlongside(entities, owner);
@@ -646,7 +677,7 @@ bool WriteDrawing(Drawing& drawing, std::vector<KeptData>& kept, MapError& error
 
 bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<KeptData>& kept,
                   MapError& error) {
-    Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}, {}, false, {}, false};
+    Drawing drawing(sections, DxfText(), false);
     if (!WriteDrawing(drawing, kept, error)) return false;
     dxf = drawing.out.take();
     return true;
@@ -655,7 +686,7 @@ bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<Kep
 bool DwgToRecords(const DwgSections& sections, dxf::RecordFeed& feed, std::vector<KeptData>& kept,
                   std::vector<ErasedEntries>& erased, std::vector<DimensionStyleColors>& colors,
                   MapError& error, bool plainEntities) {
-    Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}, DxfText(&feed), plainEntities, {}, false};
+    Drawing drawing(sections, DxfText(&feed), plainEntities);
     if (!WriteDrawing(drawing, kept, error)) return false;
     drawing.takeErasedEntries(erased);
     drawing.takeDimensionStyleColors(colors);

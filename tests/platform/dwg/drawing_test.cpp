@@ -16,6 +16,7 @@
 #include "platform/dwg/container.hpp"
 #include "platform/dwg/corpus_files.hpp"
 #include "platform/dwg/filed_objects.hpp"
+#include "platform/dwg/encode_sections.hpp"
 #include "platform/dwg/entities.hpp"
 #include "platform/dwg/object_builder.hpp"
 #include "platform/dwg/object_stream.hpp"
@@ -176,6 +177,43 @@ TEST(DwgRead, an_entity_whose_values_do_not_decode_fails_the_read_wherever_it_be
                                                      " (LINE) does not hold what its type needs");
         EXPECT_TRUE(db.stubs().empty());
     }
+}
+
+// The drawing's DXF text with the object map listing, right after the dimension style table's
+// control object, a LINE or the control itself once more under the control's handle.
+std::string TextWithControlHandleAgain(const std::vector<std::uint8_t>& file, bool lineOffset) {
+    dwg::DwgSections sections = dwg_test::FileSections(file);
+    std::vector<dwg::ObjectLocation> map;
+    dwg::MapError error;
+    EXPECT_TRUE(dwg::ParseObjectMap(sections.objectMap, map, error));
+    std::size_t control = map.size();
+    std::int64_t line = -1;
+    for (std::size_t k = 0; k < map.size(); ++k) {
+        dwg::ObjectStreams o;
+        if (!dwg::OpenObject(sections.objects, map[k].offset, sections.version, sections.codePage, o, error)) continue;
+        if (o.type == dwg::kDimensionStyle - 1) control = k;
+        if (o.type == dwg::kLine) line = map[k].offset;
+    }
+    EXPECT_LT(control, map.size());
+    EXPECT_GE(line, 0);
+    if (control == map.size()) return "";
+    const dwg::ObjectLocation again{map[control].handle, lineOffset ? line : map[control].offset};
+    map.insert(map.begin() + static_cast<std::ptrdiff_t>(control) + 1, again);
+    const std::vector<std::uint8_t> objectMap = dwg::EncodeObjectMap(map);
+    sections.objectMap = objectMap;
+    std::string text;
+    std::vector<dwg::KeptData> kept;
+    EXPECT_TRUE(dwg::DwgToDxfText(sections, text, kept, error)) << error.reason;
+    return text;
+}
+
+// Of two objects the map lists under one handle, the later is the one looked up by it: the
+// dimension style table's control object gives its list of styles unless a LINE listed later
+// under its handle hides it.
+TEST(DwgDrawing, of_two_objects_under_one_handle_the_later_is_the_one_looked_up) {
+    const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_2000.dwg"));
+    EXPECT_NE(TextWithControlHandleAgain(file, false).find("\nAcDbDimStyleTable\n"), std::string::npos);
+    EXPECT_EQ(TextWithControlHandleAgain(file, true).find("\nAcDbDimStyleTable\n"), std::string::npos);
 }
 
 // A drawing of 2004 with `lines` LINEs in model space, as our writer makes it.
