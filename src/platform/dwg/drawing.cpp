@@ -589,7 +589,7 @@ void Drawing::writeObjects() {
     out.tag(2, "OBJECTS");
     const Item* named = find(header.handles.namedObjects);
     if (named != nullptr && named->decoded) {
-        WriteObject(out, *named->decoded, typeName(*named), named->handle);
+        WriteObject(out, *named->decoded, typeName(*named), named->handle, names);
         if (const ObjectCommon* common = ModelledObjectCommonOf(*named->decoded)) writeExtendedData(*common);
     }
     for (const Item& item : items) {
@@ -597,7 +597,7 @@ void Drawing::writeObjects() {
             IsEntityType(item.type, classes)) {
             continue;
         }
-        WriteObject(out, *item.decoded, typeName(item), item.handle);
+        WriteObject(out, *item.decoded, typeName(item), item.handle, names);
         if (const ObjectCommon* common = ModelledObjectCommonOf(*item.decoded)) writeExtendedData(*common);
     }
     out.tag(0, "ENDSEC");
