@@ -300,8 +300,9 @@ bool Drawing::decodeAgain(const Item& item, DecodedObject& decoded) {
 // The entities no block holds are never written; they are decoded to be sure they are sound.
 bool Drawing::checkUnwritten(MapError& error) {
     for (const Item& item : items) {
+        if (!item.entity || item.holdsDecoded || item.written) continue;
         DecodedObject decoded;
-        if (item.entity && !item.holdsDecoded && !item.written) decodeAgain(item, decoded);
+        decodeAgain(item, decoded);
     }
     if (failed) error = failure;
     return !failed;
@@ -624,7 +625,7 @@ void Drawing::writeObjects() {
     const DecodedItem* named = find(header.handles.namedObjects);
     if (named != nullptr) {
         const Item& item = items[named->item];
-        WriteObject(out, *named->decoded, typeName(item), item.handle);
+        WriteObject(out, *named->decoded, typeName(item), item.handle, names);
         if (const ObjectCommon* common = ModelledObjectCommonOf(*named->decoded)) writeExtendedData(*common);
     }
     for (const DecodedItem& d : decodedItems) {
@@ -633,7 +634,7 @@ void Drawing::writeObjects() {
             IsEntityType(item.type, classes)) {
             continue;
         }
-        WriteObject(out, *d.decoded, typeName(item), item.handle);
+        WriteObject(out, *d.decoded, typeName(item), item.handle, names);
         if (const ObjectCommon* common = ModelledObjectCommonOf(*d.decoded)) writeExtendedData(*common);
     }
     out.tag(0, "ENDSEC");

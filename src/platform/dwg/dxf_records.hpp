@@ -113,8 +113,8 @@ void WriteHead(DxfText& out, const std::string& type, const ObjectCommon& c, std
 void WriteEntity(DxfText& out, const DecodedObject& decoded, const std::string& typeName,
                  std::uint64_t owner, const NameIndex& names);
 
-// A non-graphical object of the OBJECTS section.
+// A non-graphical object of the OBJECTS section; the names are those of the linetypes it uses.
 void WriteObject(DxfText& out, const DecodedObject& decoded, const std::string& typeName,
-                 std::uint64_t handle);
+                 std::uint64_t handle, const NameIndex& names);
 
 }  // namespace dwg
