@@ -79,4 +79,36 @@ TEST(DwgChunkedPassAlongside, a_helper_takes_chunks_while_this_thread_runs_one) 
     EXPECT_TRUE(seenWhileWaiting);
 }
 
+// The pass ends only once the helper's steps have: a failure the helper meets after this
+// thread has run out of chunks is the result. The helper's step waits a while for the pass to
+// have ended, which it must not have.
+TEST(DwgChunkedPassAlongside, a_failure_the_helper_meets_last_is_the_result) {
+    std::mutex m;
+    std::condition_variable cv;
+    bool firstChunkDone = false;
+    bool passEnded = false;
+    std::atomic<bool> endedBeforeFailure{false};
+    const std::size_t failed = dwg::FirstFailingStep(20, 10, true, [&](std::size_t k) {
+        std::unique_lock lock(m);
+        if (k == 0) {
+            // This thread's chunk waits for the helper's, so that the helper has chunk 10.
+            cv.wait_for(lock, std::chrono::seconds(60), [&] { return firstChunkDone; });
+        }
+        if (k == 10) {
+            firstChunkDone = true;
+            cv.notify_all();
+            endedBeforeFailure = cv.wait_for(lock, std::chrono::milliseconds(300), [&] { return passEnded; });
+            return false;
+        }
+        return true;
+    });
+    {
+        std::lock_guard lock(m);
+        passEnded = true;
+        cv.notify_all();
+    }
+    EXPECT_EQ(failed, 10u);
+    EXPECT_FALSE(endedBeforeFailure.load());
+}
+
 }  // namespace
