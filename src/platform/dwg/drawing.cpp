@@ -525,7 +525,7 @@ void Drawing::writeEntity(DxfText& to, ItemIndex index, std::uint64_t owner) {
         dxf::PlainEntity plain;
         if (PlainEntityOf(decoded, type, owner, names, plain)) {
             std::unique_ptr<AcDbEntity> built = dxf::BuildPlainEntity(plain);
-            if (built && to.plain(plain, std::move(built), index)) return;
+            if (built && to.plain(std::move(plain), std::move(built), index)) return;
         }
     }
     writeRecord(to, item, decoded, type, owner);

@@ -69,7 +69,7 @@ void DxfText::handTo(DxfText& to, const RecordWriter& writeRecord) {
     while (i < spans_.size()) {
         if (spans_[i].code == kPlain) {
             Plain& p = plains_[spans_[i++].begin];
-            if (!to.plain(p.entity, std::move(p.built), p.item)) writeRecord(to, p.item);
+            if (!to.plain(std::move(p.entity), std::move(p.built), p.item)) writeRecord(to, p.item);
             continue;
         }
         const std::size_t begin = i;
@@ -88,10 +88,10 @@ void DxfText::handTo(DxfText& to, const RecordWriter& writeRecord) {
     out_.clear();
 }
 
-bool DxfText::plain(const dxf::PlainEntity& entity, std::unique_ptr<AcDbEntity> built, std::uint32_t item) {
+bool DxfText::plain(dxf::PlainEntity&& entity, std::unique_ptr<AcDbEntity> built, std::uint32_t item) {
     if (keep_) {
         spans_.push_back({kPlain, plains_.size(), 0, {}});
-        plains_.push_back({entity, std::move(built), item});
+        plains_.push_back({std::move(entity), std::move(built), item});
         return true;
     }
     if (feed_ == nullptr) return false;

@@ -40,8 +40,9 @@ public:
     bool takesPlain() const { return feed_ != nullptr || keep_; }
     // A plain entity built from its values (see dxf::BuildPlainEntity), the drawing's item
     // given: kept in its place, or handed to the feed. False when it needs its record, which is
-    // then to be written here.
-    bool plain(const dxf::PlainEntity& entity, std::unique_ptr<AcDbEntity> built, std::uint32_t item);
+    // then to be written here. The values are moved here when kept (a polyline's vertices are
+    // not copied).
+    bool plain(dxf::PlainEntity&& entity, std::unique_ptr<AcDbEntity> built, std::uint32_t item);
     void tag(int code, std::string_view value);
     void tag(int code, double value);
     void integer(int code, long long value);
