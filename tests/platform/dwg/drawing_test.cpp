@@ -231,6 +231,40 @@ TEST(DwgDrawing, of_two_objects_under_one_handle_the_later_is_the_one_looked_up)
               std::string::npos);
 }
 
+// Objects other than entities are decoded whole by the first pass over the map: a table
+// record whose values do not decode fails the read there, named by its handle and kind.
+TEST(DwgRead, a_table_record_whose_values_do_not_decode_fails_the_read) {
+    const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_2000.dwg"));
+    const dwg::DwgSections sections = dwg_test::FileSections(file);
+    std::vector<dwg::ObjectLocation> map;
+    dwg::MapError error;
+    ASSERT_TRUE(dwg::ParseObjectMap(sections.objectMap, map, error));
+    for (const dwg::ObjectLocation& at : map) {
+        dwg::ObjectStreams o;
+        if (!dwg::OpenObject(sections.objects, at.offset, sections.version, sections.codePage, o, error) ||
+            o.type != dwg::kLayer)
+            continue;
+        dwg_test::ObjectParts p;
+        p.version = dwg::Version::kR2000;
+        p.type = dwg::kLayer;
+        p.handle = at.handle;
+        p.values.BS(0);  // no extended data, and nothing of the record after it
+        const auto layer = dwg_test::BuildObject(p);
+        ASSERT_LE(layer.size(), o.size + 4);
+        std::vector<std::uint8_t> objects(sections.objects.begin(), sections.objects.end());
+        std::copy(layer.begin(), layer.end(), objects.begin() + at.offset);
+        dwg::DwgSections bad = sections;
+        bad.objects = objects;
+        AcDbDatabase db(true, true);
+        EXPECT_EQ(dwg::ReadDwgSections(db, bad, "bad.dwg"), Acad::eDwgNeedsRecovery);
+        EXPECT_EQ(Utf8FromWide(db.lastError()), "bad.dwg: offset " + std::to_string(at.offset) + ": object " +
+                                                     std::to_string(at.handle) +
+                                                     " (LAYER) does not hold what its type needs");
+        return;
+    }
+    FAIL() << "no LAYER in the drawing";
+}
+
 // A drawing of 2004 with `lines` LINEs in model space, as our writer makes it.
 std::vector<std::uint8_t> ManyLines(int lines) {
     AcDbDatabase db;

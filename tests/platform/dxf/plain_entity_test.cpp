@@ -293,6 +293,7 @@ std::vector<Case> Cases() {
     };
     const double infinity = std::numeric_limits<double>::infinity();
     const Turned turned[] = {
+        {"an arc from zero", "a point turned by zero", 0.0, true},
         {"an arc from a negative zero", "a point turned by a negative zero", -0.0, false},
         {"an arc from an angle the plain conversion loses", "a point turned by an angle the plain conversion loses",
          0x1.1f8f03f04dd1p+0, true},
