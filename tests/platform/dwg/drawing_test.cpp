@@ -179,9 +179,12 @@ TEST(DwgRead, an_entity_whose_values_do_not_decode_fails_the_read_wherever_it_be
     }
 }
 
-// The drawing's DXF text with the object map listing, right after the dimension style table's
-// control object, a LINE or the control itself once more under the control's handle.
-std::string TextWithControlHandleAgain(const std::vector<std::uint8_t>& file, bool lineOffset) {
+// How the object map of a test lists the dimension style table's control object: twice, once
+// and then a LINE under its handle, or (the last of the objects of) the next handle up only.
+enum class ControlListed { kTwice, kThenALineUnderItsHandle, kUnderTheNextHandleOnly };
+
+// The drawing's DXF text with its object map changed so.
+std::string TextWithControlListed(const std::vector<std::uint8_t>& file, ControlListed listed) {
     dwg::DwgSections sections = dwg_test::FileSections(file);
     std::vector<dwg::ObjectLocation> map;
     dwg::MapError error;
@@ -197,8 +200,16 @@ std::string TextWithControlHandleAgain(const std::vector<std::uint8_t>& file, bo
     EXPECT_LT(control, map.size());
     EXPECT_GE(line, 0);
     if (control == map.size()) return "";
-    const dwg::ObjectLocation again{map[control].handle, lineOffset ? line : map[control].offset};
-    map.insert(map.begin() + static_cast<std::ptrdiff_t>(control) + 1, again);
+    const auto at = map.begin() + static_cast<std::ptrdiff_t>(control);
+    if (listed == ControlListed::kUnderTheNextHandleOnly) {
+        const dwg::ObjectLocation moved{at->handle + 1, at->offset};
+        map.erase(at);
+        const auto after = std::upper_bound(map.begin(), map.end(), moved.handle,
+                                            [](std::uint64_t h, const dwg::ObjectLocation& l) { return h < l.handle; });
+        map.insert(after, moved);
+    } else {
+        map.insert(at + 1, {at->handle, listed == ControlListed::kTwice ? at->offset : line});
+    }
     const std::vector<std::uint8_t> objectMap = dwg::EncodeObjectMap(map);
     sections.objectMap = objectMap;
     std::string text;
@@ -207,13 +218,51 @@ std::string TextWithControlHandleAgain(const std::vector<std::uint8_t>& file, bo
     return text;
 }
 
-// Of two objects the map lists under one handle, the later is the one looked up by it: the
-// dimension style table's control object gives its list of styles unless a LINE listed later
-// under its handle hides it.
+// An object is looked up by its handle, and of two objects the map lists under one handle the
+// later is the one found: the dimension style table's control object gives the table its list
+// of styles, unless a LINE listed later under its handle hides it or it is not under its handle.
 TEST(DwgDrawing, of_two_objects_under_one_handle_the_later_is_the_one_looked_up) {
     const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_2000.dwg"));
-    EXPECT_NE(TextWithControlHandleAgain(file, false).find("\nAcDbDimStyleTable\n"), std::string::npos);
-    EXPECT_EQ(TextWithControlHandleAgain(file, true).find("\nAcDbDimStyleTable\n"), std::string::npos);
+    const std::string listOfStyles = "\nAcDbDimStyleTable\n";
+    EXPECT_NE(TextWithControlListed(file, ControlListed::kTwice).find(listOfStyles), std::string::npos);
+    EXPECT_EQ(TextWithControlListed(file, ControlListed::kThenALineUnderItsHandle).find(listOfStyles),
+              std::string::npos);
+    EXPECT_EQ(TextWithControlListed(file, ControlListed::kUnderTheNextHandleOnly).find(listOfStyles),
+              std::string::npos);
+}
+
+// Objects other than entities are decoded whole by the first pass over the map: a table
+// record whose values do not decode fails the read there, named by its handle and kind.
+TEST(DwgRead, a_table_record_whose_values_do_not_decode_fails_the_read) {
+    const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_2000.dwg"));
+    const dwg::DwgSections sections = dwg_test::FileSections(file);
+    std::vector<dwg::ObjectLocation> map;
+    dwg::MapError error;
+    ASSERT_TRUE(dwg::ParseObjectMap(sections.objectMap, map, error));
+    for (const dwg::ObjectLocation& at : map) {
+        dwg::ObjectStreams o;
+        if (!dwg::OpenObject(sections.objects, at.offset, sections.version, sections.codePage, o, error) ||
+            o.type != dwg::kLayer)
+            continue;
+        dwg_test::ObjectParts p;
+        p.version = dwg::Version::kR2000;
+        p.type = dwg::kLayer;
+        p.handle = at.handle;
+        p.values.BS(0);  // no extended data, and nothing of the record after it
+        const auto layer = dwg_test::BuildObject(p);
+        ASSERT_LE(layer.size(), o.size + 4);
+        std::vector<std::uint8_t> objects(sections.objects.begin(), sections.objects.end());
+        std::copy(layer.begin(), layer.end(), objects.begin() + at.offset);
+        dwg::DwgSections bad = sections;
+        bad.objects = objects;
+        AcDbDatabase db(true, true);
+        EXPECT_EQ(dwg::ReadDwgSections(db, bad, "bad.dwg"), Acad::eDwgNeedsRecovery);
+        EXPECT_EQ(Utf8FromWide(db.lastError()), "bad.dwg: offset " + std::to_string(at.offset) + ": object " +
+                                                     std::to_string(at.handle) +
+                                                     " (LAYER) does not hold what its type needs");
+        return;
+    }
+    FAIL() << "no LAYER in the drawing";
 }
 
 // A drawing of 2004 with `lines` LINEs in model space, as our writer makes it.
