@@ -113,3 +113,18 @@ TEST(DwgClasses, corpus_2000_and_r14_drawings_name_their_classes) {
 }
 
 }  // namespace
+
+// The fixed types are named from 1 to 499, the gaps and others by the drawing's classes alone.
+TEST(DwgClasses, type_is_named_by_the_fixed_names_then_by_the_classes) {
+    dwg::ClassRecord mine;
+    mine.number = 500;
+    mine.dxfName = "ACDBDICTIONARYWDFLT";
+    const std::vector<dwg::ClassRecord> classes = {mine};
+    EXPECT_EQ(dwg::TypeName(1, classes), "TEXT");
+    EXPECT_EQ(dwg::TypeName(73, classes), "MLINESTYLE");
+    EXPECT_EQ(dwg::TypeName(82, classes), "LAYOUT");
+    EXPECT_EQ(dwg::TypeName(498, classes), "ACAD_PROXY_ENTITY");
+    EXPECT_EQ(dwg::TypeName(499, classes), "ACAD_PROXY_OBJECT");
+    EXPECT_EQ(dwg::TypeName(500, classes), "ACDBDICTIONARYWDFLT");
+    for (int none : {-1, 0, 9, 75, 497, 501}) EXPECT_EQ(dwg::TypeName(none, classes), "") << none;
+}
