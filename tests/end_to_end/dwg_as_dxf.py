@@ -1,10 +1,7 @@
 # -*- coding: utf-8 -*-
 """ezdxf reads DXF only: a DWG is read as the DXF that tavrik converts it to.
 
-A multiline style read from DWG is kept whole and not decoded, so the DXF save leaves it out
-while the ACAD_MLINESTYLE dictionary still names it; ezdxf's audit drops that entry. That one
-fix is the known gap of the conversion and is not counted as a fault of the drawing; every other
-audit fix or error is.
+Every audit fix or error is a fault of the drawing, whether it was read from DXF or from DWG.
 """
 import subprocess
 import tempfile
@@ -27,14 +24,9 @@ def read(path, tavrik):
         return ezdxf.readfile(str(dxf))
 
 
-def audit_faults(doc, from_dwg):
-    """The audit's errors and fixes as text, less the multiline style gap of a converted DWG."""
-    styles = doc.rootdict.get("ACAD_MLINESTYLE") if from_dwg else None
-    gap = None
-    if styles is not None:
-        gap = 'invalid handle in DICTIONARY(#%s)' % styles.dxf.handle
+def audit_faults(doc):
+    """The audit's errors and fixes as text."""
     auditor = doc.audit()
     faults = ["audit error %s: %s" % (e.code, e.message) for e in auditor.errors]
-    faults += ["audit had to fix %s: %s" % (f.code, f.message) for f in auditor.fixes
-               if gap is None or gap not in f.message]
+    faults += ["audit had to fix %s: %s" % (f.code, f.message) for f in auditor.fixes]
     return faults

@@ -60,7 +60,7 @@ def audit_drawings(root, tavrik, expected_suffix):
         except Exception as error:  # a reader's error names the file
             fail("%s: ezdxf cannot read it: %s" % (name, error))
             continue
-        for fault in dwg_as_dxf.audit_faults(doc, dwg_as_dxf.is_dwg(root / name)):
+        for fault in dwg_as_dxf.audit_faults(doc):
             fail("%s: %s" % (name, fault))
         if doc.dxfversion != "AC1018":
             fail("%s: version %s, not AC1018" % (name, doc.dxfversion))

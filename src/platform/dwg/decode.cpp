@@ -155,6 +155,14 @@ bool DecodeObject(ObjectStreams& o, const std::vector<ClassRecord>& classes, Dec
         case kXLine: return Decode<RayRecord>(o, out, ReadRay);
         case kGroup: return Decode<GroupRecord>(o, out, ReadGroup);
         case kPlaceHolder: return Decode<PlaceHolderRecord>(o, out, ReadPlaceHolder);
+        case kMLineStyle: {
+            const ObjectStreams start = o;
+            auto& r = out.emplace<MLineStyleRecord>();
+            if (!ReadMLineStyle(o, r)) return false;
+            if (MLineStyleInDxfTerms(r)) return true;
+            o = start;
+            return Keep(o, false, o.data.buffer(), out);
+        }
         default: break;
     }
     // Kinds numbered per drawing are told by their class name.

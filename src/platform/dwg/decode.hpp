@@ -31,7 +31,7 @@ using DecodedObject =
                  PolylineRecord, VertexRecord, SolidRecord, DictionaryRecord,
                  DimensionRecord, SplineRecord, XRecordRecord, LayoutRecord,
                  HatchRecord, FaceRecord, RayRecord, DictionaryVariableRecord, ScaleRecord,
-                 GroupRecord, PlaceHolderRecord>;
+                 GroupRecord, PlaceHolderRecord, MLineStyleRecord>;
 
 // False when the object's data does not hold what its type needs. The classes tell whether a
 // drawing's own type (500 and up) is an entity.

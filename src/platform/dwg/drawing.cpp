@@ -10,12 +10,14 @@
 #include <vector>
 
 #include "platform/dwg/blocks.hpp"
+#include "platform/dwg/chunked_pass.hpp"
 #include "platform/dwg/classes.hpp"
 #include "platform/dwg/decode.hpp"
 #include "platform/dwg/dxf_records.hpp"
 #include "platform/dwg/entities.hpp"
 #include "platform/dwg/extended_data.hpp"
 #include "platform/dwg/header.hpp"
+#include "platform/dwg/listed_order.hpp"
 #include "platform/dwg/plain_entities.hpp"
 #include "platform/dwg/symbols.hpp"
 #include "platform/dwg/tables.hpp"
@@ -41,36 +43,56 @@ namespace {
 
 // One object of the map. Entities of the decoded kinds are decoded when written, so that a
 // large drawing is never held decoded whole; the other objects (tables, blocks, dictionaries,
-// kinds kept whole) are few and stay decoded. 32 bytes an object: object types are 16-bit, and
-// object data of 4 GB and more is refused.
+// kinds kept whole) are few and stay decoded, apart (Drawing::decodedItems). 16 bytes an
+// object: object types are 16-bit, object data of 4 GB and more is refused, and an entity's
+// owner is needed only until the entities are listed by owner (Drawing::owners).
 struct Item {
     std::uint64_t handle = 0;
-    std::uint64_t owner = 0;  // of an entity: the block record, or the entity it belongs to
-    std::unique_ptr<DecodedObject> decoded;  // null for entities decoded when written
     std::uint32_t offset = 0;  // where the object starts in the object data
     std::uint16_t type = 0;
-    bool entity = false;
-    bool written = false;  // an entity decoded when written, once it has been
+    bool entity : 1 = false;
+    bool written : 1 = false;  // an entity decoded when written, once it has been
+    bool holdsDecoded : 1 = false;  // all but the entities decoded when written do
 };
 
 // The items of a drawing are counted in 32 bits.
 using ItemIndex = std::uint32_t;
 
+// The decoded object of an item that holds one.
+struct DecodedItem {
+    ItemIndex item = 0;
+    std::unique_ptr<DecodedObject> decoded;
+};
+
+// The unused room of an owner's list of entities, in entries, from which the list is cut to
+// its size.
+constexpr std::size_t kUnusedListRoom = 1024;
+
 // Entities a helper thread writes at a time when a block has many (see writeEntitiesAlongside):
 // two batches are held at once, one written and one handed on, each some 600 bytes an entity.
 constexpr std::size_t kEntityBatch = 512;
+
+// Objects the first pass over the map takes at a time on each of its two threads.
+constexpr std::size_t kFirstPassChunk = 2048;
 
 bool IsControl(std::int32_t type) { return type >= 48 && type <= 70 && type % 2 == 0; }
 bool IsTableRecord(std::int32_t type) { return type >= 49 && type <= 71 && type % 2 == 1; }
 
 struct Drawing {
+    Drawing(const DwgSections& s, DxfText to, bool plain) : sections(s), out(std::move(to)), plainEntities(plain) {}
+
     const DwgSections& sections;
     HeaderVariables header;
     std::vector<ClassRecord> classes;
     std::vector<Item> items;
+    // Of each item that is an entity, the block record or the entity it belongs to; emptied once
+    // the entities are listed by owner (index).
+    std::vector<std::uint64_t> owners;
+    std::vector<DecodedItem> decodedItems;  // in the order of the items
     std::unordered_map<std::uint64_t, SymbolRecord> symbols;  // the records kept whole above
-    // The items in the order of their handles, the last of two with one handle first: 4 bytes an
-    // object where a hash map of the handles took some 40.
+    // The decoded items in the order of their handles; of two items with one handle only the
+    // later, and only if it holds a decoded object. Entities decoded when written are never
+    // looked up by handle: left out, they cost nothing while the database fills.
     std::vector<std::uint32_t> byHandle;
     std::unordered_map<std::uint64_t, std::vector<ItemIndex>> owned;  // entities by owner
     NameIndex names;
@@ -80,7 +102,10 @@ struct Drawing {
     bool failed = false;
 
     bool decode(MapError& error);
-    bool decodeOne(const ObjectLocation& loc, MapError& error);
+    bool decodeOne(const ObjectLocation& loc, Item& item, std::uint64_t& owner,
+                   std::unique_ptr<DecodedObject>& decoded, MapError& error) const;
+    void keepDecoded(std::vector<std::unique_ptr<DecodedObject>>& decoded);
+    void readSymbols();
     void sortHandles();
     MapError decodeError(const Item& item) const {
         return {static_cast<std::size_t>(item.offset),
@@ -107,10 +132,22 @@ struct Drawing {
         if (c.mode == 2) return header.handles.modelSpace;
         return c.owner;
     }
-    const Item* find(std::uint64_t handle) const {
+    // The decoded item of the handle (see byHandle).
+    const DecodedItem* find(std::uint64_t handle) const {
+        const auto handleOf = [&](std::uint32_t d) { return items[decodedItems[d].item].handle; };
         const auto it = std::lower_bound(byHandle.begin(), byHandle.end(), handle,
-                                         [&](std::uint32_t i, std::uint64_t h) { return items[i].handle < h; });
-        return it == byHandle.end() || items[*it].handle != handle ? nullptr : &items[*it];
+                                         [&](std::uint32_t d, std::uint64_t h) { return handleOf(d) < h; });
+        return it == byHandle.end() || handleOf(*it) != handle ? nullptr : &decodedItems[*it];
+    }
+    // The place of the item's decoded object in decodedItems; the item holds one.
+    std::size_t decodedPlace(ItemIndex item) const {
+        return static_cast<std::size_t>(
+            std::lower_bound(decodedItems.begin(), decodedItems.end(), item,
+                             [](const DecodedItem& d, ItemIndex i) { return d.item < i; }) -
+            decodedItems.begin());
+    }
+    const DecodedObject* decodedOf(ItemIndex item) const {
+        return items[item].holdsDecoded ? decodedItems[decodedPlace(item)].decoded.get() : nullptr;
     }
     void writeHeader();
     void writeClasses();
@@ -118,7 +155,6 @@ struct Drawing {
     void writeTable(const char* name, std::int32_t recordType, std::uint64_t control);
     void writeBlocks();
     void writeEntities(std::uint64_t owner);
-    void sortByRank(std::vector<ItemIndex>& entities, const BlockHeaderRecord& block) const;
     void writeEntity(DxfText& to, ItemIndex index, std::uint64_t owner);
     void writeRecord(DxfText& to, const Item& item, const DecodedObject& decoded, const std::string& type,
                      std::uint64_t owner);
@@ -136,6 +172,16 @@ void Drawing::sortHandles() {
     // From the last item back, so that of two items with one handle the later is found.
     std::stable_sort(byHandle.begin(), byHandle.end(),
                      [&](std::uint32_t a, std::uint32_t b) { return items[a].handle < items[b].handle; });
+    // The earlier of two items with one handle is never found; nor is an item without a decoded object.
+    const auto hidden = [&](std::size_t k) {
+        return (k > 0 && items[byHandle[k - 1]].handle == items[byHandle[k]].handle) ||
+               !items[byHandle[k]].holdsDecoded;
+    };
+    std::vector<std::uint32_t> found;
+    for (std::size_t k = 0; k < byHandle.size(); ++k) {
+        if (!hidden(k)) found.push_back(static_cast<std::uint32_t>(decodedPlace(byHandle[k])));
+    }
+    byHandle = std::move(found);
 }
 
 bool Drawing::decode(MapError& error) {
@@ -146,21 +192,36 @@ bool Drawing::decode(MapError& error) {
     }
     std::vector<ObjectLocation> map;
     if (!ParseObjectMap(sections.objectMap, map, error)) return false;
-    items.reserve(map.size());
+    // Each object decodes alone into its own item, so the objects are shared out between this
+    // thread and a helper (when the records feed a database; the DXF text is the plain way);
+    // the first that fails is decoded again here for its error.
+    items.resize(map.size());
+    owners.resize(map.size());
+    std::vector<std::unique_ptr<DecodedObject>> decoded(map.size());
     out.expectObjects(map.size());
-    for (const auto& loc : map) {
-        if (!decodeOne(loc, error)) return false;
+    const bool alongside = map.size() >= 2 * kFirstPassChunk && out.feeds() &&
+                           std::thread::hardware_concurrency() > 1;
+    const std::size_t failed =
+        FirstFailingStep(map.size(), kFirstPassChunk, alongside, [&](std::size_t k) {
+            MapError unused;
+            return decodeOne(map[k], items[k], owners[k], decoded[k], unused);
+        });
+    if (failed < map.size()) {
+        decodeOne(map[failed], items[failed], owners[failed], decoded[failed], error);
+        return false;
     }
+    keepDecoded(decoded);
+    readSymbols();
     sortHandles();
     return true;
 }
 
-bool Drawing::decodeOne(const ObjectLocation& loc, MapError& error) {
+bool Drawing::decodeOne(const ObjectLocation& loc, Item& item, std::uint64_t& owner,
+                        std::unique_ptr<DecodedObject>& kept, MapError& error) const {
     ObjectStreams o;
     if (!OpenObject(sections.objects, loc.offset, sections.version, sections.codePage, o, error)) {
         return false;
     }
-    Item item;
     item.handle = loc.handle;
     if (loc.offset > std::numeric_limits<std::uint32_t>::max()) {
         error = {static_cast<std::size_t>(loc.offset), "object data of 4 GB and more is not read"};
@@ -177,31 +238,48 @@ bool Drawing::decodeOne(const ObjectLocation& loc, MapError& error) {
             return false;
         }
         item.entity = true;
-        item.owner = ownerOf(common);
-        items.push_back(std::move(item));
+        owner = ownerOf(common);
         return true;
     }
-    const ObjectStreams opened = o;
     auto decoded = std::make_unique<DecodedObject>();
     if (!DecodeObject(o, classes, *decoded)) {
         error = decodeError(item);
         return false;
     }
     const bool whole = std::holds_alternative<KeptObject>(*decoded);
-    if (IsTableRecord(item.type) && whole) {
-        ObjectStreams again = opened;
-        ReadSymbolRecord(again, symbols[item.handle]);
-    }
     if (const EntityCommon* common = EntityCommonOf(*decoded)) {
         item.entity = true;
-        item.owner = ownerOf(*common);
+        owner = ownerOf(*common);
     }
     // BLOCK and ENDBLK are written with their block record, kept kinds with their bytes.
     if (!item.entity || whole || item.type == kBlock || item.type == kEndblk) {
-        item.decoded = std::move(decoded);
+        item.holdsDecoded = true;
+        kept = std::move(decoded);
     }
-    items.push_back(std::move(item));
     return true;
+}
+
+// The decoded objects of the first pass, one a slot of the map, kept in a list of their own.
+void Drawing::keepDecoded(std::vector<std::unique_ptr<DecodedObject>>& decoded) {
+    for (std::size_t k = 0; k < decoded.size(); ++k) {
+        if (decoded[k]) decodedItems.push_back({static_cast<ItemIndex>(k), std::move(decoded[k])});
+    }
+}
+
+// The names and values of the symbol table records kept whole, read from their objects opened
+// again (their CRCs were checked), in the order of the items: of two records with one handle,
+// the later reads over the earlier.
+void Drawing::readSymbols() {
+    for (const DecodedItem& d : decodedItems) {
+        const Item& item = items[d.item];
+        if (!IsTableRecord(item.type) || !std::holds_alternative<KeptObject>(*d.decoded)) continue;
+        ObjectStreams o;
+        MapError unused;
+        if (OpenObject(sections.objects, item.offset, sections.version, sections.codePage, o,
+                       unused, false)) {
+            ReadSymbolRecord(o, symbols[item.handle]);
+        }
+    }
 }
 
 // An entity decoded whole, the first time or again. Its frame and CRC were checked when the map
@@ -222,8 +300,9 @@ bool Drawing::decodeAgain(const Item& item, DecodedObject& decoded) {
 // The entities no block holds are never written; they are decoded to be sure they are sound.
 bool Drawing::checkUnwritten(MapError& error) {
     for (const Item& item : items) {
+        if (!item.entity || item.holdsDecoded || item.written) continue;
         DecodedObject decoded;
-        if (item.entity && !item.decoded && !item.written) decodeAgain(item, decoded);
+        decodeAgain(item, decoded);
     }
     if (failed) error = failure;
     return !failed;
@@ -237,8 +316,8 @@ std::string Drawing::blockName(const BlockHeaderRecord& block, std::uint64_t han
     std::string name = block.entry.name;
     const bool furtherPaperSpace = name == "*Paper_Space" && handle != header.handles.paperSpace;
     if (!furtherPaperSpace && !(block.anonymous && name.size() <= 2)) return name;
-    const Item* begin = find(block.blockEntity);
-    const auto* beginRecord = begin && begin->decoded ? std::get_if<BlockBeginRecord>(begin->decoded.get()) : nullptr;
+    const DecodedItem* begin = find(block.blockEntity);
+    const auto* beginRecord = begin ? std::get_if<BlockBeginRecord>(begin->decoded.get()) : nullptr;
     if (beginRecord != nullptr && beginRecord->name.size() > name.size() &&
         beginRecord->name.compare(0, name.size(), name) == 0) {
         return beginRecord->name;
@@ -251,12 +330,12 @@ void Drawing::index() {
     names.modelSpace = header.handles.modelSpace;
     names.paperSpace = header.handles.paperSpace;
     std::map<std::string, int> anonymous;  // the DXF numbers anonymous blocks: *D1, *D2 ...
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        const Item& item = items[i];
-        const DecodedObject* decoded = item.decoded.get();
-        if (const auto* layer = decoded ? std::get_if<LayerRecord>(decoded) : nullptr) {
+    for (const DecodedItem& d : decodedItems) {
+        const Item& item = items[d.item];
+        const DecodedObject* decoded = d.decoded.get();
+        if (const auto* layer = std::get_if<LayerRecord>(decoded)) {
             names.layers[item.handle] = layer->entry.name;
-        } else if (const auto* block = decoded ? std::get_if<BlockHeaderRecord>(decoded) : nullptr) {
+        } else if (const auto* block = std::get_if<BlockHeaderRecord>(decoded)) {
             names.blocks[item.handle] = blockName(*block, item.handle, anonymous);
         } else if (item.type == kLinetype) {
             names.linetypes[item.handle] = symbols[item.handle].entry.name;
@@ -266,12 +345,21 @@ void Drawing::index() {
             names.applications[item.handle] = symbols[item.handle].entry.name;
         } else if (item.type == kDimensionStyle) {
             names.dimensionStyles[item.handle] = symbols[item.handle].entry.name;
-        } else if (const auto* dictionary = decoded ? std::get_if<DictionaryRecord>(decoded) : nullptr) {
+        } else if (const auto* dictionary = std::get_if<DictionaryRecord>(decoded)) {
             for (const auto& [name, entry] : dictionary->entries) names.entries.emplace(entry, name);
         }
+    }
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        const Item& item = items[i];
         if (item.entity && item.type != kBlock && item.type != kEndblk) {
-            owned[item.owner].push_back(static_cast<ItemIndex>(i));
+            owned[owners[i]].push_back(static_cast<ItemIndex>(i));
         }
+    }
+    std::vector<std::uint64_t>().swap(owners);
+    // The lists are held while the entities are built: a long one without the room its growth
+    // left (the many short ones of polylines and block references are not worth a copy).
+    for (auto& [owner, entities] : owned) {
+        if (entities.capacity() - entities.size() >= kUnusedListRoom) entities.shrink_to_fit();
     }
 }
 
@@ -370,7 +458,7 @@ void Drawing::writeTable(const char* name, std::int32_t recordType, std::uint64_
     out.tag(2, name);
     out.handle(5, control);
     // The control object's extension dictionary and extended data, which a drawing may give it.
-    const Item* controlItem = find(control);
+    const DecodedItem* controlItem = find(control);
     const auto* kept = controlItem ? std::get_if<KeptObject>(controlItem->decoded.get()) : nullptr;
     if (kept != nullptr && kept->common.extensionDictionary != 0) {
         out.tag(102, "{ACAD_XDICTIONARY");
@@ -391,12 +479,13 @@ void Drawing::writeTable(const char* name, std::int32_t recordType, std::uint64_
         for (std::uint64_t style : styles) out.handle(340, style);
     }
     if (kept != nullptr) writeExtendedData(kept->common);
-    for (const Item& item : items) {
+    for (const DecodedItem& d : decodedItems) {
+        const Item& item = items[d.item];
         if (item.type != recordType) continue;
-        if (const auto* layer = std::get_if<LayerRecord>(item.decoded.get())) {
+        if (const auto* layer = std::get_if<LayerRecord>(d.decoded.get())) {
             WriteLayer(out, *layer, names);
             writeExtendedData(layer->entry.common);
-        } else if (const auto* block = std::get_if<BlockHeaderRecord>(item.decoded.get())) {
+        } else if (const auto* block = std::get_if<BlockHeaderRecord>(d.decoded.get())) {
             WriteBlockRecord(out, *block, names.name(names.blocks, item.handle));
             writeExtendedData(block->entry.common);
         } else {
@@ -427,15 +516,16 @@ void Drawing::writeEntity(DxfText& to, ItemIndex index, std::uint64_t owner) {
     Item& item = items[index];
     item.written = true;
     DecodedObject again;
-    if (!item.decoded && !decodeAgain(item, again)) return;
-    const DecodedObject& decoded = item.decoded ? *item.decoded : again;
+    const DecodedObject* kept = decodedOf(index);
+    if (kept == nullptr && !decodeAgain(item, again)) return;
+    const DecodedObject& decoded = kept != nullptr ? *kept : again;
     const std::string type = typeName(item);
     if (plainEntities && to.takesPlain() && !owned.contains(item.handle)) {
         // Built here, on the helper thread when there is one; the feed adds it.
         dxf::PlainEntity plain;
         if (PlainEntityOf(decoded, type, owner, names, plain)) {
             std::unique_ptr<AcDbEntity> built = dxf::BuildPlainEntity(plain);
-            if (built && to.plain(plain, std::move(built), index)) return;
+            if (built && to.plain(std::move(plain), std::move(built), index)) return;
         }
     }
     writeRecord(to, item, decoded, type, owner);
@@ -463,32 +553,22 @@ void Drawing::writeRefusedPlain(DxfText& to, ItemIndex index, std::uint64_t owne
     if (decodeAgain(item, decoded)) writeRecord(to, item, decoded, typeName(item), owner);
 }
 
-// Entities in the order of the block record's list, those it does not list after them.
-void Drawing::sortByRank(std::vector<ItemIndex>& entities, const BlockHeaderRecord& block) const {
-    std::unordered_map<std::uint64_t, std::size_t> rank;
-    for (std::size_t k = 0; k < block.entities.size(); ++k) rank.emplace(block.entities[k], k);
-    std::vector<std::pair<std::size_t, ItemIndex>> ranked;  // rank, item
-    ranked.reserve(entities.size());
-    for (ItemIndex i : entities) {
-        const auto r = rank.find(items[i].handle);
-        ranked.emplace_back(r == rank.end() ? block.entities.size() : r->second, i);
-    }
-    std::stable_sort(ranked.begin(), ranked.end(),
-                     [](const auto& a, const auto& b) { return a.first < b.first; });
-    for (std::size_t k = 0; k < ranked.size(); ++k) entities[k] = ranked[k].second;
-}
-
 // A block's entities in the order its record lists them (2004 on), which is the drawing's
 // order; the others (a record without the list) in the order of their handles.
 void Drawing::writeEntities(std::uint64_t owner) {
     const auto it = owned.find(owner);
     if (it == owned.end()) return;
-    // Sorted in place: a sort again gives the same order, and a copy of the largest list would
-    // be held while its entities are built.
+    // Sorted where the map holds it: a sort again gives the same order, and a copy of the
+    // largest list would be held while its entities are built.
     std::vector<ItemIndex>& entities = it->second;
-    const Item* record = find(owner);
-    const auto* block = record ? std::get_if<BlockHeaderRecord>(record->decoded.get()) : nullptr;
-    if (block != nullptr && !block->entities.empty()) sortByRank(entities, *block);
+    const DecodedItem* record = find(owner);
+    auto* block = record ? std::get_if<BlockHeaderRecord>(record->decoded.get()) : nullptr;
+    if (block != nullptr && !block->entities.empty()) {
+        SortByListedPlace(entities, block->entities, [&](ItemIndex i) { return items[i].handle; });
+        // Nothing reads the record's list again, and a large block's would be held while its
+        // entities are built.
+        std::vector<std::uint64_t>().swap(block->entities);
+    }
     if (entities.size() >= 2 * kEntityBatch && out.feeds() && std::thread::hardware_concurrency() > 1) {
         writeEntitiesAlongside(entities, owner);
         return;
@@ -519,12 +599,13 @@ void Drawing::writeEntitiesAlongside(const std::vector<ItemIndex>& entities, std
 void Drawing::writeBlocks() {
     out.tag(0, "SECTION");
     out.tag(2, "BLOCKS");
-    for (const Item& item : items) {
-        const auto* block = std::get_if<BlockHeaderRecord>(item.decoded.get());
+    for (const DecodedItem& d : decodedItems) {
+        const auto* block = std::get_if<BlockHeaderRecord>(d.decoded.get());
         if (block == nullptr) continue;
+        const Item& item = items[d.item];
         const std::string name = names.name(names.blocks, item.handle);
-        const Item* begin = find(block->blockEntity);
-        const Item* end = find(block->endBlock);
+        const DecodedItem* begin = find(block->blockEntity);
+        const DecodedItem* end = find(block->endBlock);
         const auto* beginRecord =
             begin ? std::get_if<BlockBeginRecord>(begin->decoded.get()) : nullptr;
         WriteBlockBegin(out, *block, name, beginRecord, item.handle, names);
@@ -532,7 +613,7 @@ void Drawing::writeBlocks() {
             writeEntities(item.handle);
         }
         const EntityCommon* endCommon =
-            end && end->decoded ? EntityCommonOf(*end->decoded) : nullptr;
+            end ? EntityCommonOf(*end->decoded) : nullptr;
         WriteBlockEnd(out, endCommon, item.handle, names);
     }
     out.tag(0, "ENDSEC");
@@ -541,25 +622,28 @@ void Drawing::writeBlocks() {
 void Drawing::writeObjects() {
     out.tag(0, "SECTION");
     out.tag(2, "OBJECTS");
-    const Item* named = find(header.handles.namedObjects);
-    if (named != nullptr && named->decoded) {
-        WriteObject(out, *named->decoded, typeName(*named), named->handle);
+    const DecodedItem* named = find(header.handles.namedObjects);
+    if (named != nullptr) {
+        const Item& item = items[named->item];
+        WriteObject(out, *named->decoded, typeName(item), item.handle, names);
         if (const ObjectCommon* common = ModelledObjectCommonOf(*named->decoded)) writeExtendedData(*common);
     }
-    for (const Item& item : items) {
-        if (&item == named || IsControl(item.type) || IsTableRecord(item.type) || item.entity ||
+    for (const DecodedItem& d : decodedItems) {
+        const Item& item = items[d.item];
+        if (&d == named || IsControl(item.type) || IsTableRecord(item.type) || item.entity ||
             IsEntityType(item.type, classes)) {
             continue;
         }
-        WriteObject(out, *item.decoded, typeName(item), item.handle);
-        if (const ObjectCommon* common = ModelledObjectCommonOf(*item.decoded)) writeExtendedData(*common);
+        WriteObject(out, *d.decoded, typeName(item), item.handle, names);
+        if (const ObjectCommon* common = ModelledObjectCommonOf(*d.decoded)) writeExtendedData(*common);
     }
     out.tag(0, "ENDSEC");
 }
 
 void Drawing::takeErasedEntries(std::vector<ErasedEntries>& erased) const {
-    for (const Item& item : items) {
-        const auto* control = std::get_if<KeptObject>(item.decoded.get());
+    for (const DecodedItem& d : decodedItems) {
+        const Item& item = items[d.item];
+        const auto* control = std::get_if<KeptObject>(d.decoded.get());
         if (control == nullptr || !IsControl(item.type)) continue;
         ErasedEntries entries{item.handle, {}};
         int place = 0;
@@ -586,15 +670,17 @@ void Drawing::takeDimensionStyleColors(std::vector<DimensionStyleColors>& out) c
 void Drawing::takeKept(std::vector<KeptData>& kept) {
     // The block records' references and the layouts' viewports, by the object listed.
     std::unordered_map<std::uint64_t, std::uint64_t> listedBy;
-    for (const Item& item : items) {
-        if (const auto* block = std::get_if<BlockHeaderRecord>(item.decoded.get())) {
-            for (std::uint64_t insert : block->inserts) listedBy.emplace(insert, item.handle);
-        } else if (const auto* layout = std::get_if<LayoutRecord>(item.decoded.get())) {
-            for (std::uint64_t viewport : layout->viewports) listedBy.emplace(viewport, item.handle);
+    for (const DecodedItem& d : decodedItems) {
+        const std::uint64_t handle = items[d.item].handle;
+        if (const auto* block = std::get_if<BlockHeaderRecord>(d.decoded.get())) {
+            for (std::uint64_t insert : block->inserts) listedBy.emplace(insert, handle);
+        } else if (const auto* layout = std::get_if<LayoutRecord>(d.decoded.get())) {
+            for (std::uint64_t viewport : layout->viewports) listedBy.emplace(viewport, handle);
         }
     }
-    for (Item& item : items) {
-        auto* whole = std::get_if<KeptObject>(item.decoded.get());
+    for (DecodedItem& d : decodedItems) {
+        const Item& item = items[d.item];
+        auto* whole = std::get_if<KeptObject>(d.decoded.get());
         if (whole == nullptr || IsControl(item.type) || IsTableRecord(item.type)) continue;
         const auto by = listedBy.find(item.handle);
         kept.push_back({item.handle, typeName(item), std::move(whole->bytes), by == listedBy.end() ? 0 : by->second});
@@ -631,7 +717,7 @@ bool WriteDrawing(Drawing& drawing, std::vector<KeptData>& kept, MapError& error
 
 bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<KeptData>& kept,
                   MapError& error) {
-    Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}, {}, false, {}, false};
+    Drawing drawing(sections, DxfText(), false);
     if (!WriteDrawing(drawing, kept, error)) return false;
     dxf = drawing.out.take();
     return true;
@@ -640,7 +726,7 @@ bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<Kep
 bool DwgToRecords(const DwgSections& sections, dxf::RecordFeed& feed, std::vector<KeptData>& kept,
                   std::vector<ErasedEntries>& erased, std::vector<DimensionStyleColors>& colors,
                   MapError& error, bool plainEntities) {
-    Drawing drawing{sections, {}, {}, {}, {}, {}, {}, {}, DxfText(&feed), plainEntities, {}, false};
+    Drawing drawing(sections, DxfText(&feed), plainEntities);
     if (!WriteDrawing(drawing, kept, error)) return false;
     drawing.takeErasedEntries(erased);
     drawing.takeDimensionStyleColors(colors);

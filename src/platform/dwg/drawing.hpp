@@ -53,12 +53,14 @@ struct DimensionStyleColors {
 
 // False with the offset (in the section named by the reason) and the reason when a section
 // does not decode. The objects whose records are their head only are appended to `kept`
-// (symbol table records and control objects are written whole and are not among them).
+// (symbol table records and control objects are written whole and are not among them). All
+// on this thread: the plain way that the records handed to a feed are tested against.
 bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<KeptData>& kept,
                   MapError& error);
 // The same records handed to the feed one at a time, as they are made; the tables' erased
 // entries and the dimension styles' true colours, which no record holds, go to `erased` and
-// `colors`. Plain entities (see dxf::PlainEntity) go by their values, unless plainEntities is
+// `colors`. A large drawing's objects are decoded, and its entities written, partly on a helper
+// thread. Plain entities (see dxf::PlainEntity) go by their values, unless plainEntities is
 // false: the path they are tested against.
 bool DwgToRecords(const DwgSections& sections, dxf::RecordFeed& feed, std::vector<KeptData>& kept,
                   std::vector<ErasedEntries>& erased, std::vector<DimensionStyleColors>& colors,

@@ -69,7 +69,7 @@ void DxfText::handTo(DxfText& to, const RecordWriter& writeRecord) {
     while (i < spans_.size()) {
         if (spans_[i].code == kPlain) {
             Plain& p = plains_[spans_[i++].begin];
-            if (!to.plain(p.entity, std::move(p.built), p.item)) writeRecord(to, p.item);
+            if (!to.plain(std::move(p.entity), std::move(p.built), p.item)) writeRecord(to, p.item);
             continue;
         }
         const std::size_t begin = i;
@@ -88,10 +88,10 @@ void DxfText::handTo(DxfText& to, const RecordWriter& writeRecord) {
     out_.clear();
 }
 
-bool DxfText::plain(const dxf::PlainEntity& entity, std::unique_ptr<AcDbEntity> built, std::uint32_t item) {
+bool DxfText::plain(dxf::PlainEntity&& entity, std::unique_ptr<AcDbEntity> built, std::uint32_t item) {
     if (keep_) {
         spans_.push_back({kPlain, plains_.size(), 0, {}});
-        plains_.push_back({entity, std::move(built), item});
+        plains_.push_back({std::move(entity), std::move(built), item});
         return true;
     }
     if (feed_ == nullptr) return false;
@@ -710,13 +710,39 @@ void ObjectBody(DxfText& out, const GroupRecord& g) {
     for (auto h : g.entities) out.handle(340, h);
 }
 
+// A line's linetype as DXF names it: by layer in capitals, as AutoCAD writes it, whatever the
+// case of the table's entry (see MLineStyleInDxfTerms for the lines decoded).
+std::string_view MLineLinetype(const MLineStyleLine& line, const NameIndex& names) {
+    if (line.linetype == 0) return "BYLAYER";
+    const std::string& name = names.name(names.linetypes, line.linetype);
+    if (SameAsciiNoCase(name, "ByLayer")) return "BYLAYER";
+    if (SameAsciiNoCase(name, "ByBlock")) return "BYBLOCK";
+    return name;
+}
+
+void ObjectBody(DxfText& out, const MLineStyleRecord& s, const NameIndex& names) {
+    out.tag(100, "AcDbMlineStyle");
+    out.tag(2, s.name);
+    out.integer(70, s.flags);
+    out.tag(3, s.description);
+    out.integer(62, s.fill.index);
+    out.angle(51, s.startAngle);
+    out.angle(52, s.endAngle);
+    out.integer(71, static_cast<long long>(s.lines.size()));
+    for (const MLineStyleLine& line : s.lines) {
+        out.tag(49, line.offset);
+        out.integer(62, line.color.index);
+        out.tag(6, MLineLinetype(line, names));
+    }
+}
+
 void ObjectBody(DxfText&, const PlaceHolderRecord&) {}
 void ObjectBody(DxfText&, const KeptObject&) {}
 
 }  // namespace
 
 void WriteObject(DxfText& out, const DecodedObject& decoded, const std::string& typeName,
-                 std::uint64_t handle) {
+                 std::uint64_t handle, const NameIndex& names) {
     if (const auto* l = std::get_if<LayoutRecord>(&decoded)) {
         WriteLayout(out, *l, typeName);
         return;
@@ -726,6 +752,10 @@ void WriteObject(DxfText& out, const DecodedObject& decoded, const std::string& 
             if constexpr (requires { ObjectBody(out, r); r.common.owner; }) {
                 Head(out, typeName, r.common, r.common.owner);
                 ObjectBody(out, r);
+                return true;
+            } else if constexpr (requires { ObjectBody(out, r, names); }) {
+                Head(out, typeName, r.common, r.common.owner);
+                ObjectBody(out, r, names);
                 return true;
             } else {
                 return false;

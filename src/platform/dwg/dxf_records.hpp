@@ -40,8 +40,9 @@ public:
     bool takesPlain() const { return feed_ != nullptr || keep_; }
     // A plain entity built from its values (see dxf::BuildPlainEntity), the drawing's item
     // given: kept in its place, or handed to the feed. False when it needs its record, which is
-    // then to be written here.
-    bool plain(const dxf::PlainEntity& entity, std::unique_ptr<AcDbEntity> built, std::uint32_t item);
+    // then to be written here. The values are moved here when kept (a polyline's vertices are
+    // not copied).
+    bool plain(dxf::PlainEntity&& entity, std::unique_ptr<AcDbEntity> built, std::uint32_t item);
     void tag(int code, std::string_view value);
     void tag(int code, double value);
     void integer(int code, long long value);
@@ -113,8 +114,8 @@ void WriteHead(DxfText& out, const std::string& type, const ObjectCommon& c, std
 void WriteEntity(DxfText& out, const DecodedObject& decoded, const std::string& typeName,
                  std::uint64_t owner, const NameIndex& names);
 
-// A non-graphical object of the OBJECTS section.
+// A non-graphical object of the OBJECTS section; the names are those of the linetypes it uses.
 void WriteObject(DxfText& out, const DecodedObject& decoded, const std::string& typeName,
-                 std::uint64_t handle);
+                 std::uint64_t handle, const NameIndex& names);
 
 }  // namespace dwg

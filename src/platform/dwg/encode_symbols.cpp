@@ -12,7 +12,6 @@
 namespace dwg {
 namespace {
 
-constexpr std::int32_t kMLineStyle = 73;
 constexpr std::int32_t kDimStyleControl = 68;
 
 void WriteStyle(BitWriter& d, const SymbolRecord& r) {

@@ -7,6 +7,7 @@
 
 #include "platform/dwg/encode_object.hpp"
 #include "platform/dwg/layout.hpp"
+#include "platform/dwg/small_kinds.hpp"
 #include "platform/dwg/symbols.hpp"
 #include "platform/dwg/xrecord.hpp"
 
@@ -21,22 +22,6 @@ struct ControlRecord {
     std::vector<std::uint64_t> apart;
     // The dimension style table's second list of its styles (hard pointers), in its own order.
     std::vector<std::uint64_t> styles;
-};
-
-// One line of a multiline style.
-struct MLineStyleLine {
-    double offset = 0;
-    Color color;
-    std::int16_t linetypeIndex = 0;
-};
-
-struct MLineStyleRecord {
-    ObjectCommon common;
-    std::string name, description;
-    std::int16_t flags = 0;
-    Color fill;
-    double startAngle = 0, endAngle = 0;
-    std::vector<MLineStyleLine> lines;
 };
 
 std::vector<std::uint8_t> EncodeControl(const ControlRecord& control,

@@ -19,7 +19,7 @@ enum ObjectType : std::int32_t {
     kEllipse = 35, kSpline = 36, kMText = 44, kLeader = 45, kLwPolyline = 77, kHatch = 78,
     kDictionary = 42, kBlockControl = 48, kBlockHeader = 49, kLayerControl = 50, kLayer = 51,
     kStyleControl = 52, kStyle = 53, kLinetypeControl = 56, kLinetype = 57,
-    kDimensionStyle = 69, kXRecord = 79, kLayout = 82, kRay = 40, kXLine = 41, kGroup = 72,
+    kDimensionStyle = 69, kXRecord = 79, kLayout = 82, kRay = 40, kXLine = 41, kGroup = 72, kMLineStyle = 73,
     kPlaceHolder = 80, kView = 61, kUcs = 63, kViewport = 65, kAppId = 67, kProxyEntity = 498
 };
 

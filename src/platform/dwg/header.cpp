@@ -3,6 +3,7 @@
 #include "platform/dwg/common.hpp"
 #include "platform/dwg/framed_section.hpp"
 #include "platform/dwg/object_stream.hpp"
+#include "platform/ed/utilities.hpp"
 
 namespace dwg {
 namespace {
@@ -230,6 +231,32 @@ void ReadDimensionFormats(Streams& r, DimensionVariables& m) {
     m.lwe = r.d.BS();
 }
 
+}  // namespace
+
+std::int16_t NearestColorIndex(std::uint32_t rgb) {
+    // acedGetRGB gives red + green * 256 + blue * 65536: the channels in the other order.
+    auto distance = [&](DWORD palette) {
+        int sum = 0;
+        for (int channel = 0; channel < 3; ++channel) {
+            const int d = static_cast<int>((rgb >> (16 - 8 * channel)) & 0xFF) - static_cast<int>((palette >> (8 * channel)) & 0xFF);
+            sum += d * d;
+        }
+        return sum;
+    };
+    std::int16_t nearest = 1;
+    int least = distance(acedGetRGB(1));
+    for (std::int16_t index = 2; index <= 255; ++index) {
+        const int d = distance(acedGetRGB(index));
+        if (d < least) {
+            nearest = index;
+            least = d;
+        }
+    }
+    return nearest;
+}
+
+namespace {
+
 void ReadDimensionVariablesOf(Streams& r, DimensionVariables& m) {
     if (r.v >= Version::kR2000) {
         m.post = r.s.T();
@@ -238,9 +265,11 @@ void ReadDimensionVariablesOf(Streams& r, DimensionVariables& m) {
         ReadR14DimensionSwitches(r, m);
     }
     ReadDimensionSizes(r, m);
-    m.clrd = r.d.CMC(r.s);
-    m.clre = r.d.CMC(r.s);
-    m.clrt = r.d.CMC(r.s);
+    for (Color* color : {&m.clrd, &m.clre, &m.clrt}) {
+        *color = r.d.CMC(r.s);
+        // A true colour's record gives the index nearest it, as AutoCAD's DXF does.
+        if ((color->rgb >> 24) == 0xC2) color->index = NearestColorIndex(color->rgb & 0xFFFFFF);
+    }
     if (r.v >= Version::kR2000) ReadDimensionFormats(r, m);
 }
 

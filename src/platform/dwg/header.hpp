@@ -76,6 +76,10 @@ struct HeaderVariables {
 
 // The dimension variables as the header and the dimension style records store them: values,
 // strings and handles from their streams (one and the same before 2007).
+// The colour index (1 to 255) whose palette colour is nearest the true colour 0xRRGGBB, by the
+// distance of their red, green and blue; the lowest of those as near.
+std::int16_t NearestColorIndex(std::uint32_t rgb);
+
 void ReadDimensionVariables(BitReader& values, BitReader& strings, BitReader& handles,
                             DimensionVariables& out);
 

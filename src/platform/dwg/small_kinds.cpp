@@ -1,5 +1,8 @@
 #include "platform/dwg/small_kinds.hpp"
 
+#include <algorithm>
+#include <cctype>
+
 namespace dwg {
 namespace {
 
@@ -69,6 +72,39 @@ bool ReadGroup(ObjectStreams& o, GroupRecord& out) {
         out.entities.push_back(ReadHandle(o));
     }
     return Ok(o);
+}
+
+bool ReadMLineStyle(ObjectStreams& o, MLineStyleRecord& out) {
+    ReadObjectCommon(o, out.common);
+    BitReader& d = o.data;
+    out.name = o.text().T();
+    out.description = o.text().T();
+    out.flags = d.BS();
+    out.fill = d.CMC(o.text());
+    out.startAngle = d.BD();
+    out.endAngle = d.BD();
+    const unsigned count = d.RC();
+    for (unsigned i = 0; i < count && !d.failed(); ++i) {
+        MLineStyleLine& line = out.lines.emplace_back();
+        line.offset = d.BD();
+        line.color = d.CMC(o.text());
+        if (d.version() >= Version::kR2018) line.linetype = ReadHandle(o);
+        else line.linetypeIndex = d.BS();
+    }
+    return Ok(o);
+}
+
+bool MLineStyleInDxfTerms(const MLineStyleRecord& style) {
+    auto plain = [](const Color& c) { return (c.rgb >> 24) != 0xC2 && c.flags == 0; };
+    return plain(style.fill) && std::all_of(style.lines.begin(), style.lines.end(), [&](const MLineStyleLine& line) {
+               return plain(line.color) && (line.linetype != 0 || line.linetypeIndex == kLinetypeIndexByLayer);
+           });
+}
+
+bool SameAsciiNoCase(std::string_view a, std::string_view b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
+        return std::tolower(static_cast<unsigned char>(x)) == std::tolower(static_cast<unsigned char>(y));
+    });
 }
 
 bool ReadPlaceHolder(ObjectStreams& o, PlaceHolderRecord& out) {

@@ -648,6 +648,9 @@ MLineStyleRecord MLineStyleOf(const SourceRecord& r, WriteContext& c) {
             s.lines.back().color = CmcColor(index, one, -1);
         } else if (code == 62) {
             first = false;
+        } else if (code == 6 && !s.lines.empty() && SameAsciiNoCase(value, "BYLAYER")) {
+            // By layer, as AutoCAD stores it; what index another linetype takes is not known here.
+            s.lines.back().linetypeIndex = kLinetypeIndexByLayer;
         }
     }
     return s;

@@ -4,6 +4,8 @@
 #include <charconv>
 #include <cmath>
 #include <map>
+#include <string>
+#include <tuple>
 #include <type_traits>
 
 #include "platform/db/arc.hpp"
@@ -611,9 +613,28 @@ std::wstring ReadEntityFields(AcDbEntity& e, AcDbDatabase& db) {
 
 namespace {
 
-// The common properties read as ReadCommon reads the record's tags. The linetype scale is a real
-// written as its shortest text, which reads back as the same number.
-void ReadPlainCommon(AcDbEntity& e, const PlainEntity& p) {
+// The look a new entity takes from the record's layer (8), colour index (62, when not 256) and
+// lineweight (370, when not -1), as ReadCommon reads those tags into e's look. A drawing has few such looks:
+// each is made once on a thread and kept for it, keyed by the three values.
+using PlainLookKey = std::tuple<int, int, std::string>;  // colour index, lineweight, layer
+
+// Orders the keys kept and the one looked for (its layer a view) alike.
+struct PlainLookOrder {
+    using is_transparent = void;
+    template <typename Layer>
+    static std::tuple<int, int, std::string_view> View(const std::tuple<int, int, Layer>& key) {
+        return {std::get<0>(key), std::get<1>(key), std::get<2>(key)};
+    }
+    template <typename A, typename B>
+    bool operator()(const A& a, const B& b) const {
+        return View(a) < View(b);
+    }
+};
+
+const AcDbEntityLook& PlainLook(AcDbEntity& e, const PlainEntity& p) {
+    thread_local std::map<PlainLookKey, AcDbEntityLook, PlainLookOrder> looks;
+    const auto key = std::make_tuple(p.colorIndex, p.lineweight, p.layer);
+    if (const auto it = looks.find(key); it != looks.end()) return it->second;
     char digits[24];
     AcDbEntityLook look = e.look();
     auto integer = [&](int code, long long value) {
@@ -622,12 +643,22 @@ void ReadPlainCommon(AcDbEntity& e, const PlainEntity& p) {
     ReadCommon(e, look, "AcDbEntity", {8, p.layer});
     if (p.colorIndex != 256) integer(62, p.colorIndex);
     if (p.lineweight != -1) integer(370, p.lineweight);
-    e.setLook(look);
+    return looks.emplace(PlainLookKey(p.colorIndex, p.lineweight, p.layer), look).first->second;
+}
+
+// The common properties read as ReadCommon reads the record's tags. The linetype scale is a real
+// written as its shortest text, which reads back as the same number.
+void ReadPlainCommon(AcDbEntity& e, const PlainEntity& p) {
+    e.setLook(PlainLook(e, p));
     if (p.linetypeScale != 1.0) e.setLinetypeScale(p.linetypeScale);
 }
 
-// An angle as read from the degrees the record gives it in.
+// An angle as read from the degrees the record gives it in. Radians reads the degrees that
+// FormatAngle makes of a finite angle back to the same radians (see angle_text.hpp), so only a
+// zero (written "0.0", read as a positive zero) and the angles that are no numbers change.
 double PlainAngle(double radians) {
+    if (radians == 0.0) return 0.0;
+    if (std::isfinite(radians)) return radians;
     thread_local std::string degrees;
     degrees.clear();
     FormatAngle(radians, degrees);

@@ -12,12 +12,15 @@
 
 #include "platform/db/block_table_record.hpp"
 #include "platform/db/database.hpp"
+#include "platform/db/line.hpp"
 #include "platform/dwg/container.hpp"
 #include "platform/dwg/corpus_files.hpp"
 #include "platform/dwg/filed_objects.hpp"
+#include "platform/dwg/encode_sections.hpp"
 #include "platform/dwg/entities.hpp"
 #include "platform/dwg/object_builder.hpp"
 #include "platform/dwg/object_stream.hpp"
+#include "platform/dwg/write.hpp"
 #include "platform/dxf/dxf.hpp"
 #include "platform/win/codepage.hpp"
 
@@ -172,6 +175,141 @@ TEST(DwgRead, an_entity_whose_values_do_not_decode_fails_the_read_wherever_it_be
         EXPECT_EQ(Utf8FromWide(db.lastError()), "bad.dwg: offset " + std::to_string(replaced.offset) +
                                                      ": object " + std::to_string(replaced.handle) +
                                                      " (LINE) does not hold what its type needs");
+        EXPECT_TRUE(db.stubs().empty());
+    }
+}
+
+// How the object map of a test lists the dimension style table's control object: twice, once
+// and then a LINE under its handle, or (the last of the objects of) the next handle up only.
+enum class ControlListed { kTwice, kThenALineUnderItsHandle, kUnderTheNextHandleOnly };
+
+// The drawing's DXF text with its object map changed so.
+std::string TextWithControlListed(const std::vector<std::uint8_t>& file, ControlListed listed) {
+    dwg::DwgSections sections = dwg_test::FileSections(file);
+    std::vector<dwg::ObjectLocation> map;
+    dwg::MapError error;
+    EXPECT_TRUE(dwg::ParseObjectMap(sections.objectMap, map, error));
+    std::size_t control = map.size();
+    std::int64_t line = -1;
+    for (std::size_t k = 0; k < map.size(); ++k) {
+        dwg::ObjectStreams o;
+        if (!dwg::OpenObject(sections.objects, map[k].offset, sections.version, sections.codePage, o, error)) continue;
+        if (o.type == dwg::kDimensionStyle - 1) control = k;
+        if (o.type == dwg::kLine) line = map[k].offset;
+    }
+    EXPECT_LT(control, map.size());
+    EXPECT_GE(line, 0);
+    if (control == map.size()) return "";
+    const auto at = map.begin() + static_cast<std::ptrdiff_t>(control);
+    if (listed == ControlListed::kUnderTheNextHandleOnly) {
+        const dwg::ObjectLocation moved{at->handle + 1, at->offset};
+        map.erase(at);
+        const auto after = std::upper_bound(map.begin(), map.end(), moved.handle,
+                                            [](std::uint64_t h, const dwg::ObjectLocation& l) { return h < l.handle; });
+        map.insert(after, moved);
+    } else {
+        map.insert(at + 1, {at->handle, listed == ControlListed::kTwice ? at->offset : line});
+    }
+    const std::vector<std::uint8_t> objectMap = dwg::EncodeObjectMap(map);
+    sections.objectMap = objectMap;
+    std::string text;
+    std::vector<dwg::KeptData> kept;
+    EXPECT_TRUE(dwg::DwgToDxfText(sections, text, kept, error)) << error.reason;
+    return text;
+}
+
+// An object is looked up by its handle, and of two objects the map lists under one handle the
+// later is the one found: the dimension style table's control object gives the table its list
+// of styles, unless a LINE listed later under its handle hides it or it is not under its handle.
+TEST(DwgDrawing, of_two_objects_under_one_handle_the_later_is_the_one_looked_up) {
+    const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_2000.dwg"));
+    const std::string listOfStyles = "\nAcDbDimStyleTable\n";
+    EXPECT_NE(TextWithControlListed(file, ControlListed::kTwice).find(listOfStyles), std::string::npos);
+    EXPECT_EQ(TextWithControlListed(file, ControlListed::kThenALineUnderItsHandle).find(listOfStyles),
+              std::string::npos);
+    EXPECT_EQ(TextWithControlListed(file, ControlListed::kUnderTheNextHandleOnly).find(listOfStyles),
+              std::string::npos);
+}
+
+// Objects other than entities are decoded whole by the first pass over the map: a table
+// record whose values do not decode fails the read there, named by its handle and kind.
+TEST(DwgRead, a_table_record_whose_values_do_not_decode_fails_the_read) {
+    const auto file = dwg_test::ReadFileBytes(dwg_test::CorpusPath("example_2000.dwg"));
+    const dwg::DwgSections sections = dwg_test::FileSections(file);
+    std::vector<dwg::ObjectLocation> map;
+    dwg::MapError error;
+    ASSERT_TRUE(dwg::ParseObjectMap(sections.objectMap, map, error));
+    for (const dwg::ObjectLocation& at : map) {
+        dwg::ObjectStreams o;
+        if (!dwg::OpenObject(sections.objects, at.offset, sections.version, sections.codePage, o, error) ||
+            o.type != dwg::kLayer)
+            continue;
+        dwg_test::ObjectParts p;
+        p.version = dwg::Version::kR2000;
+        p.type = dwg::kLayer;
+        p.handle = at.handle;
+        p.values.BS(0);  // no extended data, and nothing of the record after it
+        const auto layer = dwg_test::BuildObject(p);
+        ASSERT_LE(layer.size(), o.size + 4);
+        std::vector<std::uint8_t> objects(sections.objects.begin(), sections.objects.end());
+        std::copy(layer.begin(), layer.end(), objects.begin() + at.offset);
+        dwg::DwgSections bad = sections;
+        bad.objects = objects;
+        AcDbDatabase db(true, true);
+        EXPECT_EQ(dwg::ReadDwgSections(db, bad, "bad.dwg"), Acad::eDwgNeedsRecovery);
+        EXPECT_EQ(Utf8FromWide(db.lastError()), "bad.dwg: offset " + std::to_string(at.offset) + ": object " +
+                                                     std::to_string(at.handle) +
+                                                     " (LAYER) does not hold what its type needs");
+        return;
+    }
+    FAIL() << "no LAYER in the drawing";
+}
+
+// A drawing of 2004 with `lines` LINEs in model space, as our writer makes it.
+std::vector<std::uint8_t> ManyLines(int lines) {
+    AcDbDatabase db;
+    AcDbBlockTable* blocks = nullptr;
+    db.getSymbolTable(blocks, AcDb::kForRead);
+    AcDbBlockTableRecord* model = nullptr;
+    blocks->getAt(ACDB_MODEL_SPACE, model, AcDb::kForWrite);
+    blocks->close();
+    for (int i = 0; i < lines; ++i) {
+        auto* line = new AcDbLine(AcGePoint3d(i, 0, 0), AcGePoint3d(i, 1, 0));
+        AcDbObjectId id;
+        model->appendAcDbEntity(id, line);
+        line->close();
+    }
+    model->close();
+    std::vector<std::uint8_t> file;
+    dwg::DwgWriteReport report;
+    EXPECT_EQ(dwg::WriteDwgBytes(db, 1252, file, report), Acad::eOk);
+    return file;
+}
+
+// A large drawing's objects are first read on two threads, a chunk at a time: of the damaged
+// objects, the read names the first in the map, whichever thread meets which.
+TEST(DwgRead, of_damaged_objects_of_a_large_drawing_the_first_in_the_map_is_named) {
+    const auto file = ManyLines(3 * 2048 + 500);
+    dwg::DwgContainer container;
+    dwg::MapError error;
+    ASSERT_TRUE(dwg::ReadDwgContainer(file, container, error)) << error.reason;
+    const dwg::DwgSections sections = dwg::SectionsOf(container, file);
+    std::vector<dwg::ObjectLocation> map;
+    ASSERT_TRUE(dwg::ParseObjectMap(sections.objectMap, map, error));
+    ASSERT_GT(map.size(), 3u * 2048);
+    const std::size_t last = map.size() - 1;
+    const std::vector<std::vector<std::size_t>> damages = {
+        {10}, {2048 + 5}, {last}, {10, 4100}, {2100, 4100}, {2047, 2048}, {4100, last}};
+    for (const auto& damaged : damages) {
+        SCOPED_TRACE(testing::PrintToString(damaged));
+        std::vector<std::uint8_t> objects(sections.objects.begin(), sections.objects.end());
+        for (const std::size_t k : damaged) objects[static_cast<std::size_t>(map[k].offset) + 4] ^= 0x5A;
+        dwg::DwgSections bad = sections;
+        bad.objects = objects;
+        AcDbDatabase db(false, true);
+        EXPECT_EQ(dwg::ReadDwgSections(db, bad, "bad.dwg"), Acad::eDwgNeedsRecovery);
+        EXPECT_EQ(Utf8FromWide(db.lastError()),
+                  "bad.dwg: offset " + std::to_string(map[damaged.front()].offset) + ": object CRC mismatch");
         EXPECT_TRUE(db.stubs().empty());
     }
 }

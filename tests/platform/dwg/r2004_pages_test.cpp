@@ -134,8 +134,9 @@ TEST(DwgPageChecksum, long_data_sums_as_byte_by_byte) {
         state = state * 1103515245u + 12345u;
         b = static_cast<std::uint8_t>(state >> 16);
     }
-    for (const std::size_t length : {15u, 16u, 17u, 31u, 33u, 0x15AFu, 0x15B0u, 0x15B1u, 0x15C0u,
-                                     2u * 0x15B0 + 7, static_cast<unsigned>(data.size())}) {
+    std::vector<std::size_t> lengths{0x15AF, 0x15B0, 0x15B1, 0x15B8, 0x15C0, 2 * 0x15B0 + 7, data.size()};
+    for (std::size_t length = 0; length <= 40; ++length) lengths.push_back(length);
+    for (const std::size_t length : lengths) {
         const std::span<const std::uint8_t> part(data.data(), length);
         for (const std::uint32_t seed : {0u, 0xFFF0FFF0u, 0x12345678u}) {
             EXPECT_EQ(PageChecksum(seed, part), byteByByte(seed, part)) << length << " " << seed;

@@ -141,7 +141,7 @@ TEST(DwgDxfText, xrecord_groups_past_the_last_dxf_code_are_left_out) {
     x.common.owner = 0x7;
     x.groups = {{1, "kept"}, {1071, "12"}, {1072, "dropped"}, {5005, "dropped"}};
     dwg::DxfText out;
-    dwg::WriteObject(out, x, "XRECORD", 0x8);
+    dwg::WriteObject(out, x, "XRECORD", 0x8, {});
     EXPECT_NE(out.text().find("\n1\nkept\n"), std::string::npos);
     EXPECT_NE(out.text().find("\n1071\n12\n"), std::string::npos);
     EXPECT_EQ(out.text().find("dropped"), std::string::npos);
@@ -160,7 +160,7 @@ TEST(DwgDxfText, layout_shade_plot_values_follow_the_scale_factor_from_2004) {
         layout.plot.shadeResolution = 2;
         layout.plot.scaleFactor = 0.5;
         dwg::DxfText out;
-        dwg::WriteObject(out, layout, "LAYOUT", 0x22);
+        dwg::WriteObject(out, layout, "LAYOUT", 0x22, {});
         const std::string& t = out.text();
         const auto scale = t.find("\n147\n0.5\n");
         ASSERT_NE(scale, std::string::npos);

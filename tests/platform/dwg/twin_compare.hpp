@@ -99,7 +99,7 @@ private:
         // The kinds kept as their DXF groups: compared group by group.
         static const std::wstring kByGroups[] = {L"XRECORD", L"AcDbHatch", L"DICTIONARYVAR",
                                                  L"SCALE", L"GROUP", L"AcDbFace", L"AcDbRay",
-                                                 L"AcDbXline", L"LAYOUT"};
+                                                 L"AcDbXline", L"LAYOUT", L"MLINESTYLE"};
         for (const auto& kind : kByGroups) {
             if (kindOf(a) == kind) data(a.fileTags(), b.fileTags());
         }

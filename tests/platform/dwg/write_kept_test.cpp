@@ -43,7 +43,7 @@ protected:
 
 TEST_F(WriteKept, kept_objects_are_written_with_the_files_bits) {
     const auto out = written();
-    for (const char* kind : {"VISUALSTYLE", "MLINESTYLE", "WIPEOUTVARIABLES"}) {
+    for (const char* kind : {"VISUALSTYLE", "MATERIAL", "WIPEOUTVARIABLES"}) {
         const std::vector<std::uint64_t> handles = keptOf(kind);
         ASSERT_FALSE(handles.empty()) << kind;
         for (std::uint64_t handle : handles) {

@@ -2,8 +2,13 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdint>
+#include <bit>
+#include <limits>
 #include <numbers>
+#include <random>
 #include <string>
+#include <vector>
 
 #include "platform/dxf/angle_text.hpp"
 #include "platform/dxf/model.hpp"
@@ -46,6 +51,20 @@ TEST(AngleText, every_angle_of_a_sweep_reads_back_to_its_radians) {
         ASSERT_EQ(dxf::Radians(AngleText(radians)), radians) << i;
     }
     EXPECT_GT(lost, 100);  // the sweep meets the angles that need the longer text
+}
+
+// Any finite angle, however large or small (the plain entities of a DWG take their radians as
+// they are on that account).
+TEST(AngleText, every_finite_angle_reads_back_to_its_radians) {
+    std::mt19937_64 bits(2024);
+    std::vector<double> angles = {std::numeric_limits<double>::max(), std::numeric_limits<double>::lowest(),
+                                  std::numeric_limits<double>::min(), std::numeric_limits<double>::denorm_min(),
+                                  -std::numeric_limits<double>::denorm_min(), 1e300, -3e-310};
+    while (angles.size() < 100000) {
+        const double radians = std::bit_cast<double>(bits());
+        if (std::isfinite(radians)) angles.push_back(radians);
+    }
+    for (double radians : angles) ASSERT_EQ(dxf::Radians(AngleText(radians)), radians) << AngleText(radians);
 }
 
 TEST(AngleText, angle_the_plain_conversion_keeps_gets_the_short_text) {

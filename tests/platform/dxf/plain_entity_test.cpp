@@ -10,6 +10,8 @@
 #include <deque>
 #include <limits>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "feed_text.hpp"
@@ -282,9 +284,50 @@ std::vector<Case> Cases() {
     Case upright{"a point not turned", Plain(Kind::kPoint), false, true};
     upright.entity.startAngle = 0.0;
     cases.push_back(upright);
-    Case zeroTurn{"a point turned by a negative zero", Plain(Kind::kPoint), false, true};
-    zeroTurn.entity.startAngle = -0.0;
-    cases.push_back(zeroTurn);
+    // Angles of every sort, from a negative zero to none, read as their degree texts are. An arc
+    // from a negative zero is refused (its angle reads as a positive zero); a point's is not
+    // written.
+    struct Turned {
+        const char* arc;
+        const char* point;
+        double angle;
+        bool arcTaken;
+    };
+    const double infinity = std::numeric_limits<double>::infinity();
+    const Turned turned[] = {
+        {"an arc from zero", "a point turned by zero", 0.0, true},
+        {"an arc from a negative zero", "a point turned by a negative zero", -0.0, false},
+        {"an arc from an angle the plain conversion loses", "a point turned by an angle the plain conversion loses",
+         0x1.1f8f03f04dd1p+0, true},
+        {"an arc from a huge angle", "a point turned by a huge angle", -1e300, true},
+        {"an arc from the least angle", "a point turned by the least angle", std::numeric_limits<double>::denorm_min(), true},
+        {"an arc from an infinite angle", "a point turned by an infinite angle", infinity, true},
+        {"an arc from no number of angle", "a point turned by no number", std::numeric_limits<double>::quiet_NaN(), true},
+    };
+    for (const Turned& t : turned) {
+        Case arc{t.arc, Plain(Kind::kArc), false, t.arcTaken};
+        arc.entity.startAngle = t.angle;
+        cases.push_back(arc);
+        Case point{t.point, Plain(Kind::kPoint), false, true};
+        point.entity.startAngle = t.angle;
+        cases.push_back(point);
+    }
+    // Looks that differ from one before by one value each (layer, colour, lineweight).
+    const std::tuple<const char*, const char*, int, int> looks[] = {
+        {"a line on HOLES by colour 1 and lineweight 35", "HOLES", 1, 35},
+        {"a line on HOLES by colour 1", "HOLES", 1, -1},
+        {"a line on HOLES of lineweight 35", "HOLES", 256, 35},
+        {"a line on 0 by colour 1 and lineweight 35", "0", 1, 35},
+        {"a line on HOLES by colour 2 and lineweight 35", "HOLES", 2, 35},
+        {"a line on HOLES by colour 1 and lineweight 35 again", "HOLES", 1, 35},
+    };
+    for (const auto& [behaviour, layer, color, lineweight] : looks) {
+        Case line{behaviour, Plain(Kind::kLine), false, true};
+        line.entity.layer = layer;
+        line.entity.colorIndex = color;
+        line.entity.lineweight = lineweight;
+        cases.push_back(line);
+    }
     Case negativeZero{"a line with a negative zero", Plain(Kind::kLine), false, false};
     negativeZero.entity.second.z = -0.0;
     cases.push_back(negativeZero);
