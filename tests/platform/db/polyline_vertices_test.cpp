@@ -117,6 +117,25 @@ TEST(PolylineVertices, every_change_reads_back_as_a_plain_list_of_vertices) {
     }
 }
 
+// Every access by index stops at the last vertex.
+TEST(PolylineVertices, an_index_past_the_last_vertex_is_refused) {
+    AcDbPolyline polyline;
+    polyline.appendVertex({{1, 2}, 0.5, 1.0, 2.0});
+    AcGePoint2d point;
+    AcGePoint3d world;
+    double bulge = 0, start = 0, end = 0;
+    EXPECT_EQ(polyline.getPointAt(1, point), Acad::eInvalidIndex);
+    EXPECT_EQ(polyline.getPointAt(1, world), Acad::eInvalidIndex);
+    EXPECT_EQ(polyline.setPointAt(1, point), Acad::eInvalidIndex);
+    EXPECT_EQ(polyline.getBulgeAt(1, bulge), Acad::eInvalidIndex);
+    EXPECT_EQ(polyline.setBulgeAt(1, 0.5), Acad::eInvalidIndex);
+    EXPECT_EQ(polyline.getWidthsAt(1, start, end), Acad::eInvalidIndex);
+    EXPECT_EQ(polyline.setWidthsAt(1, 1.0, 1.0), Acad::eInvalidIndex);
+    EXPECT_EQ(polyline.removeVertexAt(1), Acad::eInvalidIndex);
+    EXPECT_EQ(polyline.addVertexAt(2, point), Acad::eInvalidIndex);
+    ExpectSame(polyline, {{{1, 2}, 0.5, 1.0, 2.0}});
+}
+
 // Widths given as negative (none given) take 0, as addVertexAt has it.
 TEST(PolylineVertices, negative_widths_added_are_none) {
     AcDbPolyline polyline;

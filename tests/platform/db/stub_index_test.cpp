@@ -86,6 +86,23 @@ TEST(StubIndex, random_adds_and_removes_answer_as_a_map_does) {
     }
 }
 
+// A few handles in few slots: removals move stubs back across the slots' end, where a stub at
+// its own slot must stay.
+TEST(StubIndex, removals_across_the_end_of_a_small_index_answer_as_a_map_does) {
+    for (unsigned seed = 1; seed <= 300; ++seed) {
+        SCOPED_TRACE(seed);
+        Differential d;
+        std::mt19937_64 random(seed);
+        for (int step = 0; step < 200; ++step) {
+            const std::uint64_t handle = 1 + random() % 9;
+            if (random() % 2 == 0) d.remove(handle);
+            else d.add(handle);
+            d.expectSame(10);
+            if (HasFatalFailure()) return;
+        }
+    }
+}
+
 TEST(StubIndex, reserved_room_keeps_what_it_holds_and_clear_empties_it) {
     Differential d;
     for (std::uint64_t h = 10; h < 40; ++h) d.add(h * 7);
