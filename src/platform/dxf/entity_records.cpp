@@ -236,13 +236,9 @@ void ReadMText(AcDbMText& e, const AcDbRawTags& tags, AcDbDatabase& db) {
 
 void ReadLwPolyline(AcDbPolyline& e, const AcDbRawTags& tags) {
     AcGeVector3d n = AcGeVector3d::kZAxis;
-    // The tags after a vertex's 10 complete it.
-    auto changeLast = [&e](auto change) {
-        if (e.numVerts() == 0) return;
-        AcDbPolyline::Vertex last = e.vertexAt(e.numVerts() - 1);
-        change(last);
-        e.setVertexAt(e.numVerts() - 1, last);
-    };
+    // The tags after a vertex's 10 complete it (none before the first 10).
+    const auto last = [&e] { return e.numVerts() - 1; };
+    double start = 0.0, end = 0.0;
     double constantWidth = 0.0;
     bool constant = false;
     ForEachBodyTag(tags, [&](std::string_view m, const AcDbRawTag& tag) {
@@ -258,10 +254,18 @@ void ReadLwPolyline(AcDbPolyline& e, const AcDbRawTags& tags) {
             case 39: e.setThickness(v); break;
             case 90: e.reserveVertices(static_cast<unsigned int>(CountedRoom(tag.value, tags))); break;
             case 10: e.appendVertex({{v, 0.0}}); break;
-            case 20: changeLast([v](AcDbPolyline::Vertex& last) { last.point.y = v; }); break;
-            case 40: changeLast([v](AcDbPolyline::Vertex& last) { last.startWidth = v; }); break;
-            case 41: changeLast([v](AcDbPolyline::Vertex& last) { last.endWidth = v; }); break;
-            case 42: changeLast([v](AcDbPolyline::Vertex& last) { last.bulge = v; }); break;
+            case 20: {
+                AcGePoint2d p;
+                if (e.getPointAt(last(), p) == Acad::eOk) e.setPointAt(last(), {p.x, v});
+                break;
+            }
+            case 40:
+                if (e.getWidthsAt(last(), start, end) == Acad::eOk) e.setWidthsAt(last(), v, end);
+                break;
+            case 41:
+                if (e.getWidthsAt(last(), start, end) == Acad::eOk) e.setWidthsAt(last(), start, v);
+                break;
+            case 42: e.setBulgeAt(last(), v); break;
             case 210: case 220: case 230: SetAxis(n, tag.code, 210, v); break;
             default: break;
         }
