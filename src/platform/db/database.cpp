@@ -46,10 +46,8 @@ void AcDbDatabase::addTextSpelling(AcDbHandle record, int code, std::string_view
 // ---- Objects ----
 
 AcDbStub& AcDbDatabase::newStub(AcDbHandle handle) {
-    AcDbStub& stub = m_stubs.emplace_back();
+    AcDbStub& stub = m_byHandle.add(handle.value());
     stub.database = this;
-    stub.handle = handle;
-    m_byHandle.insert(&stub);
     m_maxHandle = std::max(m_maxHandle, handle.value());
     if (handle.value() >= m_handseed.value()) m_handseed = AcDbHandle(handle.value() + 1);
     return stub;
@@ -91,9 +89,7 @@ Acad::ErrorStatus AcDbDatabase::moveToHandle(AcDbObjectId id, AcDbHandle handle)
     if (handle.isNull()) return Acad::eNullHandle;
     if (m_byHandle.find(handle.value()) != nullptr) return Acad::eHandleInUse;
     const std::uint64_t old = stub->handle.value();
-    m_byHandle.erase(old);
-    stub->handle = handle;
-    m_byHandle.insert(stub);
+    m_byHandle.rekey(old, handle.value());
     if (old == m_maxHandle) m_maxHandle = m_byHandle.largestHandle();
     m_maxHandle = std::max(m_maxHandle, handle.value());
     if (handle.value() >= m_handseed.value()) m_handseed = AcDbHandle(handle.value() + 1);

@@ -210,7 +210,7 @@ private:
     void buildDefaultDrawing();
 
     std::deque<AcDbStub> m_stubs;
-    AcDbStubIndex m_byHandle;
+    AcDbStubIndex m_byHandle{m_stubs};
     std::uint64_t m_maxHandle = 0;  // largest key of m_byHandle
     std::uint64_t m_added = 0;  // objects added so far, for AcDbStub::added
     AcDbHandle m_handseed{1};

@@ -2,6 +2,7 @@
 #include <vector>
 
 #include "platform/db/curve.hpp"
+#include "platform/db/vertex_column.hpp"
 #include "platform/ge/point2d.hpp"
 
 // The lightweight polyline: 2D vertices in the plane of its normal at an elevation, each with a
@@ -11,7 +12,7 @@ class AcDbPolyline : public AcDbCurve {
 public:
     ACRX_DECLARE_MEMBERS(AcDbPolyline)
     AcDbPolyline() = default;
-    explicit AcDbPolyline(unsigned int numVerts) { m_vertices.reserve(numVerts); }
+    explicit AcDbPolyline(unsigned int numVerts) { reserveVertices(numVerts); }
 
     struct Vertex {
         AcGePoint2d point;
@@ -21,7 +22,7 @@ public:
         bool operator==(const Vertex&) const = default;
     };
 
-    unsigned int numVerts() const { return static_cast<unsigned int>(m_vertices.size()); }
+    unsigned int numVerts() const { return static_cast<unsigned int>(m_points.size()); }
     // Inserts a vertex before index (index == numVerts appends).
     Acad::ErrorStatus addVertexAt(unsigned int index, const AcGePoint2d& point, double bulge = 0.0,
                                   double startWidth = -1.0, double endWidth = -1.0);
@@ -50,8 +51,13 @@ public:
     // A polyline with any non-zero bulge has arc segments.
     bool hasBulges() const;
     bool hasWidth() const;
-    const std::vector<Vertex>& vertices() const { return m_vertices; }
-    std::vector<Vertex>& vertices() { return m_vertices; }
+    // Vertex `index` (< numVerts) whole, and its replacement; appending one at the end.
+    Vertex vertexAt(unsigned int index) const;
+    void setVertexAt(unsigned int index, const Vertex& vertex);
+    void appendVertex(const Vertex& vertex);
+    void reserveVertices(unsigned int count);
+    // The vertices the storage holds before it grows.
+    std::size_t vertexRoom() const { return m_points.capacity(); }
     // The constant width of group code 43, when the file gave one.
     bool hasConstantWidthTag() const { return m_constantWidthTag; }
     void setConstantWidthTag(bool on) { m_constantWidthTag = on; }
@@ -76,7 +82,23 @@ public:
     Acad::ErrorStatus explode(AcDbVoidPtrArray& entitySet) const override;
 
 private:
-    std::vector<Vertex> m_vertices;
+    // The widths of the segment that follows a vertex.
+    struct Widths {
+        double start = 0.0;
+        double end = 0.0;
+    };
+    void putBulge(unsigned int index, double bulge) {
+        m_bulges.set(index, bulge, m_points.size(), m_points.capacity());
+    }
+    void putWidths(unsigned int index, const Widths& widths) {
+        m_widths.set(index, widths, m_points.size(), m_points.capacity());
+    }
+
+    // The points apart from their bulges and widths, which take no room while no vertex has any:
+    // 16 bytes a vertex without them, 24 with bulges, 40 with both.
+    std::vector<AcGePoint2d> m_points;
+    AcDbVertexColumn<double> m_bulges;
+    AcDbVertexColumn<Widths> m_widths;
     bool m_closed = false;
     bool m_plinegen = false;
     bool m_constantWidthTag = false;

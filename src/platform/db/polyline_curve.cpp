@@ -7,8 +7,11 @@ namespace pc = tavrik::path_curve;
 
 tavrik::ge::BulgePath tavrik::polyline_bulges::bulgePathOf(const AcDbPolyline& polyline) {
     ge::BulgePath path{{}, polyline.isClosed()};
-    for (const AcDbPolyline::Vertex& v : polyline.vertices())
+    path.vertices.reserve(polyline.numVerts());
+    for (unsigned int i = 0; i < polyline.numVerts(); ++i) {
+        const AcDbPolyline::Vertex v = polyline.vertexAt(i);
         path.vertices.push_back({v.point, v.bulge});
+    }
     return path;
 }
 
@@ -68,12 +71,14 @@ Acad::ErrorStatus AcDbPolyline::transformBy(const AcGeMatrix3d& xform) {
     std::optional<tavrik::ocs::PlanarTransform> move =
         tavrik::ocs::planarTransform(xform, m_normal);
     if (!move) return Acad::eCannotScaleNonUniformly;
-    for (Vertex& v : m_vertices) {
-        AcGePoint3d p = move->objectMap.apply(AcGePoint3d(v.point.x, v.point.y, m_elevation));
-        v.point = {p.x, p.y};
-        v.bulge = move->mirrored ? -v.bulge : v.bulge;
-        v.startWidth *= move->scale;
-        v.endWidth *= move->scale;
+    for (unsigned int i = 0; i < numVerts(); ++i) {
+        AcGePoint2d& point = m_points[i];
+        AcGePoint3d p = move->objectMap.apply(AcGePoint3d(point.x, point.y, m_elevation));
+        point = {p.x, p.y};
+        const double bulge = m_bulges.at(i);
+        putBulge(i, move->mirrored ? -bulge : bulge);
+        const Widths widths = m_widths.at(i);
+        putWidths(i, {widths.start * move->scale, widths.end * move->scale});
     }
     m_elevation = move->objectMap.apply(AcGePoint3d(0.0, 0.0, m_elevation)).z;
     m_thickness *= move->scale;

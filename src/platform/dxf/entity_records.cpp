@@ -30,12 +30,16 @@ namespace dxf {
 
 namespace {
 
-// Reserves room for the count a record gives of its values, so that the database holds no spare
+// The room for the count a record gives of its values, so that the database holds no spare
 // capacity: no more than the record can hold, each value taking a tag of at least three bytes.
+std::size_t CountedRoom(std::string_view count, const AcDbRawTags& tags) {
+    const long long n = Integer(count);
+    return n > 0 ? std::min<std::size_t>(static_cast<std::size_t>(n), tags.byteSize() / 3) : 0;
+}
+
 template <typename Vector>
 void ReserveCounted(Vector& values, std::string_view count, const AcDbRawTags& tags) {
-    const long long n = Integer(count);
-    if (n > 0) values.reserve(std::min<std::size_t>(static_cast<std::size_t>(n), tags.byteSize() / 3));
+    values.reserve(CountedRoom(count, tags));
 }
 
 // The common properties of an entity; those of its look are gathered in `look`, which the
@@ -232,7 +236,9 @@ void ReadMText(AcDbMText& e, const AcDbRawTags& tags, AcDbDatabase& db) {
 
 void ReadLwPolyline(AcDbPolyline& e, const AcDbRawTags& tags) {
     AcGeVector3d n = AcGeVector3d::kZAxis;
-    auto& verts = e.vertices();
+    // The tags after a vertex's 10 complete it (none before the first 10).
+    const auto last = [&e] { return e.numVerts() - 1; };
+    double start = 0.0, end = 0.0;
     double constantWidth = 0.0;
     bool constant = false;
     ForEachBodyTag(tags, [&](std::string_view m, const AcDbRawTag& tag) {
@@ -246,18 +252,26 @@ void ReadLwPolyline(AcDbPolyline& e, const AcDbRawTags& tags) {
             case 43: constant = true; constantWidth = v; break;
             case 38: e.setElevation(v); break;
             case 39: e.setThickness(v); break;
-            case 90: ReserveCounted(verts, tag.value, tags); break;
-            case 10: verts.push_back({{v, 0.0}, 0.0, 0.0, 0.0}); break;
-            case 20: if (!verts.empty()) verts.back().point.y = v; break;
-            case 40: if (!verts.empty()) verts.back().startWidth = v; break;
-            case 41: if (!verts.empty()) verts.back().endWidth = v; break;
-            case 42: if (!verts.empty()) verts.back().bulge = v; break;
+            case 90: e.reserveVertices(static_cast<unsigned int>(CountedRoom(tag.value, tags))); break;
+            case 10: e.appendVertex({{v, 0.0}}); break;
+            case 20: {
+                AcGePoint2d p;
+                if (e.getPointAt(last(), p) == Acad::eOk) e.setPointAt(last(), {p.x, v});
+                break;
+            }
+            case 40:
+                if (e.getWidthsAt(last(), start, end) == Acad::eOk) e.setWidthsAt(last(), v, end);
+                break;
+            case 41:
+                if (e.getWidthsAt(last(), start, end) == Acad::eOk) e.setWidthsAt(last(), start, v);
+                break;
+            case 42: e.setBulgeAt(last(), v); break;
             case 210: case 220: case 230: SetAxis(n, tag.code, 210, v); break;
             default: break;
         }
     });
     if (constant) {
-        for (auto& v : verts) v.startWidth = v.endWidth = constantWidth;
+        e.setConstantWidth(constantWidth);
         e.setConstantWidthTag(true);
     }
     e.setNormal(n);
@@ -676,19 +690,20 @@ AcDbPolyline* NewPlainLwPolyline(const PlainEntity& p) {
     e->setPlinegen(p.plinegen);
     if (p.elevation != 0.0) e->setElevation(p.elevation);
     if (p.thickness != 0.0) e->setThickness(p.thickness);
-    e->vertices().reserve(p.vertices.size());
+    e->reserveVertices(static_cast<unsigned int>(p.vertices.size()));
     for (std::size_t k = 0; k < p.vertices.size(); ++k) {
         const AcDbPolyline::Vertex& given = p.vertices[k];
-        AcDbPolyline::Vertex& v = e->vertices().emplace_back();
+        AcDbPolyline::Vertex v;
         v.point = given.point;
         if (k < p.widthsGiven) {
             v.startWidth = given.startWidth;
             v.endWidth = given.endWidth;
         }
         if (given.bulge != 0.0) v.bulge = given.bulge;
+        e->appendVertex(v);
     }
     if (p.constant) {
-        for (auto& v : e->vertices()) v.startWidth = v.endWidth = p.constantWidth;
+        e->setConstantWidth(p.constantWidth);
         e->setConstantWidthTag(true);
     }
     return e;  // its normal the z axis, as made

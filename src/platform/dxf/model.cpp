@@ -360,8 +360,8 @@ void LwPolylineModel(const AcDbPolyline& e, ModelWriter& w) {
     w.own({10, 20, 40, 41, 42, 91});
     std::vector<VertexAsRead> read;
     if (w.hasTemplate()) read = VerticesAsRead(e);
-    for (size_t k = 0; k < e.vertices().size(); ++k) {
-        const auto& v = e.vertices()[k];
+    for (unsigned int k = 0; k < e.numVerts(); ++k) {
+        const AcDbPolyline::Vertex v = e.vertexAt(k);
         w.point2d(10, v.point);
         if (k < read.size() && read[k].id) w.integer(91, *read[k].id);
         // Zero widths are left out, as the format's writers do, unless the record had them.

@@ -179,7 +179,7 @@ bool SameLwPolyline(const AcDbPolyline& e, const PlainEntity& p) {
     if (e.isClosed() != p.closed || e.hasPlinegen() != p.plinegen || e.numVerts() != p.vertices.size()) return false;
     if (!SameOptional(p.elevation, e.elevation()) || !SameExtrusion(p.thickness, e.thickness(), e.normal())) return false;
     for (std::size_t k = 0; k < p.vertices.size(); ++k) {
-        AcDbPolyline::Vertex m = e.vertices()[k];
+        AcDbPolyline::Vertex m = e.vertexAt(static_cast<unsigned int>(k));
         if (constant) m.startWidth = m.endWidth = 0.0;
         if (!SameVertex(p.vertices[k], m, k < p.widthsGiven)) return false;
     }

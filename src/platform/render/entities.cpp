@@ -81,7 +81,7 @@ void DrawWidePolyline(Canvas& canvas, const AcDbPolyline& polyline, const BlockC
                       const Pen& pen, int arcSamples) {
     tavrik::ge::Path3d path = PathOf(polyline);
     for (size_t i = 0; i < path.segments.size() && i < polyline.numVerts(); ++i) {
-        const AcDbPolyline::Vertex& vertex = polyline.vertices()[i];
+        const AcDbPolyline::Vertex vertex = polyline.vertexAt(static_cast<unsigned int>(i));
         std::vector<AcGePoint3d> points;
         SampleSegment(path.segments[i], arcSamples, points);
         if (vertex.startWidth == 0.0 && vertex.endWidth == 0.0) StrokePath(canvas, context, pen, points, false);

@@ -32,7 +32,7 @@ AcDbPolyline rectangle(double w, double h) {
 
 std::vector<AcGePoint2d> verticesOf(const AcDbPolyline& pl) {
     std::vector<AcGePoint2d> points;
-    for (const AcDbPolyline::Vertex& v : pl.vertices()) points.push_back(v.point);
+    for (unsigned int k = 0; k < pl.numVerts(); ++k) points.push_back(pl.vertexAt(k).point);
     return points;
 }
 

@@ -65,8 +65,10 @@ std::string Values(const AcDbObject& o) {
     if (const auto* e = AcDbPolyline::cast(&o)) {
         out += " " + std::to_string(e->isClosed()) + std::to_string(e->hasPlinegen()) + std::to_string(e->hasConstantWidthTag()) +
                " " + Bits(e->elevation()) + " " + Bits(e->thickness()) + " " + Bits(e->normal());
-        for (const AcDbPolyline::Vertex& v : e->vertices())
+        for (unsigned int k = 0; k < e->numVerts(); ++k) {
+            const AcDbPolyline::Vertex v = e->vertexAt(k);
             out += " " + Bits(v.point.x) + "," + Bits(v.point.y) + "," + Bits(v.startWidth) + "," + Bits(v.endWidth) + "," + Bits(v.bulge);
+        }
     }
     return out;
 }

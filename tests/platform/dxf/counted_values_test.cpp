@@ -46,8 +46,8 @@ TEST(CountedValues, polyline_holds_its_vertices_in_the_room_its_count_gives) {
     ASSERT_EQ(dxf::ReadDxfBytes(db, Drawing(polyline), "polyline.dxf"), Acad::eOk);
     const auto* p = AcDbPolyline::cast(FirstEntity(db));
     ASSERT_NE(p, nullptr);
-    EXPECT_EQ(p->vertices().size(), 5u);
-    EXPECT_EQ(p->vertices().capacity(), 5u);
+    EXPECT_EQ(p->numVerts(), 5u);
+    EXPECT_EQ(p->vertexRoom(), 5u);
 }
 
 TEST(CountedValues, a_count_beyond_the_record_reserves_no_more_than_the_record_holds) {
@@ -58,8 +58,8 @@ TEST(CountedValues, a_count_beyond_the_record_reserves_no_more_than_the_record_h
     ASSERT_EQ(dxf::ReadDxfBytes(db, Drawing(polyline), "polyline.dxf"), Acad::eOk);
     const auto* p = AcDbPolyline::cast(FirstEntity(db));
     ASSERT_NE(p, nullptr);
-    EXPECT_EQ(p->vertices().size(), 1u);
-    EXPECT_LT(p->vertices().capacity(), 100u);
+    EXPECT_EQ(p->numVerts(), 1u);
+    EXPECT_LT(p->vertexRoom(), 100u);
 }
 
 }  // namespace

@@ -129,7 +129,7 @@ TEST(Lossless, PolylineVertexIdsAreLeftOutWhenTheVerticesChange) {
     ASSERT_EQ(dxf::ReadDxfBytes(db, DrawingWith(kPolylineWithIds), "in.dxf"), Acad::eOk);
     auto* polyline = AcDbPolyline::cast(ObjectAt(db, 0x2D));
     ASSERT_NE(polyline, nullptr);
-    polyline->vertices().push_back({{5.0, 6.0}});
+    polyline->appendVertex({{5.0, 6.0}});
     std::string out;
     ASSERT_EQ(dxf::WriteDxfText(db, {}, out), Acad::eOk);
     EXPECT_EQ(out.find(" 91\n"), std::string::npos) << out;
@@ -373,7 +373,7 @@ TEST(Lossless, PolylineVerticesKeepTheirTextWhereTheValueIsUnchanged) {
     EXPECT_NE(out.find(polyline), std::string::npos) << out;
     auto* p = AcDbPolyline::cast(ObjectAt(db, 0x2D));
     ASSERT_NE(p, nullptr);
-    p->vertices()[1].point.x = 7.25;  // a changed value is written as the database has it
+    p->setPointAt(1, AcGePoint2d(7.25, p->vertexAt(1).point.y));  // a changed value is written as the database has it
     ASSERT_EQ(dxf::WriteDxfText(db, {}, out), Acad::eOk);
     EXPECT_NE(out.find(" 10\n1.50\n 20\n571.6812651496752\n 10\n7.25\n 20\n4.0\n"), std::string::npos) << out;
 }

@@ -164,8 +164,10 @@ std::string Entity(const AcDbDatabase& db) {
         if (const auto* l = AcDbPolyline::cast(e)) {
             out += " " + std::to_string(l->isClosed()) + std::to_string(l->hasPlinegen()) + std::to_string(l->hasConstantWidthTag()) +
                    " " + Bits(l->elevation()) + " " + Bits(l->thickness());
-            for (const AcDbPolyline::Vertex& v : l->vertices())
+            for (unsigned int k = 0; k < l->numVerts(); ++k) {
+                const AcDbPolyline::Vertex v = l->vertexAt(k);
                 out += " " + Bits(v.point.x) + "," + Bits(v.point.y) + "," + Bits(v.startWidth) + "," + Bits(v.endWidth) + "," + Bits(v.bulge);
+            }
         }
         return out;
     }
