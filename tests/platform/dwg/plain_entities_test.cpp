@@ -21,6 +21,7 @@
 #include "platform/dwg/curves.hpp"
 #include "platform/dwg/corpus_files.hpp"
 #include "platform/dwg/entities.hpp"
+#include "platform/dwg/object_lines.hpp"
 #include "platform/dwg/plain_entities.hpp"
 #include "platform/dwg/read.hpp"
 #include "platform/dwg/sample_drawing.hpp"
@@ -40,8 +41,6 @@ std::string Bits(double v) {
 
 std::string Bits(const AcGePoint3d& p) { return Bits(p.x) + "," + Bits(p.y) + "," + Bits(p.z); }
 std::string Bits(const AcGeVector3d& v) { return Bits(v.x) + "," + Bits(v.y) + "," + Bits(v.z); }
-
-std::string Id(const AcDbObjectId& id) { return id.isNull() ? "null" : std::to_string(id.stub()->handle.value()); }
 
 // The values of the plain kinds, their numbers bit for bit.
 std::string Values(const AcDbObject& o) {
@@ -79,9 +78,7 @@ std::vector<std::string> Objects(const AcDbDatabase& db) {
     for (const AcDbStub& stub : db.stubs()) {
         if (!stub.object) continue;
         const AcDbObject& o = *stub.object;
-        std::string line = std::to_string(stub.handle.value()) + " " + Utf8FromWide(o.isA()->name()) + " owner " +
-                           Id(o.ownerId()) + " xdict " + Id(o.extensionDictionary()) + " reactors";
-        for (int i = 0; i < o.persistentReactors().length(); ++i) line += " " + Id(o.persistentReactors()[i]);
+        std::string line = dwg_test::ObjectHead(stub);
         for (const auto& group : o.xData()) line += " xdata " + Utf8FromWide(group.appName) + " " + std::to_string(group.tags.byteSize());
         line += " record";
         for (const AcDbRawTag& t : o.fileTags()) line += " " + std::to_string(t.code) + "=" + std::string(t.value);

@@ -19,6 +19,7 @@
 #include "platform/dwg/container.hpp"
 #include "platform/dwg/corpus_files.hpp"
 #include "platform/dwg/drawing.hpp"
+#include "platform/dwg/object_lines.hpp"
 #include "platform/dwg/read.hpp"
 #include "platform/dwg/write.hpp"
 #include "platform/dxf/dxf.hpp"
@@ -49,10 +50,6 @@ bool ReadThroughFeed(const dwg::DwgSections& sections, const std::string& name, 
     return dwg::DwgToRecords(sections, feed, out.kept, erased, colors, error) && feed.finish() == Acad::eOk;
 }
 
-std::string Handle(const AcDbObjectId& id) {
-    return id.isNull() ? "null" : std::to_string(id.stub()->handle.value());
-}
-
 std::string Tags(const AcDbRawTags& tags) {
     std::string out;
     for (const AcDbRawTag& t : tags) out += std::to_string(t.code) + "=" + std::string(t.value) + " ";
@@ -65,10 +62,7 @@ std::vector<std::string> Objects(const AcDbDatabase& db) {
     for (const AcDbStub& stub : db.stubs()) {
         if (!stub.object) continue;
         const AcDbObject& o = *stub.object;
-        std::string line = std::to_string(stub.handle.value()) + " " + Utf8FromWide(o.isA()->name()) +
-                           " owner " + Handle(o.ownerId()) + " xdict " + Handle(o.extensionDictionary()) +
-                           " reactors";
-        for (int i = 0; i < o.persistentReactors().length(); ++i) line += " " + Handle(o.persistentReactors()[i]);
+        std::string line = dwg_test::ObjectHead(stub);
         for (const auto& group : o.xData()) line += " xdata " + Utf8FromWide(group.appName) + " " + Tags(group.tags);
         lines.push_back(line);
     }
