@@ -155,9 +155,9 @@ struct Drawing {
     void writeTable(const char* name, std::int32_t recordType, std::uint64_t control);
     void writeBlocks();
     void writeEntities(std::uint64_t owner);
-    void writeEntity(DxfText& to, ItemIndex index, std::uint64_t owner);
+    void writeEntity(DxfText& to, ItemIndex index, std::uint64_t owner, bool withOwned = true);
     void writeRecord(DxfText& to, const Item& item, const DecodedObject& decoded, const std::string& type,
-                     std::uint64_t owner);
+                     std::uint64_t owner, bool withOwned = true);
     void writeRefusedPlain(DxfText& to, ItemIndex index, std::uint64_t owner);
     void writeEntitiesAlongside(const std::vector<ItemIndex>& entities, std::uint64_t owner);
     void writeObjects();
@@ -512,7 +512,7 @@ void Drawing::writeTables() {
     out.tag(0, "ENDSEC");
 }
 
-void Drawing::writeEntity(DxfText& to, ItemIndex index, std::uint64_t owner) {
+void Drawing::writeEntity(DxfText& to, ItemIndex index, std::uint64_t owner, bool withOwned) {
     Item& item = items[index];
     item.written = true;
     DecodedObject again;
@@ -528,22 +528,27 @@ void Drawing::writeEntity(DxfText& to, ItemIndex index, std::uint64_t owner) {
             if (built && to.plain(std::move(plain), std::move(built), index)) return;
         }
     }
-    writeRecord(to, item, decoded, type, owner);
+    writeRecord(to, item, decoded, type, owner, withOwned);
 }
 
 // The entity's record and extended data, and the entities it owns after it.
 void Drawing::writeRecord(DxfText& to, const Item& item, const DecodedObject& decoded, const std::string& type,
-                          std::uint64_t owner) {
+                          std::uint64_t owner, bool withOwned) {
     WriteEntity(to, decoded, type, owner, names);
     const EntityCommon* common = EntityCommonOf(decoded);
     if (common != nullptr && !std::holds_alternative<KeptObject>(decoded)) writeExtendedData(to, *common);
-    // Attributes and vertices follow their owner, and the SEQEND closes them.
+    // Attributes and vertices follow their owner, and the SEQEND closes them. They own nothing
+    // themselves: what a damaged file lists under them (even their owner again, or a chain as
+    // long as the drawing) is not followed, and an entity already written is not written again.
+    if (!withOwned) return;
     const auto it = owned.find(item.handle);
     if (it == owned.end()) return;
     std::vector<ItemIndex> children = it->second;
     std::stable_partition(children.begin(), children.end(),
                           [&](ItemIndex i) { return items[i].type != kSeqend; });
-    for (ItemIndex i : children) writeEntity(to, i, item.handle);
+    for (ItemIndex i : children) {
+        if (!items[i].written) writeEntity(to, i, item.handle, false);
+    }
 }
 
 // The record of a plain entity that the feed did not take, decoded again (it decoded before).

@@ -457,3 +457,38 @@ TEST(DwgRead, files_are_told_by_their_first_bytes) {
 }
 
 }  // namespace
+
+// Attributes and vertices are the only entities an entity owns: of lines a damaged file gives as
+// a chain, each owned by the one before, the read follows the first link only (a chain as long
+// as the drawing, or one leading back to its start, would otherwise be followed without end).
+TEST(DwgRead, entities_owned_by_an_owned_entity_are_not_followed) {
+    AcDbDatabase db;
+    AcDbBlockTable* blocks = nullptr;
+    db.getSymbolTable(blocks, AcDb::kForRead);
+    AcDbBlockTableRecord* model = nullptr;
+    blocks->getAt(ACDB_MODEL_SPACE, model, AcDb::kForWrite);
+    blocks->close();
+    std::vector<AcDbObjectId> chain;
+    for (int i = 0; i < 4; ++i) {
+        auto* line = new AcDbLine(AcGePoint3d(i, 0, 0), AcGePoint3d(i, 1, 0));
+        AcDbObjectId id;
+        model->appendAcDbEntity(id, line);
+        if (!chain.empty()) line->setOwnerId(chain.back());
+        line->close();
+        chain.push_back(id);
+    }
+    model->close();
+    std::vector<std::uint8_t> file;
+    dwg::DwgWriteReport report;
+    ASSERT_EQ(dwg::WriteDwgBytes(db, 1252, file, report), Acad::eOk);
+    AcDbDatabase read(false, true);
+    ASSERT_EQ(dwg::ReadDwgBytes(read, std::span<const std::uint8_t>(file), "chain.dwg"), Acad::eOk)
+        << Utf8FromWide(read.lastError());
+    std::vector<bool> present;
+    for (const AcDbObjectId& id : chain) {
+        AcDbObjectId found;
+        present.push_back(read.getAcDbObjectId(found, false, id.handle()) == Acad::eOk &&
+                          AcDbLine::cast(found.stub()->object.get()) != nullptr);
+    }
+    EXPECT_EQ(present, (std::vector<bool>{true, true, false, false}));
+}
