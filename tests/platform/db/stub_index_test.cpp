@@ -2,6 +2,7 @@
 // same handles does, through growth and removals that move stubs back along their probes.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <deque>
 #include <map>
 #include <random>
@@ -99,6 +100,40 @@ TEST(StubIndex, removals_across_the_end_of_a_small_index_answer_as_a_map_does) {
             else d.add(handle);
             d.expectSame(10);
             if (HasFatalFailure()) return;
+        }
+    }
+}
+
+// Every order of filling the smallest index with five of nine handles, then each one removed:
+// among them the removals at the last slot whose followers wrapped round to the first.
+TEST(StubIndex, every_removal_from_every_filling_of_a_small_index_answers_as_a_map_does) {
+    const std::vector<std::uint64_t> handles = {1, 2, 3, 4, 5, 6, 7, 8, 9};
+    std::vector<std::vector<std::uint64_t>> fillings;
+    const auto choose = [&](auto& self, std::vector<std::uint64_t>& chosen) -> void {
+        if (chosen.size() == 5) {
+            fillings.push_back(chosen);
+            return;
+        }
+        for (std::uint64_t h : handles) {
+            if (std::find(chosen.begin(), chosen.end(), h) != chosen.end()) continue;
+            chosen.push_back(h);
+            self(self, chosen);
+            chosen.pop_back();
+        }
+    };
+    std::vector<std::uint64_t> chosen;
+    choose(choose, chosen);
+    ASSERT_EQ(fillings.size(), 15120u);
+    for (const auto& filling : fillings) {
+        for (std::uint64_t removed : filling) {
+            Differential d;
+            for (std::uint64_t h : filling) d.add(h);
+            d.remove(removed);
+            d.expectSame(10);
+            if (HasFatalFailure()) {
+                ADD_FAILURE() << "filled with " << testing::PrintToString(filling) << ", removed " << removed;
+                return;
+            }
         }
     }
 }
