@@ -23,6 +23,7 @@
 #include "platform/dwg/write.hpp"
 #include "platform/dxf/dxf.hpp"
 #include "platform/win/codepage.hpp"
+#include "drawing_queries.hpp"
 
 namespace {
 
@@ -268,11 +269,7 @@ TEST(DwgRead, a_table_record_whose_values_do_not_decode_fails_the_read) {
 // A drawing of 2004 with `lines` LINEs in model space, as our writer makes it.
 std::vector<std::uint8_t> ManyLines(int lines) {
     AcDbDatabase db;
-    AcDbBlockTable* blocks = nullptr;
-    db.getSymbolTable(blocks, AcDb::kForRead);
-    AcDbBlockTableRecord* model = nullptr;
-    blocks->getAt(ACDB_MODEL_SPACE, model, AcDb::kForWrite);
-    blocks->close();
+    AcDbBlockTableRecord* model = OpenModelSpace(db, AcDb::kForWrite);
     for (int i = 0; i < lines; ++i) {
         auto* line = new AcDbLine(AcGePoint3d(i, 0, 0), AcGePoint3d(i, 1, 0));
         AcDbObjectId id;
@@ -463,11 +460,7 @@ TEST(DwgRead, files_are_told_by_their_first_bytes) {
 // as the drawing, or one leading back to its start, would otherwise be followed without end).
 TEST(DwgRead, entities_owned_by_an_owned_entity_are_not_followed) {
     AcDbDatabase db;
-    AcDbBlockTable* blocks = nullptr;
-    db.getSymbolTable(blocks, AcDb::kForRead);
-    AcDbBlockTableRecord* model = nullptr;
-    blocks->getAt(ACDB_MODEL_SPACE, model, AcDb::kForWrite);
-    blocks->close();
+    AcDbBlockTableRecord* model = OpenModelSpace(db, AcDb::kForWrite);
     std::vector<AcDbObjectId> chain;
     for (int i = 0; i < 4; ++i) {
         auto* line = new AcDbLine(AcGePoint3d(i, 0, 0), AcGePoint3d(i, 1, 0));
