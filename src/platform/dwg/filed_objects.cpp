@@ -1,5 +1,9 @@
 #include "platform/dwg/filed_objects.hpp"
 
+#include <xxhash.h>
+
+#include <filesystem>
+#include <fstream>
 #include <unordered_map>
 #include <vector>
 
@@ -52,12 +56,25 @@ std::vector<std::uint8_t> Taken(std::span<const std::uint8_t> section, DwgContai
 
 }  // namespace
 
-void KeepFiledObjects(AcDbDatabase& db, const DwgSections& sections, DwgContainer* container) {
+AcDbDatabase::DwgSourceFile IdentifiedFile(const std::string& path, std::span<const std::uint8_t> file) {
+    return {path, file.size(), XXH3_64bits(file.data(), file.size())};
+}
+
+bool KeepsSectionsInMemory(const DwgSections& sections, const AcDbDatabase::DwgSourceFile* file) {
+    return file == nullptr && KeepsFiledObjects(sections);
+}
+
+void KeepFiledObjects(AcDbDatabase& db, const DwgSections& sections, DwgContainer* container,
+                      const AcDbDatabase::DwgSourceFile* file) {
     AcDbDatabase::DwgFiledObjects& filed = db.dwgFiledObjects();
     filed = {};
     if (!KeepsFiledObjects(sections)) return;
     filed.codePage = sections.codePage;
     filed.maintenance = sections.maintenance;
+    if (!KeepsSectionsInMemory(sections, file)) {
+        filed.file = *file;
+        return;
+    }
     filed.header = Taken(sections.header, container);
     filed.classes = Taken(sections.classes, container);
     filed.objectMap = Taken(sections.objectMap, container);
@@ -71,14 +88,39 @@ struct Filed {
     std::span<const std::uint8_t> bytes;  // as the file stored them
 };
 
-// Each object of the kept sections read again, by handle: the fingerprint of the writer's
+// The sections of the file read again into `container`, while the file at the kept path is the
+// one read: of the size and hash kept. Being that AC1018 file, its sections are the container's
+// own buffers. False when it is gone, unreadable or changed.
+bool SectionsOfUnchangedFile(const AcDbDatabase::DwgSourceFile& kept, DwgContainer& container,
+                             DwgSections& out) {
+    // Whatever is not a file of the size read (a folder, nothing) is not read.
+    std::error_code gone;
+    if (std::filesystem::file_size(kept.path, gone) != kept.size || gone) return false;
+    std::ifstream in(kept.path, std::ios::binary);
+    const std::vector<std::uint8_t> file = StreamBytes(in);
+    MapError error;
+    if (XXH3_64bits(file.data(), file.size()) != kept.hash || !ReadDwgContainer(file, container, error)) {
+        return false;
+    }
+    out = SectionsOf(container, file);
+    return true;
+}
+
+// The sections the objects are put back from: those kept in memory, or else those of the file
+// read, read again into `container`. False when there are none.
+bool FiledSections(const AcDbDatabase::DwgFiledObjects& filed, DwgContainer& container, DwgSections& out) {
+    if (!filed.file.path.empty()) return SectionsOfUnchangedFile(filed.file, container, out);
+    out = {Version::kR2004, filed.maintenance, filed.codePage, filed.header,
+           filed.classes,    filed.objectMap,   filed.objects};
+    return true;
+}
+
+// Each object of the filed sections read again, by handle: the fingerprint of the writer's
 // encoding of it and its stored bytes. The read is the one the database was filled by, so the
 // encoding is the one the writer gave the object right after it; the database need not be
 // encoded at every read for it.
-std::unordered_map<std::uint64_t, Filed> FiledAtRead(const AcDbDatabase::DwgFiledObjects& filed) {
+std::unordered_map<std::uint64_t, Filed> FiledAtRead(const DwgSections& sections) {
     std::unordered_map<std::uint64_t, Filed> out;
-    const DwgSections sections{Version::kR2004, filed.maintenance, filed.codePage, filed.header,
-                               filed.classes,    filed.objectMap,   filed.objects};
     std::vector<ObjectLocation> map;
     MapError error;
     AcDbDatabase read(false, true);
@@ -106,7 +148,10 @@ std::unordered_map<std::uint64_t, Filed> FiledAtRead(const AcDbDatabase::DwgFile
 void PutBackFiledObjects(const AcDbDatabase& db, WriteContext& c) {
     const AcDbDatabase::DwgFiledObjects& filed = db.dwgFiledObjects();
     if (filed.codePage != c.options.codePage) return;
-    const std::unordered_map<std::uint64_t, Filed> atRead = FiledAtRead(filed);
+    DwgContainer container;  // the file's, when the sections are read from it again
+    DwgSections sections;
+    if (!FiledSections(filed, container, sections)) return;
+    const std::unordered_map<std::uint64_t, Filed> atRead = FiledAtRead(sections);
     for (auto& [handle, bytes] : c.objects) {
         const auto it = atRead.find(handle);
         if (it != atRead.end() && it->second.fingerprint == Fingerprint(bytes)) {

@@ -35,5 +35,8 @@ Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::span<const std::uint8_t> f
 // The same, taking the file's bytes: a file of 2004 or later is given back once its sections
 // are decoded, before the database fills.
 Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::vector<std::uint8_t>&& file, const std::string& name);
+// The same, reading the DWG file at `path`: the drawing keeps what identifies the file rather
+// than its sections, which a DWG save reads again from the file (see KeepFiledObjects).
+Acad::ErrorStatus ReadDwgFile(AcDbDatabase& db, const std::string& path);
 
 }  // namespace dwg
