@@ -90,35 +90,33 @@ struct Filed {
 
 // The sections of the file read again into `container`, while the file at the kept path is the
 // one read: of the size and hash kept. Being that AC1018 file, its sections are the container's
-// own buffers. False when it is gone, unreadable or changed.
-bool SectionsOfUnchangedFile(const AcDbDatabase::DwgSourceFile& kept, DwgContainer& container,
-                             DwgSections& out) {
-    // Whatever is not a file of the size read (a folder, nothing) is not read.
+// own buffers. None (empty sections) when it is gone, unreadable or changed.
+DwgSections SectionsOfUnchangedFile(const AcDbDatabase::DwgSourceFile& kept, DwgContainer& container) {
+    // Whatever is not a file of the size read (a folder, nothing: size -1) is not read.
     std::error_code gone;
-    if (std::filesystem::file_size(kept.path, gone) != kept.size || gone) return false;
+    if (std::filesystem::file_size(kept.path, gone) != kept.size) return {};
     std::ifstream in(kept.path, std::ios::binary);
     const std::vector<std::uint8_t> file = StreamBytes(in);
     MapError error;
     if (XXH3_64bits(file.data(), file.size()) != kept.hash || !ReadDwgContainer(file, container, error)) {
-        return false;
+        return {};
     }
-    out = SectionsOf(container, file);
-    return true;
+    return SectionsOf(container, file);
 }
 
 // The sections the objects are put back from: those kept in memory, or else those of the file
-// read, read again into `container`. False when there are none.
-bool FiledSections(const AcDbDatabase::DwgFiledObjects& filed, DwgContainer& container, DwgSections& out) {
-    if (!filed.file.path.empty()) return SectionsOfUnchangedFile(filed.file, container, out);
-    out = {Version::kR2004, filed.maintenance, filed.codePage, filed.header,
-           filed.classes,    filed.objectMap,   filed.objects};
-    return true;
+// read, read again into `container`.
+DwgSections FiledSections(const AcDbDatabase::DwgFiledObjects& filed, DwgContainer& container) {
+    if (!filed.file.path.empty()) return SectionsOfUnchangedFile(filed.file, container);
+    return {Version::kR2004, filed.maintenance, filed.codePage, filed.header,
+            filed.classes,    filed.objectMap,   filed.objects};
 }
 
 // Each object of the filed sections read again, by handle: the fingerprint of the writer's
 // encoding of it and its stored bytes. The read is the one the database was filled by, so the
 // encoding is the one the writer gave the object right after it; the database need not be
-// encoded at every read for it.
+// encoded at every read for it. None for sections that do not read, such as the empty ones of
+// a file gone or changed.
 std::unordered_map<std::uint64_t, Filed> FiledAtRead(const DwgSections& sections) {
     std::unordered_map<std::uint64_t, Filed> out;
     std::vector<ObjectLocation> map;
@@ -149,9 +147,7 @@ void PutBackFiledObjects(const AcDbDatabase& db, WriteContext& c) {
     const AcDbDatabase::DwgFiledObjects& filed = db.dwgFiledObjects();
     if (filed.codePage != c.options.codePage) return;
     DwgContainer container;  // the file's, when the sections are read from it again
-    DwgSections sections;
-    if (!FiledSections(filed, container, sections)) return;
-    const std::unordered_map<std::uint64_t, Filed> atRead = FiledAtRead(sections);
+    const std::unordered_map<std::uint64_t, Filed> atRead = FiledAtRead(FiledSections(filed, container));
     for (auto& [handle, bytes] : c.objects) {
         const auto it = atRead.find(handle);
         if (it != atRead.end() && it->second.fingerprint == Fingerprint(bytes)) {
