@@ -3,7 +3,6 @@
 #include <xxhash.h>
 
 #include <filesystem>
-#include <fstream>
 #include <unordered_map>
 #include <vector>
 
@@ -95,8 +94,7 @@ DwgSections SectionsOfUnchangedFile(const AcDbDatabase::DwgSourceFile& kept, Dwg
     // Whatever is not a file of the size read (a folder, nothing: size -1) is not read.
     std::error_code gone;
     if (std::filesystem::file_size(kept.path, gone) != kept.size) return {};
-    std::ifstream in(kept.path, std::ios::binary);
-    const std::vector<std::uint8_t> file = StreamBytes(in);
+    const std::vector<std::uint8_t> file = FileBytes(kept.path);
     MapError error;
     if (XXH3_64bits(file.data(), file.size()) != kept.hash || !ReadDwgContainer(file, container, error)) {
         return {};

@@ -94,6 +94,11 @@ std::vector<std::uint8_t> StreamBytes(std::istream& in) {
     return bytes;
 }
 
+std::vector<std::uint8_t> FileBytes(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return StreamBytes(in);
+}
+
 bool LooksLikeDwg(std::span<const std::uint8_t> head) {
     return head.size() >= 6 && head[0] == 'A' && head[1] == 'C' &&
            (std::memcmp(head.data() + 2, "10", 2) == 0 || std::memcmp(head.data() + 2, "20", 2) == 0);
@@ -217,8 +222,7 @@ Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::vector<std::uint8_t>&& fil
 }
 
 Acad::ErrorStatus ReadDwgFile(AcDbDatabase& db, const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return ReadHandedOver(db, StreamBytes(in), path, true);
+    return ReadHandedOver(db, FileBytes(path), path, true);
 }
 
 }  // namespace dwg

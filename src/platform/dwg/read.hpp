@@ -27,6 +27,8 @@ Acad::ErrorStatus ReadDwgSections(AcDbDatabase& db, const DwgSections& sections,
 
 // The bytes of a stream from where it stands to its end, read in one go when its size is known.
 std::vector<std::uint8_t> StreamBytes(std::istream& in);
+// The bytes of the file at `path`; none when it cannot be read.
+std::vector<std::uint8_t> FileBytes(const std::string& path);
 
 // Reads a whole DWG file held in memory. plainEntities false reads every entity through its
 // record (see DwgToRecords).
