@@ -50,9 +50,11 @@ public:
     AcDbHandle handseed() const { return m_handseed; }
     void setHandseed(AcDbHandle seed);
     // Every stub in the order of creation (for writers and audits). A stub made for a reference
-    // before its object came stands where the reference was met; AcDbStub::added tells the
-    // order in which the objects themselves were added.
+    // before its object came stands where the reference was met.
     const std::deque<AcDbStub>& stubs() const { return m_stubs; }
+    // The stubs of the objects that are not entities, in the order the objects were added (a
+    // drawing read keeps its file's order of them; entities are in their blocks' order).
+    const std::vector<const AcDbStub*>& nonEntitiesAdded() const { return m_nonEntitiesAdded; }
 
     // ---- Tables ----
     Acad::ErrorStatus getSymbolTable(AcDbBlockTable*& table, AcDb::OpenMode mode) const;
@@ -222,7 +224,8 @@ private:
     std::deque<AcDbStub> m_stubs;
     AcDbStubIndex m_byHandle{m_stubs};
     std::uint64_t m_maxHandle = 0;  // largest key of m_byHandle
-    std::uint64_t m_added = 0;  // objects added so far, for AcDbStub::added
+    // Kept apart from the stubs, so that a stub costs no order that only the few non-entities need.
+    std::vector<const AcDbStub*> m_nonEntitiesAdded;
     AcDbHandle m_handseed{1};
     AcDbObjectId m_tables[kTableCount];
     AcDbObjectId m_namedObjects;
