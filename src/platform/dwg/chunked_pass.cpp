@@ -2,7 +2,11 @@
 
 #include <algorithm>
 #include <atomic>
+#include <condition_variable>
+#include <exception>
 #include <future>
+#include <mutex>
+#include <thread>
 
 namespace dwg {
 
@@ -34,6 +38,74 @@ std::size_t FirstFailingStep(std::size_t count, std::size_t chunk, bool alongsid
     work();
     helper.get();
     return failed.load();
+}
+
+namespace {
+
+// What the helper of MadeAheadOfUse and this thread tell each other.
+struct AheadState {
+    std::mutex lock;
+    std::condition_variable changed;
+    std::size_t made = 0;     // parts made
+    std::size_t started = 0;  // uses started
+    bool stopped = false;     // this thread leaves: the helper makes no more
+    std::exception_ptr failure;  // what make threw
+
+    void makeAll(std::size_t count, const std::function<void(std::size_t)>& make) {
+        for (std::size_t k = 0; k < count; ++k) {
+            {
+                std::unique_lock<std::mutex> hold(lock);
+                changed.wait(hold, [&] { return stopped || started >= k; });
+                if (stopped) return;
+            }
+            try {
+                make(k);
+            } catch (...) {
+                const std::lock_guard<std::mutex> hold(lock);
+                failure = std::current_exception();
+                changed.notify_all();
+                return;
+            }
+            const std::lock_guard<std::mutex> hold(lock);
+            made = k + 1;
+            changed.notify_all();
+        }
+    }
+    // Waits for part k; false when make failed before making it.
+    bool startUse(std::size_t k) {
+        std::unique_lock<std::mutex> hold(lock);
+        changed.wait(hold, [&] { return made > k || failure; });
+        if (made <= k) return false;
+        started = k + 1;
+        changed.notify_all();
+        return true;
+    }
+    void stop() {
+        const std::lock_guard<std::mutex> hold(lock);
+        stopped = true;
+        changed.notify_all();
+    }
+};
+
+}  // namespace
+
+void MadeAheadOfUse(std::size_t count, const std::function<void(std::size_t)>& make,
+                    const std::function<void(std::size_t)>& use) {
+    AheadState state;
+    std::thread helper([&] { state.makeAll(count, make); });
+    // However this thread leaves, the helper is stopped and joined first.
+    struct Joined {
+        AheadState& state;
+        std::thread& helper;
+        ~Joined() {
+            state.stop();
+            helper.join();
+        }
+    } joined{state, helper};
+    for (std::size_t k = 0; k < count; ++k) {
+        if (!state.startUse(k)) std::rethrow_exception(state.failure);
+        use(k);
+    }
 }
 
 }  // namespace dwg

@@ -1,7 +1,7 @@
 #pragma once
-// A pass over many objects that do not depend on each other, shared with a helper thread: the
-// objects are taken a chunk at a time, in their order, by this thread and the helper, so that
-// on two cores the pass takes about half as long.
+// Passes over many objects shared with a helper thread, so that on two cores they take about
+// half as long: independent objects taken a chunk at a time by both threads, or parts made on
+// the helper one ahead of their use here.
 #include <cstddef>
 #include <functional>
 
@@ -13,5 +13,13 @@ namespace dwg {
 // after it have run or not. The steps must not touch what another step touches.
 std::size_t FirstFailingStep(std::size_t count, std::size_t chunk, bool alongside,
                              const std::function<bool(std::size_t)>& step);
+
+// Runs make(k) for k = 0, 1 ... count - 1 in order on one helper thread and use(k) in order on
+// this thread, each use(k) after make(k) has returned. make(k + 1) starts once use(k) has
+// started and not before, so the caller holds at most two parts at once (parts k and k + 1, for
+// instance in slots k % 2). An exception thrown by make is thrown here once the parts before
+// have been used; one thrown by use stops the helper before it leaves.
+void MadeAheadOfUse(std::size_t count, const std::function<void(std::size_t)>& make,
+                    const std::function<void(std::size_t)>& use);
 
 }  // namespace dwg

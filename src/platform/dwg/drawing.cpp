@@ -1,7 +1,6 @@
 #include "platform/dwg/drawing.hpp"
 
 #include <algorithm>
-#include <future>
 #include <limits>
 #include <map>
 #include <memory>
@@ -70,7 +69,8 @@ constexpr std::size_t kUnusedListRoom = 1024;
 
 // Entities a helper thread writes at a time when a block has many (see writeEntitiesAlongside):
 // two batches are held at once, one written and one handed on, each some 600 bytes an entity.
-constexpr std::size_t kEntityBatch = 512;
+// One helper serves every batch, so a small batch costs a hand-over, not a thread.
+constexpr std::size_t kEntityBatch = 256;
 
 // Objects the first pass over the map takes at a time on each of its two threads.
 constexpr std::size_t kFirstPassChunk = 2048;
@@ -586,19 +586,20 @@ void Drawing::writeEntities(std::uint64_t owner) {
 // records in the same order as from writeEntity alone. Only the helper touches the items while
 // it runs.
 void Drawing::writeEntitiesAlongside(const std::vector<ItemIndex>& entities, std::uint64_t owner) {
-    auto batchFrom = [&](std::size_t first) {
+    const std::size_t batches = (entities.size() + kEntityBatch - 1) / kEntityBatch;
+    DxfText held[2];  // batch k in held[k % 2]
+    const auto make = [&](std::size_t k) {
         DxfText batch = DxfText::Kept();
+        const std::size_t first = k * kEntityBatch;
         const std::size_t last = std::min(entities.size(), first + kEntityBatch);
-        for (std::size_t k = first; k < last; ++k) writeEntity(batch, entities[k], owner);
-        return batch;
+        for (std::size_t i = first; i < last; ++i) writeEntity(batch, entities[i], owner);
+        held[k % 2] = std::move(batch);
     };
-    std::future<DxfText> next = std::async(std::launch::async, batchFrom, 0);
-    for (std::size_t first = 0; first < entities.size(); first += kEntityBatch) {
-        DxfText batch = next.get();
-        if (first + kEntityBatch < entities.size())
-            next = std::async(std::launch::async, batchFrom, first + kEntityBatch);
+    const auto use = [&](std::size_t k) {
+        DxfText batch = std::move(held[k % 2]);
         batch.handTo(out, [&](DxfText& to, ItemIndex i) { writeRefusedPlain(to, i, owner); });
-    }
+    };
+    MadeAheadOfUse(batches, make, use);
 }
 
 void Drawing::writeBlocks() {

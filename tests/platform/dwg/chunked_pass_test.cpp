@@ -9,6 +9,8 @@
 #include <mutex>
 #include <ostream>
 #include <set>
+#include <stdexcept>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -109,6 +111,86 @@ TEST(DwgChunkedPassAlongside, a_failure_the_helper_meets_last_is_the_result) {
     }
     EXPECT_EQ(failed, 10u);
     EXPECT_FALSE(endedBeforeFailure.load());
+}
+
+// Parts made on the helper and used here: what each make and use saw, in their order.
+struct AheadRun {
+    std::mutex m;
+    std::vector<std::size_t> made, used;
+    std::size_t slots[2] = {};
+    int held = 0, mostHeld = 0;  // parts whose make has begun and whose use has not ended
+    bool madeBeforeItsTurn = false;  // a make(k) began before use(k - 1) did
+
+    std::function<void(std::size_t)> make() {
+        return [this](std::size_t k) {
+            {
+                std::lock_guard lock(m);
+                madeBeforeItsTurn = madeBeforeItsTurn || (k > 0 && used.size() < k);
+                mostHeld = std::max(mostHeld, ++held);
+            }
+            slots[k % 2] = k + 100;
+            std::lock_guard lock(m);
+            made.push_back(k);
+        };
+    }
+    std::function<void(std::size_t)> use() {
+        return [this](std::size_t k) {
+            {
+                std::lock_guard lock(m);
+                used.push_back(slots[k % 2] == k + 100 ? k : k + 1000);
+            }
+            // A slow use: a helper that did not wait its turn would make more meanwhile.
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+            std::lock_guard lock(m);
+            --held;
+        };
+    }
+};
+
+class DwgMadeAhead : public testing::TestWithParam<std::size_t> {};
+
+TEST_P(DwgMadeAhead, every_part_is_made_and_used_once_in_order_with_at_most_two_held) {
+    const std::size_t count = GetParam();
+    AheadRun run;
+    dwg::MadeAheadOfUse(count, run.make(), run.use());
+    std::vector<std::size_t> expected(count);
+    for (std::size_t k = 0; k < count; ++k) expected[k] = k;
+    EXPECT_EQ(run.made, expected);
+    EXPECT_EQ(run.used, expected);  // each use found its own part in its slot
+    EXPECT_LE(run.mostHeld, 2);
+    EXPECT_FALSE(run.madeBeforeItsTurn);
+}
+
+INSTANTIATE_TEST_SUITE_P(Counts, DwgMadeAhead, testing::Values(0u, 1u, 2u, 3u, 9u));
+
+TEST(DwgMadeAheadFailures, what_make_throws_is_thrown_here_once_the_parts_before_are_used) {
+    AheadRun run;
+    const auto make = run.make();
+    EXPECT_THROW(dwg::MadeAheadOfUse(
+                     6,
+                     [&](std::size_t k) {
+                         if (k == 3) throw std::runtime_error("part 3");
+                         make(k);
+                     },
+                     run.use()),
+                 std::runtime_error);
+    EXPECT_EQ(run.used, (std::vector<std::size_t>{0, 1, 2}));
+}
+
+TEST(DwgMadeAheadFailures, what_use_throws_stops_the_helper_before_it_leaves) {
+    AheadRun run;
+    const auto use = run.use();
+    EXPECT_THROW(dwg::MadeAheadOfUse(
+                     50, run.make(),
+                     [&](std::size_t k) {
+                         if (k == 1) throw std::logic_error("use 1");
+                         use(k);
+                     }),
+                 std::logic_error);
+    // Part 2 may have been made while use(1) ran; none after it, and none after the call.
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    std::lock_guard lock(run.m);
+    EXPECT_LE(run.made.size(), 3u);
 }
 
 }  // namespace
