@@ -16,7 +16,7 @@ Acad::ErrorStatus AcDbSpline::setControlPointAt(int index, const AcGePoint3d& po
 
 Acad::ErrorStatus AcDbSpline::getFitPointAt(int index, AcGePoint3d& point) const {
     if (index < 0 || index >= numFitPoints()) return Acad::eInvalidIndex;
-    point = m_fitPoints[static_cast<std::size_t>(index)];
+    point = fitPoints()[static_cast<std::size_t>(index)];
     return Acad::eOk;
 }
 
@@ -46,6 +46,6 @@ Acad::ErrorStatus AcDbSpline::setNurbsData(int degree, bool rational, bool close
     m_controlPoints = controlPoints;
     m_knots = knots;
     m_weights = rational ? weights : std::vector<double>{};
-    m_fitPoints.clear();
+    if (hasFitData()) fitPoints().clear();
     return Acad::eOk;
 }

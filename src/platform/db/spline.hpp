@@ -1,7 +1,9 @@
 #pragma once
+#include <cstddef>
 #include <vector>
 
 #include "platform/db/curve.hpp"
+#include "platform/db/rare_part.hpp"
 
 // A NURBS curve: degree, knots, control points, optional weights (rational), optional fit
 // points with their tolerance and end tangents. Its parameter runs over the knot range
@@ -22,8 +24,8 @@ public:
     void setPlanar(bool on) { m_planar = on; }
     int numControlPoints() const { return static_cast<int>(m_controlPoints.size()); }
     int numKnots() const { return static_cast<int>(m_knots.size()); }
-    int numFitPoints() const { return static_cast<int>(m_fitPoints.size()); }
-    bool hasFitData() const { return !m_fitPoints.empty(); }
+    int numFitPoints() const { return static_cast<int>(fitPoints().size()); }
+    bool hasFitData() const { return !fitPoints().empty(); }
     Acad::ErrorStatus getControlPointAt(int index, AcGePoint3d& point) const;
     Acad::ErrorStatus setControlPointAt(int index, const AcGePoint3d& point);
     Acad::ErrorStatus getFitPointAt(int index, AcGePoint3d& point) const;
@@ -38,20 +40,24 @@ public:
     // Empty for a non-rational spline.
     const std::vector<double>& weights() const { return m_weights; }
     std::vector<double>& weights() { return m_weights; }
-    const std::vector<AcGePoint3d>& fitPoints() const { return m_fitPoints; }
-    std::vector<AcGePoint3d>& fitPoints() { return m_fitPoints; }
-    double fitTolerance() const { return m_fitTolerance; }
-    void setFitTolerance(double t) { m_fitTolerance = t; }
-    double knotTolerance() const { return m_knotTolerance; }
-    void setKnotTolerance(double t) { m_knotTolerance = t; }
-    double controlPointTolerance() const { return m_cpTolerance; }
-    void setControlPointTolerance(double t) { m_cpTolerance = t; }
-    AcGeVector3d startFitTangent() const { return m_startTangent; }
-    void setStartFitTangent(const AcGeVector3d& v) { m_startTangent = v; }
-    AcGeVector3d endFitTangent() const { return m_endTangent; }
-    void setEndFitTangent(const AcGeVector3d& v) { m_endTangent = v; }
-    AcGeVector3d normal() const { return m_normal; }
-    void setNormal(const AcGeVector3d& n) { m_normal = n; }
+    const std::vector<AcGePoint3d>& fitPoints() const { return m_rare.get().fitPoints; }
+    std::vector<AcGePoint3d>& fitPoints() { return m_rare.edit().fitPoints; }
+    // Room for `count` fit points; none taken while there are none to come.
+    void reserveFitPoints(std::size_t count) {
+        if (count > 0) fitPoints().reserve(count);
+    }
+    double fitTolerance() const { return m_rare.get().fitTolerance; }
+    void setFitTolerance(double t) { m_rare.set(&Rare::fitTolerance, t); }
+    double knotTolerance() const { return m_rare.get().knotTolerance; }
+    void setKnotTolerance(double t) { m_rare.set(&Rare::knotTolerance, t); }
+    double controlPointTolerance() const { return m_rare.get().cpTolerance; }
+    void setControlPointTolerance(double t) { m_rare.set(&Rare::cpTolerance, t); }
+    AcGeVector3d startFitTangent() const { return m_rare.get().startTangent; }
+    void setStartFitTangent(const AcGeVector3d& v) { m_rare.set(&Rare::startTangent, v); }
+    AcGeVector3d endFitTangent() const { return m_rare.get().endTangent; }
+    void setEndFitTangent(const AcGeVector3d& v) { m_rare.set(&Rare::endTangent, v); }
+    AcGeVector3d normal() const { return m_rare.get().normal; }
+    void setNormal(const AcGeVector3d& n) { m_rare.set(&Rare::normal, n); }
     // Group code 70 as read.
     int splineFlags() const { return m_flags; }
     void setSplineFlags(int flags) { m_flags = flags; }
@@ -89,11 +95,16 @@ private:
     std::vector<double> m_knots;
     std::vector<AcGePoint3d> m_controlPoints;
     std::vector<double> m_weights;
-    std::vector<AcGePoint3d> m_fitPoints;
-    double m_fitTolerance = 0.0;
-    double m_knotTolerance = 1e-10;
-    double m_cpTolerance = 1e-10;
-    AcGeVector3d m_startTangent;
-    AcGeVector3d m_endTangent;
-    AcGeVector3d m_normal = AcGeVector3d::kZAxis;
+    // What most splines have at the defaults: no fit data, the default tolerances, the world Z
+    // axis (a spline built from control points, as drawings mostly hold them).
+    struct Rare {
+        std::vector<AcGePoint3d> fitPoints;
+        double fitTolerance = 0.0;
+        double knotTolerance = 1e-10;
+        double cpTolerance = 1e-10;
+        AcGeVector3d startTangent;
+        AcGeVector3d endTangent;
+        AcGeVector3d normal = AcGeVector3d::kZAxis;
+    };
+    AcDbRarePart<Rare> m_rare;
 };

@@ -118,10 +118,13 @@ Acad::ErrorStatus AcDbSpline::getGeomExtents(AcDbExtents& extents) const {
 // Splines are affine-invariant: moving the defining points moves the curve.
 Acad::ErrorStatus AcDbSpline::transformBy(const AcGeMatrix3d& xform) {
     for (AcGePoint3d& p : m_controlPoints) p.transformBy(xform);
-    for (AcGePoint3d& p : m_fitPoints) p.transformBy(xform);
-    m_startTangent.transformBy(xform);
-    m_endTangent.transformBy(xform);
-    if (!m_normal.isZeroLength()) m_normal = xform.apply(m_normal).normal();
+    if (hasFitData()) {
+        for (AcGePoint3d& p : fitPoints()) p.transformBy(xform);
+    }
+    setStartFitTangent(startFitTangent().transformBy(xform));
+    setEndFitTangent(endFitTangent().transformBy(xform));
+    const AcGeVector3d n = normal();
+    if (!n.isZeroLength()) setNormal(xform.apply(n).normal());
     return Acad::eOk;
 }
 

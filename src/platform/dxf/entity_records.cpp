@@ -295,7 +295,7 @@ void ReadSpline(AcDbSpline& e, const AcDbRawTags& tags) {
             case 71: e.setDegree(static_cast<int>(Integer(tag.value))); break;
             case 72: ReserveCounted(e.knots(), tag.value, tags); break;
             case 73: ReserveCounted(e.controlPoints(), tag.value, tags); break;
-            case 74: ReserveCounted(e.fitPoints(), tag.value, tags); break;
+            case 74: e.reserveFitPoints(CountedRoom(tag.value, tags)); break;
             case 42: e.setKnotTolerance(v); break;
             case 43: e.setControlPointTolerance(v); break;
             case 44: e.setFitTolerance(v); break;
