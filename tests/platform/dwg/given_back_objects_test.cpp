@@ -4,6 +4,7 @@
 // container's own and is not kept after the read is given back.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -28,7 +29,21 @@ struct Read {
     AcDbDatabase db{false, true};
     std::vector<dwg::KeptData> kept;
     std::vector<std::uint8_t> objects;  // the objects section after the read
+    // The chunks of pages wholly inside the section (aligned on their size where the container
+    // held it), and how many of them read as zeros after the read.
+    std::size_t wholeChunks = 0, zeroChunks = 0;
 };
+
+void CountZeroChunks(std::span<const std::uint8_t> objects, Read& out) {
+    const std::size_t chunk = dwg::kReleasedChunk;
+    const auto address = reinterpret_cast<std::uintptr_t>(objects.data());
+    std::size_t at = (chunk - address % chunk) % chunk;
+    for (; at + chunk <= objects.size(); at += chunk) {
+        ++out.wholeChunks;
+        const auto bytes = objects.subspan(at, chunk);
+        out.zeroChunks += std::all_of(bytes.begin(), bytes.end(), [](std::uint8_t b) { return b == 0; });
+    }
+}
 
 // The drawing read through its records, its objects section's memory given back or not.
 bool ReadRecords(const std::vector<std::uint8_t>& file, bool givesBack, Read& out) {
@@ -42,6 +57,7 @@ bool ReadRecords(const std::vector<std::uint8_t>& file, bool givesBack, Read& ou
     const bool read = dwg::DwgToRecords(sections, feed, out.kept, erased, colors, error, true, givesBack) &&
                       feed.finish() == Acad::eOk;
     out.objects.assign(sections.objects.begin(), sections.objects.end());
+    CountZeroChunks(sections.objects, out);
     return read;
 }
 
@@ -67,11 +83,12 @@ std::size_t Zeroed(const std::vector<std::uint8_t>& before, const std::vector<st
 }
 
 // Reads the drawing giving back its objects section and keeping it; expects the same databases.
-// Returns the bytes of the section the read giving back zeroed.
-std::size_t GivenBackReadsAsKept(const std::vector<std::uint8_t>& file) {
-    Read givenBack, kept;
+// Returns the bytes of the section the read giving back zeroed; `givenBack` is that read.
+std::size_t GivenBackReadsAsKept(const std::vector<std::uint8_t>& file, Read& givenBack) {
+    Read kept;
     const bool read = ReadRecords(file, false, kept);
     EXPECT_EQ(ReadRecords(file, true, givenBack), read) << Utf8FromWide(givenBack.db.lastError());
+    EXPECT_EQ(kept.zeroChunks, 0u);
     if (!read) return 0;
     const std::vector<std::string> got = dwg_test::ObjectLines(givenBack.db), expected = dwg_test::ObjectLines(kept.db);
     EXPECT_EQ(got.size(), expected.size());
@@ -102,14 +119,15 @@ AcDbEntity* ClassicPolyline(double x) {
     return polyline;
 }
 
-// A drawing like the plate sheets, large enough that its model and paper space entities are
-// decoded on a helper thread: of each kind in turn, among them block references with attributes
-// and classic polylines, whose attributes and vertices are written after them.
-std::vector<std::uint8_t> LargeDrawing(int modelEntities, int paperEntities) {
+// A drawing like the plate sheets of the entities of each kind in turn, among them block
+// references with attributes and classic polylines, whose attributes and vertices are written
+// after them; a block of circles.
+std::vector<std::uint8_t> LargeDrawing(int modelEntities, int paperEntities, int blockEntities = 1) {
     AcDbDatabase db;
     dwg_test::BuildDrawing(db);
     const AcDbObjectId block = dwg_test::AddBlock(db, L"PLATE");
-    dwg_test::Append(db, block, new AcDbCircle(AcGePoint3d(0, 0, 0), AcGeVector3d::kZAxis, 4));
+    for (int i = 0; i < blockEntities; ++i)
+        dwg_test::Append(db, block, new AcDbCircle(AcGePoint3d(i, 0, 0), AcGeVector3d::kZAxis, 4));
     const auto entity = [&](int i) -> AcDbEntity* {
         const double x = i * 0.5;
         switch (i % 6) {
@@ -141,10 +159,20 @@ std::vector<std::uint8_t> LargeDrawing(int modelEntities, int paperEntities) {
     return file;
 }
 
-TEST(DwgGivenBackObjects, a_large_drawing_read_giving_back_its_objects_builds_the_database_read_keeping_them) {
-    const std::vector<std::uint8_t> file = LargeDrawing(6000, 1500);
-    const std::size_t zeroed = GivenBackReadsAsKept(file);
-    EXPECT_GE(zeroed, 2 * dwg::kReleasedChunk);
+// Model or paper space large enough that its entities are decoded on a helper thread, or not;
+// a large block, whose entities are all written before the spaces'. Every entity is decoded for
+// the last time by the end of the read, so every whole chunk of the section is given back.
+TEST(DwgGivenBackObjects, large_drawings_read_giving_back_their_objects_build_the_databases_read_keeping_them) {
+    const struct {
+        int model, paper, block;
+    } cases[] = {{6000, 0, 1}, {6000, 1500, 1}, {300, 3000, 1}, {2000, 0, 3000}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::to_string(c.model) + " in model space, " + std::to_string(c.paper) + " in paper space");
+        Read givenBack;
+        GivenBackReadsAsKept(LargeDrawing(c.model, c.paper, c.block), givenBack);
+        EXPECT_GE(givenBack.wholeChunks, 3u);
+        EXPECT_EQ(givenBack.zeroChunks, givenBack.wholeChunks);
+    }
 }
 
 TEST(DwgGivenBackObjects, corpus_drawings_read_giving_back_their_objects_build_the_databases_read_keeping_them) {
@@ -159,7 +187,8 @@ TEST(DwgGivenBackObjects, corpus_drawings_read_giving_back_their_objects_build_t
         const std::vector<std::uint8_t> file = dwg_test::ReadFileBytes(dwg_test::CorpusPath(name));
         dwg::Version version;
         if (!dwg::VersionFromMagic(file, version) || version < dwg::Version::kR2004) continue;
-        zeroed += GivenBackReadsAsKept(file);
+        Read givenBack;
+        zeroed += GivenBackReadsAsKept(file, givenBack);
         ++paged;
         if (HasFailure()) return;
     }
