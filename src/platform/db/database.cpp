@@ -24,7 +24,7 @@ void AcDbDatabase::discardContents() {
     m_stubs.clear();
     m_byHandle.clear();
     m_maxHandle = 0;
-    m_added = 0;
+    m_nonEntitiesAdded.clear();
     m_handseed = AcDbHandle(1);
     for (AcDbObjectId& table : m_tables) table = AcDbObjectId::kNull;
     m_namedObjects = m_clayer = m_celtype = m_textstyle = m_dimstyle = AcDbObjectId::kNull;
@@ -77,7 +77,7 @@ Acad::ErrorStatus AcDbDatabase::addClosedAcDbObjectWithHandle(AcDbObjectId& id, 
         stub = &newStub(handle);
     }
     stub->object.reset(object);
-    stub->added = ++m_added;
+    if (AcDbEntity::cast(object) == nullptr) m_nonEntitiesAdded.push_back(stub);
     object->attachToStub(stub);
     id = AcDbObjectId(stub);
     return Acad::eOk;

@@ -50,9 +50,11 @@ public:
     AcDbHandle handseed() const { return m_handseed; }
     void setHandseed(AcDbHandle seed);
     // Every stub in the order of creation (for writers and audits). A stub made for a reference
-    // before its object came stands where the reference was met; AcDbStub::added tells the
-    // order in which the objects themselves were added.
+    // before its object came stands where the reference was met.
     const std::deque<AcDbStub>& stubs() const { return m_stubs; }
+    // The stubs of the objects that are not entities, in the order the objects were added (a
+    // drawing read keeps its file's order of them; entities are in their blocks' order).
+    const std::vector<const AcDbStub*>& nonEntitiesAdded() const { return m_nonEntitiesAdded; }
 
     // ---- Tables ----
     Acad::ErrorStatus getSymbolTable(AcDbBlockTable*& table, AcDb::OpenMode mode) const;
@@ -155,14 +157,24 @@ public:
     const std::unordered_map<std::uint64_t, DwgKeptObject>& dwgKeptObjects() const {
         return m_dwgKept;
     }
+    // A drawing file as it was when read: where it is, its size and a 64-bit hash of its bytes,
+    // which tell whether the file is still the one read.
+    struct DwgSourceFile {
+        std::string path;
+        std::uint64_t size = 0;
+        std::uint64_t hash = 0;
+    };
     // The sections of the AC1018 file the database was read from (header variables, classes,
     // object map, objects; decompressed), so that a DWG save can give each object that has not
     // changed since the read the bits the file stored: the save reads them again and compares
     // the writer's encoding of each object of that read with its encoding of the object now.
+    // A drawing read from a file keeps the file's identity instead of its sections, and the
+    // save takes the sections from the file again while it is unchanged.
     struct DwgFiledObjects {
         int codePage = 0;     // the Windows code page of the file's texts; 0 when nothing is kept
         int maintenance = 0;  // the file header's maintenance release
-        std::vector<std::uint8_t> header, classes, objectMap, objects;
+        std::vector<std::uint8_t> header, classes, objectMap, objects;  // empty when read from a file
+        DwgSourceFile file;  // path empty when the sections are held
     };
     DwgFiledObjects& dwgFiledObjects() { return m_dwgFiled; }
     const DwgFiledObjects& dwgFiledObjects() const { return m_dwgFiled; }
@@ -212,7 +224,8 @@ private:
     std::deque<AcDbStub> m_stubs;
     AcDbStubIndex m_byHandle{m_stubs};
     std::uint64_t m_maxHandle = 0;  // largest key of m_byHandle
-    std::uint64_t m_added = 0;  // objects added so far, for AcDbStub::added
+    // Kept apart from the stubs, so that a stub costs no order that only the few non-entities need.
+    std::vector<const AcDbStub*> m_nonEntitiesAdded;
     AcDbHandle m_handseed{1};
     AcDbObjectId m_tables[kTableCount];
     AcDbObjectId m_namedObjects;

@@ -1,8 +1,9 @@
 #pragma once
-// The thickness and normal of a planar entity (line, circle, arc, point). Nearly every entity of
-// a drawing has the default ones, no thickness and the world Z axis: those cost a null pointer,
-// not 32 bytes, and only an entity that differs holds them. A value is the default only when it
-// is that value bit for bit, so that a -0.0 read from a file is kept as read.
+// The thickness and normal of a planar entity (line, circle, arc, point, light-weight polyline,
+// text). Nearly every entity of a drawing has the default ones, no thickness and the world Z
+// axis: those cost a null pointer, not 32 bytes, and only an entity that differs holds them. A
+// value is the default only when it is that value bit for bit, so that a -0.0 read from a file
+// is kept as read.
 #include <cstring>
 #include <memory>
 

@@ -21,8 +21,7 @@ using AcDbIdMapper = std::function<AcDbObjectId(AcDbObjectId)>;
 struct AcDbStub {
     AcDbDatabase* database = nullptr;
     AcDbHandle handle;
-    std::unique_ptr<AcDbObject> object;
-    std::uint64_t added = 0;  // 1 for the database's first object added, and so on; 0 while empty
+    std::unique_ptr<AcDbObject> object;  // null while only a reference has named the handle
 };
 
 // Base of every database object. An object is either owned by its maker (not yet added to a

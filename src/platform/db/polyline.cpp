@@ -55,7 +55,7 @@ Acad::ErrorStatus AcDbPolyline::getPointAt(unsigned int index, AcGePoint2d& poin
 Acad::ErrorStatus AcDbPolyline::getPointAt(unsigned int index, AcGePoint3d& point) const {
     if (index >= numVerts()) return Acad::eInvalidIndex;
     const AcGePoint2d& p = m_points[index];
-    point = AcGeMatrix3d::planeToWorld(m_normal).apply(AcGePoint3d(p.x, p.y, m_elevation));
+    point = AcGeMatrix3d::planeToWorld(normal()).apply(AcGePoint3d(p.x, p.y, m_elevation));
     return Acad::eOk;
 }
 

@@ -2,6 +2,7 @@
 #include <vector>
 
 #include "platform/db/curve.hpp"
+#include "platform/db/extrusion.hpp"
 #include "platform/db/vertex_column.hpp"
 #include "platform/ge/point2d.hpp"
 
@@ -41,10 +42,10 @@ public:
     void setClosed(bool closed) { m_closed = closed; }
     double elevation() const { return m_elevation; }
     void setElevation(double z) { m_elevation = z; }
-    AcGeVector3d normal() const { return m_normal; }
-    void setNormal(const AcGeVector3d& n) { m_normal = n.normal(); }
-    double thickness() const { return m_thickness; }
-    void setThickness(double t) { m_thickness = t; }
+    AcGeVector3d normal() const { return m_extrusion.normal(); }
+    void setNormal(const AcGeVector3d& n) { m_extrusion.setNormal(n.normal()); }
+    double thickness() const { return m_extrusion.thickness(); }
+    void setThickness(double t) { m_extrusion.setThickness(t); }
     // Linetype generation across vertices (flag 128).
     bool hasPlinegen() const { return m_plinegen; }
     void setPlinegen(bool on) { m_plinegen = on; }
@@ -103,6 +104,5 @@ private:
     bool m_plinegen = false;
     bool m_constantWidthTag = false;
     double m_elevation = 0.0;
-    double m_thickness = 0.0;
-    AcGeVector3d m_normal = AcGeVector3d::kZAxis;
+    AcDbExtrusion m_extrusion;
 };

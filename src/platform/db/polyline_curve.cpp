@@ -55,7 +55,7 @@ Acad::ErrorStatus AcDbPolyline::getGeomExtents(AcDbExtents& extents) const {
     return pc::geomExtents(pathOf(*this), extents);
 }
 Acad::ErrorStatus AcDbPolyline::explode(AcDbVoidPtrArray& entitySet) const {
-    return pc::explode(pathOf(*this), m_normal, *this, entitySet);
+    return pc::explode(pathOf(*this), normal(), *this, entitySet);
 }
 
 Acad::ErrorStatus AcDbPolyline::getStretchPoints(AcGePoint3dArray& points) const {
@@ -69,7 +69,7 @@ Acad::ErrorStatus AcDbPolyline::getStretchPoints(AcGePoint3dArray& points) const
 
 Acad::ErrorStatus AcDbPolyline::transformBy(const AcGeMatrix3d& xform) {
     std::optional<tavrik::ocs::PlanarTransform> move =
-        tavrik::ocs::planarTransform(xform, m_normal);
+        tavrik::ocs::planarTransform(xform, normal());
     if (!move) return Acad::eCannotScaleNonUniformly;
     for (unsigned int i = 0; i < numVerts(); ++i) {
         AcGePoint2d& point = m_points[i];
@@ -81,7 +81,7 @@ Acad::ErrorStatus AcDbPolyline::transformBy(const AcGeMatrix3d& xform) {
         putWidths(i, {widths.start * move->scale, widths.end * move->scale});
     }
     m_elevation = move->objectMap.apply(AcGePoint3d(0.0, 0.0, m_elevation)).z;
-    m_thickness *= move->scale;
-    m_normal = move->normal;
+    m_extrusion.setThickness(thickness() * move->scale);
+    m_extrusion.setNormal(move->normal);
     return Acad::eOk;
 }

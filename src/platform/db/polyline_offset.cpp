@@ -12,9 +12,9 @@ Acad::ErrorStatus AcDbPolyline::getOffsetCurves(double distance, AcDbVoidPtrArra
     if (!path) return Acad::eInvalidOffset;
     auto* result = new AcDbPolyline(static_cast<unsigned int>(path->vertices.size()));
     result->setPropertiesFrom(this);
-    result->setNormal(m_normal);
+    result->setNormal(normal());
     result->setElevation(m_elevation);
-    result->setThickness(m_thickness);
+    result->setThickness(thickness());
     result->setPlinegen(m_plinegen);
     result->setClosed(path->closed);
     for (const tavrik::ge::BulgeVertex& v : path->vertices)
@@ -30,9 +30,9 @@ Acad::ErrorStatus AcDb2dPolyline::getOffsetCurves(double distance,
     if (!path) return Acad::eInvalidOffset;
     auto* result = new AcDb2dPolyline;
     result->setPropertiesFrom(this);
-    result->setNormal(m_normal);
+    result->setNormal(normal());
     result->setElevation(m_elevation);
-    result->setThickness(m_thickness);
+    result->setThickness(thickness());
     result->setClosed(path->closed);
     result->setPolylineFlags(path->closed ? 1 : 0);
     for (const tavrik::ge::BulgeVertex& v : path->vertices) {

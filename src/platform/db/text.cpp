@@ -24,8 +24,9 @@ Acad::ErrorStatus AcDbText::getGeomExtents(AcDbExtents& extents) const {
     double width = tavrik::text_metrics::lineWidth(m_text, m_height, m_widthFactor);
     // The base line runs from the position along the rotation; for justified text the
     // alignment point holds the justified place, so the line is shifted to start left of it.
-    AcGeVector3d along = tavrik::ocs::directionInPlane(m_rotation, m_normal);
-    AcGeVector3d up = m_normal.crossProduct(along).normal();
+    const AcGeVector3d plane = m_extrusion.normal();
+    AcGeVector3d along = tavrik::ocs::directionInPlane(m_rotation, plane);
+    AcGeVector3d up = plane.crossProduct(along).normal();
     AcGePoint3d start = m_position;
     if (!isDefaultAlignment()) {
         double shift = m_horz == AcDb::kTextCenter || m_horz == AcDb::kTextMid ? width / 2
@@ -46,12 +47,12 @@ Acad::ErrorStatus AcDbText::getGeomExtents(AcDbExtents& extents) const {
 Acad::ErrorStatus AcDbText::transformBy(const AcGeMatrix3d& xform) {
     double scale = 1.0;
     if (!tavrik::ocs::uniformScale(xform, scale)) return Acad::eCannotScaleNonUniformly;
-    AcGeVector3d along = xform.apply(tavrik::ocs::directionInPlane(m_rotation, m_normal));
+    AcGeVector3d along = xform.apply(tavrik::ocs::directionInPlane(m_rotation, m_extrusion.normal()));
     m_position.transformBy(xform);
     m_alignment.transformBy(xform);
-    m_normal = xform.apply(m_normal).normal();
+    m_extrusion.setNormal(xform.apply(m_extrusion.normal()).normal());
     m_height *= scale;
-    m_rotation = tavrik::ocs::angleInPlane(along, m_normal);
+    m_rotation = tavrik::ocs::angleInPlane(along, m_extrusion.normal());
     if (xform.det() < 0) mirrorInX(!isMirroredInX());
     return Acad::eOk;
 }
@@ -77,8 +78,7 @@ void AcDbText::assignTextData(const AcDbText& o) {
     m_style = o.m_style;
     m_horz = o.m_horz;
     m_vert = o.m_vert;
-    m_normal = o.m_normal;
-    m_thickness = o.m_thickness;
+    m_extrusion = o.m_extrusion;
     m_generation = o.m_generation;
 }
 

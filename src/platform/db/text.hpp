@@ -2,6 +2,7 @@
 #include <string>
 
 #include "platform/db/entity.hpp"
+#include "platform/db/extrusion.hpp"
 
 // A single line of text. The position is the left end of the base line; for other alignments
 // the alignment point carries the justified position, as the host keeps them.
@@ -37,10 +38,16 @@ public:
     Acad::ErrorStatus setHorizontalMode(AcDb::TextHorzMode m) { m_horz = m; return Acad::eOk; }
     AcDb::TextVertMode verticalMode() const { return m_vert; }
     Acad::ErrorStatus setVerticalMode(AcDb::TextVertMode m) { m_vert = m; return Acad::eOk; }
-    AcGeVector3d normal() const { return m_normal; }
-    Acad::ErrorStatus setNormal(const AcGeVector3d& n) { m_normal = n; return Acad::eOk; }
-    double thickness() const { return m_thickness; }
-    Acad::ErrorStatus setThickness(double t) { m_thickness = t; return Acad::eOk; }
+    AcGeVector3d normal() const { return m_extrusion.normal(); }
+    Acad::ErrorStatus setNormal(const AcGeVector3d& n) {
+        m_extrusion.setNormal(n);
+        return Acad::eOk;
+    }
+    double thickness() const { return m_extrusion.thickness(); }
+    Acad::ErrorStatus setThickness(double t) {
+        m_extrusion.setThickness(t);
+        return Acad::eOk;
+    }
     bool isMirroredInX() const { return (m_generation & 2) != 0; }
     Acad::ErrorStatus mirrorInX(bool on);
     bool isMirroredInY() const { return (m_generation & 4) != 0; }
@@ -70,8 +77,7 @@ private:
     AcDbObjectId m_style;
     AcDb::TextHorzMode m_horz = AcDb::kTextLeft;
     AcDb::TextVertMode m_vert = AcDb::kTextBase;
-    AcGeVector3d m_normal = AcGeVector3d::kZAxis;
-    double m_thickness = 0.0;
+    AcDbExtrusion m_extrusion;
     int m_generation = 0;
 };
 

@@ -2,7 +2,6 @@
 // so that a ".dwg" name may hold DXF and the other way round.
 
 #include <fstream>
-#include <vector>
 
 #include "platform/dwg/read.hpp"
 #include "platform/dxf/dxf.hpp"
@@ -28,8 +27,7 @@ Acad::ErrorStatus AcDbDatabase::readDwgFile(const ACHAR* fileName, int, bool, co
     if (!dwg::LooksLikeDwg(std::span(reinterpret_cast<const std::uint8_t*>(head), got))) {
         status = dxf::ReadDxfFile(*this, path);
     } else {
-        in.seekg(0);
-        status = dwg::ReadDwgBytes(*this, dwg::StreamBytes(in), path);
+        status = dwg::ReadDwgFile(*this, path);
     }
     // The drawing keeps the name it was read by, as the host does: the module cuts folder and
     // title out of it at backslashes.

@@ -1,5 +1,8 @@
 #include "platform/dwg/filed_objects.hpp"
 
+#include <xxhash.h>
+
+#include <filesystem>
 #include <unordered_map>
 #include <vector>
 
@@ -52,12 +55,25 @@ std::vector<std::uint8_t> Taken(std::span<const std::uint8_t> section, DwgContai
 
 }  // namespace
 
-void KeepFiledObjects(AcDbDatabase& db, const DwgSections& sections, DwgContainer* container) {
+AcDbDatabase::DwgSourceFile IdentifiedFile(const std::string& path, std::span<const std::uint8_t> file) {
+    return {path, file.size(), XXH3_64bits(file.data(), file.size())};
+}
+
+bool KeepsSectionsInMemory(const DwgSections& sections, const AcDbDatabase::DwgSourceFile* file) {
+    return file == nullptr && KeepsFiledObjects(sections);
+}
+
+void KeepFiledObjects(AcDbDatabase& db, const DwgSections& sections, DwgContainer* container,
+                      const AcDbDatabase::DwgSourceFile* file) {
     AcDbDatabase::DwgFiledObjects& filed = db.dwgFiledObjects();
     filed = {};
     if (!KeepsFiledObjects(sections)) return;
     filed.codePage = sections.codePage;
     filed.maintenance = sections.maintenance;
+    if (!KeepsSectionsInMemory(sections, file)) {
+        filed.file = *file;
+        return;
+    }
     filed.header = Taken(sections.header, container);
     filed.classes = Taken(sections.classes, container);
     filed.objectMap = Taken(sections.objectMap, container);
@@ -71,14 +87,36 @@ struct Filed {
     std::span<const std::uint8_t> bytes;  // as the file stored them
 };
 
-// Each object of the kept sections read again, by handle: the fingerprint of the writer's
+// The sections of the file read again into `container`, while the file at the kept path is the
+// one read: of the size and hash kept. Being that AC1018 file, its sections are the container's
+// own buffers. None (empty sections) when it is gone, unreadable or changed.
+DwgSections SectionsOfUnchangedFile(const AcDbDatabase::DwgSourceFile& kept, DwgContainer& container) {
+    // Whatever is not a file of the size read (a folder, nothing: size -1) is not read.
+    std::error_code gone;
+    if (std::filesystem::file_size(kept.path, gone) != kept.size) return {};
+    const std::vector<std::uint8_t> file = FileBytes(kept.path);
+    MapError error;
+    if (XXH3_64bits(file.data(), file.size()) != kept.hash || !ReadDwgContainer(file, container, error)) {
+        return {};
+    }
+    return SectionsOf(container, file);
+}
+
+// The sections the objects are put back from: those kept in memory, or else those of the file
+// read, read again into `container`.
+DwgSections FiledSections(const AcDbDatabase::DwgFiledObjects& filed, DwgContainer& container) {
+    if (!filed.file.path.empty()) return SectionsOfUnchangedFile(filed.file, container);
+    return {Version::kR2004, filed.maintenance, filed.codePage, filed.header,
+            filed.classes,    filed.objectMap,   filed.objects};
+}
+
+// Each object of the filed sections read again, by handle: the fingerprint of the writer's
 // encoding of it and its stored bytes. The read is the one the database was filled by, so the
 // encoding is the one the writer gave the object right after it; the database need not be
-// encoded at every read for it.
-std::unordered_map<std::uint64_t, Filed> FiledAtRead(const AcDbDatabase::DwgFiledObjects& filed) {
+// encoded at every read for it. None for sections that do not read, such as the empty ones of
+// a file gone or changed.
+std::unordered_map<std::uint64_t, Filed> FiledAtRead(const DwgSections& sections) {
     std::unordered_map<std::uint64_t, Filed> out;
-    const DwgSections sections{Version::kR2004, filed.maintenance, filed.codePage, filed.header,
-                               filed.classes,    filed.objectMap,   filed.objects};
     std::vector<ObjectLocation> map;
     MapError error;
     AcDbDatabase read(false, true);
@@ -106,7 +144,8 @@ std::unordered_map<std::uint64_t, Filed> FiledAtRead(const AcDbDatabase::DwgFile
 void PutBackFiledObjects(const AcDbDatabase& db, WriteContext& c) {
     const AcDbDatabase::DwgFiledObjects& filed = db.dwgFiledObjects();
     if (filed.codePage != c.options.codePage) return;
-    const std::unordered_map<std::uint64_t, Filed> atRead = FiledAtRead(filed);
+    DwgContainer container;  // the file's, when the sections are read from it again
+    const std::unordered_map<std::uint64_t, Filed> atRead = FiledAtRead(FiledSections(filed, container));
     for (auto& [handle, bytes] : c.objects) {
         const auto it = atRead.find(handle);
         if (it != atRead.end() && it->second.fingerprint == Fingerprint(bytes)) {

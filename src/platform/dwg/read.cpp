@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstring>
+#include <fstream>
 #include <iterator>
+#include <optional>
 #include <utility>
 
 #include "platform/dwg/container.hpp"
@@ -92,6 +94,11 @@ std::vector<std::uint8_t> StreamBytes(std::istream& in) {
     return bytes;
 }
 
+std::vector<std::uint8_t> FileBytes(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return StreamBytes(in);
+}
+
 bool LooksLikeDwg(std::span<const std::uint8_t> head) {
     return head.size() >= 6 && head[0] == 'A' && head[1] == 'C' &&
            (std::memcmp(head.data() + 2, "10", 2) == 0 || std::memcmp(head.data() + 2, "20", 2) == 0);
@@ -132,9 +139,11 @@ namespace {
 
 // The database filled from the records the drawing is decoded into, handed to the DXF reader
 // one at a time.
-// Given the container the sections were decoded into, the filed sections are moved out of it.
+// Given the container the sections were decoded into, the filed sections are moved out of it;
+// given the file the sections are of, only its identity is kept.
 Acad::ErrorStatus ReadRecords(AcDbDatabase& db, const DwgSections& sections, const std::string& name,
-                              DwgContainer* container, bool plainEntities = true) {
+                              DwgContainer* container, bool plainEntities = true,
+                              const AcDbDatabase::DwgSourceFile* file = nullptr) {
     std::vector<KeptData> kept;
     std::vector<ErasedEntries> erased;
     std::vector<DimensionStyleColors> colors;
@@ -154,7 +163,7 @@ Acad::ErrorStatus ReadRecords(AcDbDatabase& db, const DwgSections& sections, con
     KeepWhole(db, kept, sections);
     KeepErasedEntries(db, erased);
     KeepDimensionStyleColors(db, colors);
-    KeepFiledObjects(db, sections, container);
+    KeepFiledObjects(db, sections, container, file);
     db.setLastError(L"");
     return Acad::eOk;
 }
@@ -196,14 +205,31 @@ Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::span<const std::uint8_t> f
     return ReadRecords(db, SectionsOf(container, file), name, &container, plainEntities);
 }
 
-Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::vector<std::uint8_t>&& file, const std::string& name) {
+namespace {
+
+// The bytes handed over read, those of the file at `name` when `ofFile`: the file's identity is
+// then what a save needs of it, not its sections.
+Acad::ErrorStatus ReadHandedOver(AcDbDatabase& db, std::vector<std::uint8_t>&& file, const std::string& name,
+                                 bool ofFile) {
     DwgContainer container;
     Acad::ErrorStatus status = Acad::eOk;
     if (!ReadContainer(db, file, name, container, status)) return status;
     const DwgSections sections = SectionsOf(container, file);
+    std::optional<AcDbDatabase::DwgSourceFile> source;
+    if (ofFile && KeepsFiledObjects(sections)) source = IdentifiedFile(name, file);
     // From 2004 on, the sections are the container's own: the file is no longer needed.
     if (container.version > Version::kR2000) std::vector<std::uint8_t>().swap(file);
-    return ReadRecords(db, sections, name, &container);
+    return ReadRecords(db, sections, name, &container, true, source ? &*source : nullptr);
+}
+
+}  // namespace
+
+Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::vector<std::uint8_t>&& file, const std::string& name) {
+    return ReadHandedOver(db, std::move(file), name, false);
+}
+
+Acad::ErrorStatus ReadDwgFile(AcDbDatabase& db, const std::string& path) {
+    return ReadHandedOver(db, FileBytes(path), path, true);
 }
 
 }  // namespace dwg

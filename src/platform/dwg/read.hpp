@@ -34,6 +34,8 @@ Acad::ErrorStatus ReadDwgSections(AcDbDatabase& db, const DwgSections& sections,
 
 // The bytes of a stream from where it stands to its end, read in one go when its size is known.
 std::vector<std::uint8_t> StreamBytes(std::istream& in);
+// The bytes of the file at `path`; none when it cannot be read.
+std::vector<std::uint8_t> FileBytes(const std::string& path);
 
 // Reads a whole DWG file held in memory. plainEntities false reads every entity through its
 // record (see DwgToRecords).
@@ -42,5 +44,8 @@ Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::span<const std::uint8_t> f
 // The same, taking the file's bytes: a file of 2004 or later is given back once its sections
 // are decoded, before the database fills.
 Acad::ErrorStatus ReadDwgBytes(AcDbDatabase& db, std::vector<std::uint8_t>&& file, const std::string& name);
+// The same, reading the DWG file at `path`: the drawing keeps what identifies the file rather
+// than its sections, which a DWG save reads again from the file (see KeepFiledObjects).
+Acad::ErrorStatus ReadDwgFile(AcDbDatabase& db, const std::string& path);
 
 }  // namespace dwg

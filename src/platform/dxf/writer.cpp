@@ -822,16 +822,13 @@ void Writer::objects() {
     AcDbObject* root = ObjectOf(m_db.namedObjectsDictionaryId());
     if (root) object(*root);
     // In the order they were added: a drawing read keeps its file's order.
-    std::vector<const AcDbStub*> others;
-    for (const auto& stub : m_db.stubs()) {
-        AcDbObject* o = stub.object.get();
-        if (!o || o == root || o->isErased() || AcDbEntity::cast(o) || AcDbSymbolTable::cast(o) ||
-            AcDbSymbolTableRecord::cast(o) || KeptFromDwg(m_db, *o))
+    for (const AcDbStub* stub : m_db.nonEntitiesAdded()) {
+        AcDbObject* o = stub->object.get();
+        if (o == root || o->isErased() || AcDbSymbolTable::cast(o) || AcDbSymbolTableRecord::cast(o) ||
+            KeptFromDwg(m_db, *o))
             continue;
-        others.push_back(&stub);
+        object(*o);
     }
-    std::sort(others.begin(), others.end(), [](const AcDbStub* a, const AcDbStub* b) { return a->added < b->added; });
-    for (const AcDbStub* stub : others) object(*stub->object);
     tag(0, "ENDSEC");
 }
 

@@ -8,6 +8,7 @@
 #include "platform/db/block_table_record.hpp"
 #include "platform/db/circle.hpp"
 #include "platform/db/database.hpp"
+#include "platform/db/dictionary.hpp"
 #include "platform/db/line.hpp"
 #include "platform/db/text.hpp"
 
@@ -400,4 +401,48 @@ TEST(Handles, an_empty_database_keeps_the_seed_it_is_given) {
     AcDbDatabase db(false);
     db.setHandseed(AcDbHandle(0x20));
     EXPECT_EQ(db.handseed().value(), 0x20u);
+}
+
+namespace {
+
+AcDbObjectId addDictionaryWithHandle(AcDbDatabase& db, std::uint64_t handle) {
+    AcDbObjectId id;
+    EXPECT_EQ(db.addClosedAcDbObjectWithHandle(id, new AcDbDictionary(), AcDbHandle(handle)), Acad::eOk);
+    return id;
+}
+
+}  // namespace
+
+TEST(AddedOrder, non_entities_are_listed_in_the_order_they_were_added_not_by_handle) {
+    AcDbDatabase db(false, true);
+    const AcDbObjectId later = addDictionaryWithHandle(db, 0x30);
+    const AcDbObjectId earlier = addDictionaryWithHandle(db, 0x20);
+    ASSERT_EQ(db.nonEntitiesAdded().size(), 2u);
+    EXPECT_EQ(db.nonEntitiesAdded()[0], later.stub());
+    EXPECT_EQ(db.nonEntitiesAdded()[1], earlier.stub());
+}
+
+TEST(AddedOrder, a_stub_made_by_a_reference_first_stands_where_its_object_was_added) {
+    AcDbDatabase db(false, true);
+    AcDbObjectId referenced;
+    ASSERT_EQ(db.getAcDbObjectId(referenced, true, AcDbHandle(0x40)), Acad::eOk);
+    EXPECT_TRUE(db.nonEntitiesAdded().empty());
+    const AcDbObjectId first = addDictionaryWithHandle(db, 0x50);
+    const AcDbObjectId filled = addDictionaryWithHandle(db, 0x40);
+    EXPECT_EQ(filled, referenced);
+    ASSERT_EQ(db.nonEntitiesAdded().size(), 2u);
+    EXPECT_EQ(db.nonEntitiesAdded()[0], first.stub());
+    EXPECT_EQ(db.nonEntitiesAdded()[1], referenced.stub());
+}
+
+TEST(AddedOrder, entities_are_not_listed_and_a_discarded_drawing_lists_nothing) {
+    AcDbDatabase db(true, true);
+    const std::size_t tablesAndDictionaries = db.nonEntitiesAdded().size();
+    EXPECT_GT(tablesAndDictionaries, 0u);
+    append(db, new AcDbLine(AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0)));
+    EXPECT_EQ(db.nonEntitiesAdded().size(), tablesAndDictionaries);
+    addDictionaryWithHandle(db, 0x7000);
+    EXPECT_EQ(db.nonEntitiesAdded().size(), tablesAndDictionaries + 1);
+    db.discardContents();
+    EXPECT_TRUE(db.nonEntitiesAdded().empty());
 }

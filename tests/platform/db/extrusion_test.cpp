@@ -1,14 +1,18 @@
-// The thickness and normal of lines, circles, arcs and points: the defaults read back without
-// being held, any other value (a -0.0 too) is kept as given, and copies carry their own.
+// The thickness and normal of lines, circles, arcs, points, light-weight polylines and texts: the
+// defaults read back without being held, any other value (a -0.0 too) is kept as given, and
+// copies carry their own.
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <numbers>
 
 #include "platform/db/arc.hpp"
 #include "platform/db/circle.hpp"
 #include "platform/db/extrusion.hpp"
 #include "platform/db/line.hpp"
 #include "platform/db/point_entity.hpp"
+#include "platform/db/polyline.hpp"
+#include "platform/db/text.hpp"
 
 namespace {
 
@@ -85,6 +89,45 @@ TEST(Extrusion, planar_entities_keep_thickness_and_normal_through_a_copy) {
     EXPECT_EQ(AcDbPoint::cast(copies[3])->thickness(), 7.0);
     EXPECT_EQ(AcDbPoint::cast(copies[3])->normal(), AcGeVector3d(0, 1, 0));
     for (AcDbEntity* copy : copies) delete copy;
+}
+
+TEST(Extrusion, polylines_and_texts_keep_thickness_and_normal_through_a_copy) {
+    AcDbPolyline polyline;
+    polyline.addVertexAt(0, AcGePoint2d(0, 0));
+    polyline.addVertexAt(1, AcGePoint2d(1, 0));
+    polyline.setThickness(-0.0);
+    polyline.setNormal(AcGeVector3d(0, 0, -2));  // kept as the unit normal
+    AcDbText text(AcGePoint3d(1, 2, 0), L"A", AcDbObjectId(), 2.5, 0.0);
+    text.setThickness(1.25);
+    text.setNormal(AcGeVector3d(0, -0.0, 1));
+    EXPECT_TRUE(std::signbit(text.normal().y));
+    AcDbAttribute attribute;
+    attribute.setThickness(3.0);
+    const AcGeMatrix3d same;
+    AcDbEntity* copies[3] = {};
+    ASSERT_EQ(polyline.getTransformedCopy(same, copies[0]), Acad::eOk);
+    ASSERT_EQ(text.getTransformedCopy(same, copies[1]), Acad::eOk);
+    ASSERT_EQ(attribute.getTransformedCopy(same, copies[2]), Acad::eOk);
+    EXPECT_TRUE(SameBits(AcDbPolyline::cast(copies[0])->thickness(), -0.0));
+    EXPECT_EQ(AcDbPolyline::cast(copies[0])->normal(), AcGeVector3d(0, 0, -1));
+    EXPECT_EQ(AcDbText::cast(copies[1])->thickness(), 1.25);
+    EXPECT_EQ(AcDbText::cast(copies[1])->normal(), AcGeVector3d::kZAxis);
+    EXPECT_EQ(AcDbAttribute::cast(copies[2])->thickness(), 3.0);
+    for (AcDbEntity* copy : copies) delete copy;
+}
+
+TEST(Extrusion, a_polyline_scaled_scales_its_thickness_and_a_text_turned_over_turns_its_normal) {
+    AcDbPolyline polyline;
+    polyline.addVertexAt(0, AcGePoint2d(0, 0));
+    polyline.addVertexAt(1, AcGePoint2d(1, 0));
+    polyline.setThickness(2.0);
+    ASSERT_EQ(polyline.transformBy(AcGeMatrix3d::scaling(3.0)), Acad::eOk);
+    EXPECT_DOUBLE_EQ(polyline.thickness(), 6.0);
+    EXPECT_EQ(polyline.normal(), AcGeVector3d::kZAxis);
+    AcDbText text(AcGePoint3d(1, 2, 0), L"A", AcDbObjectId(), 2.5, 0.0);
+    ASSERT_EQ(text.transformBy(AcGeMatrix3d::rotation(std::numbers::pi, AcGeVector3d::kXAxis)), Acad::eOk);
+    EXPECT_NEAR(text.normal().z, -1.0, 1e-12);
+    EXPECT_EQ(text.thickness(), 0.0);
 }
 
 }  // namespace
