@@ -24,8 +24,10 @@ AcDb::AcDbDwgVersion DatabaseVersion(Version version);
 
 // Whether the read gives the objects section's memory back as it goes (see DwgToRecords): when
 // the section is one of the container's own buffers (2004 on; R13 to 2000 sections are ranges of
-// the caller's file) and nothing keeps it after the read.
-bool GivesBackObjects(const DwgSections& sections, const DwgContainer* container);
+// the caller's file) and the read does not keep it (see KeepsSectionsInMemory; `file` is the file
+// the sections were read from, if any).
+bool GivesBackObjects(const DwgSections& sections, const DwgContainer* container,
+                      const AcDbDatabase::DwgSourceFile* file = nullptr);
 
 // Reads decoded sections into an empty database. On failure the database stays empty and
 // lastError() says "name: offset N: reason".
