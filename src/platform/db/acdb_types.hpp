@@ -49,6 +49,9 @@ enum AcDbDwgVersion {
 enum TextHorzMode { kTextLeft = 0, kTextCenter = 1, kTextRight = 2, kTextAlign = 3,
                     kTextMid = 4, kTextFit = 5 };
 enum TextVertMode { kTextBase = 0, kTextBottom = 1, kTextVertMid = 2, kTextTop = 3 };
+// How multi-line text spaces its lines: at least, or exactly, the spacing factor's pitch. Any
+// other number a file gives is held as it is.
+enum LineSpacingStyle : int { kAtLeast = 1, kExactly = 2 };
 
 enum Poly2dType { k2dSimplePoly = 0, k2dFitCurvePoly = 1, k2dQuadSplinePoly = 2,
                   k2dCubicSplinePoly = 3 };

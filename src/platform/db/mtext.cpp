@@ -99,6 +99,8 @@ Acad::ErrorStatus AcDbMText::transformBy(const AcGeMatrix3d& xform) {
     m_normal = xform.apply(m_normal).normal();
     m_height *= scale;
     m_width *= scale;
+    m_actualWidth *= scale;
+    m_actualHeight *= scale;
     return Acad::eOk;
 }
 

@@ -1,4 +1,5 @@
 #pragma once
+#include <cstdint>
 #include <string>
 
 #include "platform/db/entity.hpp"
@@ -37,9 +38,26 @@ public:
     Acad::ErrorStatus setTextStyle(AcDbObjectId style) { m_style = style; return Acad::eOk; }
     double lineSpacingFactor() const { return m_lineSpacing; }
     Acad::ErrorStatus setLineSpacingFactor(double f) { m_lineSpacing = f; return Acad::eOk; }
+    AcDb::LineSpacingStyle lineSpacingStyle() const { return m_lineSpacingStyle; }
+    Acad::ErrorStatus setLineSpacingStyle(AcDb::LineSpacingStyle s) { m_lineSpacingStyle = s; return Acad::eOk; }
     // Drawing direction code of group 72 (1 left to right).
     int flowDirection() const { return m_flow; }
     void setFlowDirection(int d) { m_flow = d; }
+    // The size of the text as the program that wrote its file measured it (group codes 42, 43);
+    // 0 for a text made here, which has not been measured.
+    double actualWidth() const { return m_actualWidth; }
+    double actualHeight() const { return m_actualHeight; }
+    void setActualWidth(double w) { m_actualWidth = w; }
+    void setActualHeight(double h) { m_actualHeight = h; }
+
+    // The values a drawing file gave, those at their default included, which a file written
+    // again gives back: the measured size, the direction, the line spacing style and factor.
+    enum FileValue : std::uint8_t {
+        kFileActualWidth = 1, kFileActualHeight = 2, kFileDirection = 4,
+        kFileLineSpacingStyle = 8, kFileLineSpacingFactor = 16
+    };
+    bool fileGave(FileValue v) const { return (m_fileValues & v) != 0; }
+    void setFileGave(FileValue v) { m_fileValues = static_cast<std::uint8_t>(m_fileValues | v); }
 
     Acad::ErrorStatus getGeomExtents(AcDbExtents& extents) const override;
     Acad::ErrorStatus transformBy(const AcGeMatrix3d& xform) override;
@@ -59,5 +77,9 @@ private:
     AttachmentPoint m_attachment = kTopLeft;
     AcDbObjectId m_style;
     double m_lineSpacing = 1.0;
+    double m_actualWidth = 0.0;
+    double m_actualHeight = 0.0;
+    AcDb::LineSpacingStyle m_lineSpacingStyle = AcDb::kAtLeast;
     int m_flow = 1;
+    std::uint8_t m_fileValues = 0;
 };

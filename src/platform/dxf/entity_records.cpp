@@ -213,7 +213,11 @@ void ReadMText(AcDbMText& e, const AcDbRawTags& tags, AcDbDatabase& db) {
         std::string_view s = tag.value;
         switch (tag.code) {
             case 10: case 20: case 30: SetAxis(p, tag.code, 10, Real(s)); break;
-            case 11: case 21: case 31: SetAxis(d, tag.code, 11, Real(s)); hasDirection = true; break;
+            case 11: case 21: case 31:
+                SetAxis(d, tag.code, 11, Real(s));
+                hasDirection = true;
+                e.setFileGave(AcDbMText::kFileDirection);
+                break;
             case 210: case 220: case 230: SetAxis(n, tag.code, 210, Real(s)); break;
             case 40: e.setTextHeight(Real(s)); break;
             case 41: e.setWidth(Real(s)); break;
@@ -222,7 +226,22 @@ void ReadMText(AcDbMText& e, const AcDbRawTags& tags, AcDbDatabase& db) {
             case 3: contents += s; break;
             case 1: last = s; break;
             case 7: e.setTextStyle(StyleId(db, db.textStyleTableId(), Wide(s))); break;
-            case 44: e.setLineSpacingFactor(Real(s)); break;
+            case 44:
+                e.setLineSpacingFactor(Real(s));
+                e.setFileGave(AcDbMText::kFileLineSpacingFactor);
+                break;
+            case 42:
+                e.setActualWidth(Real(s));
+                e.setFileGave(AcDbMText::kFileActualWidth);
+                break;
+            case 43:
+                e.setActualHeight(Real(s));
+                e.setFileGave(AcDbMText::kFileActualHeight);
+                break;
+            case 73:
+                e.setLineSpacingStyle(static_cast<AcDb::LineSpacingStyle>(Integer(s)));
+                e.setFileGave(AcDbMText::kFileLineSpacingStyle);
+                break;
             case 50: rotation = Radians(s); break;  // degrees, as for every other angle
             default: break;
         }

@@ -313,12 +313,18 @@ void MTextModel(const AcDbMText& e, ModelWriter& w) {
     w.integer(71, e.attachment());
     w.integer(72, e.flowDirection());
     MTextContents(Utf8(e.contents()), w);
-    w.own({7, 11, 21, 31, 44});
+    // Each value below is written when the file gave it, or when it is not at its default.
+    auto gave = [&e](AcDbMText::FileValue v) { return e.fileGave(v); };
+    w.own({42, 43, 7, 11, 21, 31, 73, 44});
+    w.optional(!gave(AcDbMText::kFileActualWidth) && e.actualWidth() == 0.0).real(42, e.actualWidth());
+    w.optional(!gave(AcDbMText::kFileActualHeight) && e.actualHeight() == 0.0).real(43, e.actualHeight());
     w.name(7, e.textStyle());
     w.normal(e.normal());
     AcGeVector3d d = e.direction();
-    w.optional(!(!(d.x == 1.0 && d.y == 0.0 && d.z == 0.0))).vector(11, d);
-    w.optional(!(e.lineSpacingFactor() != 1.0)).real(44, e.lineSpacingFactor());
+    w.optional(!gave(AcDbMText::kFileDirection) && d.x == 1.0 && d.y == 0.0 && d.z == 0.0).vector(11, d);
+    w.optional(!gave(AcDbMText::kFileLineSpacingStyle) && e.lineSpacingStyle() == AcDb::kAtLeast)
+        .integer(73, e.lineSpacingStyle());
+    w.optional(!gave(AcDbMText::kFileLineSpacingFactor) && e.lineSpacingFactor() == 1.0).real(44, e.lineSpacingFactor());
 }
 
 // What a polyline's record as read gives each vertex beyond the database's values: its

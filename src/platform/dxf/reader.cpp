@@ -171,6 +171,7 @@ private:
     V vertexOf(AcDbRawTags tags);
     void readEntity(AcDbEntity& e);
     void keepRecord(AcDbEntity& e, std::span<const Tag> record);
+    void closeInsert();
     AcDbSymbolTable* tableFor(const std::string& name);
     AcDbBlockTableRecord* blockRecordNamed(const std::wstring& name);
     void attachEntity(AcDbEntity* e, AcDbObjectId id);
@@ -332,7 +333,13 @@ V Builder::vertexOf(AcDbRawTags tags) {
 
 void Builder::readEntity(AcDbEntity& e) {
     std::wstring blockName = ReadEntityFields(e, m_db);
-    if (auto* x = AcDbBlockReference::cast(&e)) m_insertNames.push_back({x, blockName});
+    if (auto* x = AcDbBlockReference::cast(&e)) {
+        // A block the file has named already is the insert's at once, so that its record can be
+        // told from its model as it is read; the others are looked for once every block is read.
+        auto block = m_blocks.find(Upper(blockName));
+        if (block != m_blocks.end()) x->setBlockTableRecord(block->second->objectId());
+        else m_insertNames.push_back({x, blockName});
+    }
     else if (auto* x = AcDbDimension::cast(&e)) {
         if (!blockName.empty()) m_dimBlockNames.push_back({x, blockName});
         readDimStyleXData(*x);
@@ -447,6 +454,7 @@ void Builder::readEntityRecord(std::span<const Tag> record) {
         if (m_openInsert) {
             m_openInsert->setSeqEndHandle(h);
             m_openInsert->seqEndTags() = std::move(tags);
+            closeInsert();
         } else if (auto* p2 = AcDb2dPolyline::cast(m_openPolyline)) {
             p2->setSeqEndHandle(h);
             p2->seqEndTags() = std::move(tags);
@@ -486,7 +494,7 @@ void Builder::readEntityRecord(std::span<const Tag> record) {
         m_openInsert->attachAttribute(id);
     } else {
         attachEntity(e, id);
-        m_openInsert = nullptr;
+        closeInsert();
         m_openPolyline = nullptr;
         if (auto* insert = AcDbBlockReference::cast(e)) {
             bool follows = false;
@@ -516,20 +524,30 @@ bool Builder::takePlain(const PlainEntity& plain, std::unique_ptr<AcDbEntity> e)
     e->setOwnerId(declared);
     AcDbEntity* added = e.release();
     attachEntity(added, add(added, AcDbHandle(plain.handle)));
-    m_openInsert = nullptr;
+    closeInsert();
     m_openPolyline = nullptr;
     return true;
 }
 
 // An entity read from the packing buffer keeps its record in a buffer of its own size, unless
-// it needs none; the packing buffer goes back to packing.
+// it needs none; the packing buffer goes back to packing. An insert whose attributes follow is
+// told from its model once they are attached (see closeInsert).
 void Builder::keepRecord(AcDbEntity& e, std::span<const Tag> record) {
-    if (m_dropModelled && DropModelledRecord(e, m_model, m_packed, record)) {
+    if (m_dropModelled && &e != m_openInsert && DropModelledRecord(e, m_model, m_packed, record)) {
         e.releaseEmptyParts();
         return;
     }
     m_packed.swap(e.fileTags());
     e.fileTags().append(m_packed);
+}
+
+// The insert whose attributes were being read has them all: it keeps its record only when its
+// model, attributes attached, does not give that record.
+void Builder::closeInsert() {
+    if (m_openInsert == nullptr) return;
+    AcDbRawTags dropped;
+    if (m_dropModelled && DropModelledRecord(*m_openInsert, m_model, dropped)) m_openInsert->releaseEmptyParts();
+    m_openInsert = nullptr;
 }
 
 void Builder::readBlockRecord(std::span<const Tag> record) {

@@ -9,10 +9,12 @@
 #include <vector>
 
 #include "platform/db/arc.hpp"
+#include "platform/db/block_reference.hpp"
 #include "platform/db/block_table_record.hpp"
 #include "platform/db/circle.hpp"
 #include "platform/db/database.hpp"
 #include "platform/db/line.hpp"
+#include "platform/db/mtext.hpp"
 #include "platform/db/text.hpp"
 #include "platform/db/object.hpp"
 #include "platform/db/spline.hpp"
@@ -21,6 +23,7 @@
 #include "platform/dwg/drawing.hpp"
 #include "platform/dwg/object_lines.hpp"
 #include "platform/dwg/read.hpp"
+#include "platform/dwg/sample_drawing.hpp"
 #include "platform/dwg/write.hpp"
 #include "platform/dxf/dxf.hpp"
 #include "platform/dxf/record_feed.hpp"
@@ -209,6 +212,34 @@ TEST(DwgRecordFeed, a_spline_of_control_points_keeps_no_record_and_one_of_fit_po
     EXPECT_TRUE(splines[0]->fileTags().empty());
     ASSERT_TRUE(splines[1]->hasFitData());
     EXPECT_EQ(splines[1]->fitTolerance(), 0.25);
+}
+
+// A DWG's MTEXT gives its measured size, line spacing style and default values, and its INSERT
+// has its attributes after it: the writers make both again from the database alone, so read from
+// DWG they keep no record, and the drawing writes what its DXF text (every record kept) writes.
+TEST(DwgRecordFeed, an_mtext_and_an_insert_with_attributes_keep_no_record) {
+    AcDbDatabase db;
+    dwg_test::BuildDrawing(db);
+    std::vector<std::uint8_t> file = WrittenDwg(db);
+    int dropped = 0;
+    EXPECT_TRUE(FeedBuildsWhatTextBuilds(file, "sample.dwg", dropped));
+    AcDbDatabase back(false, true);
+    ASSERT_EQ(dwg::ReadDwgBytes(back, std::move(file), "sample.dwg"), Acad::eOk);
+    int texts = 0, inserts = 0;
+    for (const AcDbStub& stub : back.stubs()) {
+        const AcDbObject* o = stub.object.get();
+        if (o == nullptr) continue;
+        if (AcDbMText::cast(o)) {
+            ++texts;
+            EXPECT_TRUE(o->fileTags().empty());
+        } else if (const auto* insert = AcDbBlockReference::cast(o)) {
+            ++inserts;
+            EXPECT_EQ(insert->attributeIds().length(), 1);
+            EXPECT_TRUE(o->fileTags().empty());
+        }
+    }
+    EXPECT_EQ(texts, 1);
+    EXPECT_EQ(inserts, 1);
 }
 
 }  // namespace
