@@ -220,7 +220,7 @@ TEST(DwgRecordFeed, a_spline_of_control_points_keeps_no_record_and_one_of_fit_po
 TEST(DwgRecordFeed, an_mtext_and_an_insert_with_attributes_keep_no_record) {
     AcDbDatabase db;
     dwg_test::BuildDrawing(db);
-    std::vector<std::uint8_t> file = WrittenDwg(db);
+    std::vector<std::uint8_t> file = dwg_test::WrittenDwg(db);
     int dropped = 0;
     EXPECT_TRUE(FeedBuildsWhatTextBuilds(file, "sample.dwg", dropped));
     AcDbDatabase back(false, true);
