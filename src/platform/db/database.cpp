@@ -2,9 +2,34 @@
 
 #include <algorithm>
 
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
 #include "platform/db/block_table_record.hpp"
 #include "platform/db/dictionary.hpp"
 #include "platform/db/entity.hpp"
+
+namespace {
+
+void GiveBackFreedMemory() {
+#ifdef __GLIBC__
+    malloc_trim(0);
+#endif
+}
+
+// Blocks of a megabyte and more (a drawing file's bytes, its decompressed sections, the lists of
+// a large drawing) get mappings of their own, which go back to the system whole when freed. The
+// allocator would otherwise raise that threshold once such a block is freed, and place those of
+// the next drawing in the heap, where their pages outlive them.
+void MapLargeBlocks() {
+#ifdef __GLIBC__
+    static const bool fixed = mallopt(M_MMAP_THRESHOLD, 1 << 20) != 0;
+    (void)fixed;
+#endif
+}
+
+}  // namespace
 
 AcDbHostApplicationServices* acdbHostApplicationServices() {
     static AcDbHostApplicationServices services;
@@ -12,12 +37,18 @@ AcDbHostApplicationServices* acdbHostApplicationServices() {
 }
 
 AcDbDatabase::AcDbDatabase(bool buildDefault, bool) {
+    MapLargeBlocks();
     if (buildDefault) buildDefaultDrawing();
 }
 
 AcDbDatabase::~AcDbDatabase() {
     if (acdbHostApplicationServices()->workingDatabase() == this)
         acdbHostApplicationServices()->setWorkingDatabase(nullptr);
+    // A drawing's objects are many small blocks, which the allocator keeps once freed: given back
+    // to the system here, so that a host reading drawing after drawing holds at most the one it
+    // reads, not also the pages of those it has let go.
+    discardContents();
+    GiveBackFreedMemory();
 }
 
 void AcDbDatabase::discardContents() {

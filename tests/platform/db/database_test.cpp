@@ -1,5 +1,10 @@
 #include <gtest/gtest.h>
 
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
+#include <cstdlib>
 #include <memory>
 #include <numbers>
 
@@ -446,3 +451,17 @@ TEST(AddedOrder, entities_are_not_listed_and_a_discarded_drawing_lists_nothing) 
     db.discardContents();
     EXPECT_TRUE(db.nonEntitiesAdded().empty());
 }
+
+#ifdef __GLIBC__
+TEST(DatabaseMemory, large_blocks_keep_their_own_mappings_after_one_is_freed) {
+    const AcDbDatabase db(false, true);
+    // A freed mapped block would raise the allocator's threshold to its size, and the next
+    // block a little smaller would come from the heap instead. (Volatile: the blocks are made.)
+    void* volatile first = std::malloc(4 << 20);
+    std::free(first);
+    const std::size_t mapped = mallinfo2().hblks;
+    void* volatile next = std::malloc(3 << 20);
+    EXPECT_EQ(mallinfo2().hblks, mapped + 1);
+    std::free(next);
+}
+#endif
