@@ -3,12 +3,29 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <map>
 
 #include "platform/dwg/container_pages.hpp"
 #include "platform/dwg/raw_bytes.hpp"
 #include "platform/dwg/read.hpp"
 
 namespace dwg {
+
+int WindowsCodePage(int dwgCodePage) {
+    static const std::map<int, int> kPages = {
+        {1, 20127}, {2, 28591}, {3, 28592}, {4, 28593}, {5, 28594}, {6, 28595}, {7, 28596},
+        {8, 28597}, {9, 28598}, {10, 28599}, {11, 437}, {12, 850}, {13, 852}, {14, 855},
+        {15, 857}, {16, 860}, {17, 861}, {18, 863}, {19, 864}, {20, 865}, {21, 869},
+        {22, 932}, {23, 10000}, {24, 950}, {25, 949}, {26, 1361}, {27, 866}, {28, 1250},
+        {29, 1251}, {30, 1252}, {31, 936}, {32, 1253}, {33, 1254}, {34, 1255}, {35, 1256},
+        {36, 1257}, {37, 874}, {38, 932}, {39, 936}, {40, 949}, {41, 950}, {42, 1361},
+        {44, 1258}};
+    const auto it = kPages.find(dwgCodePage);
+    return it == kPages.end() ? 0 : it->second;
+}
+
+std::string CodePageName(int windowsCodePage) { return "ANSI_" + std::to_string(windowsCodePage); }
+
 namespace {
 
 using Sentinel = std::array<std::uint8_t, 16>;

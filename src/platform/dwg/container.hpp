@@ -45,6 +45,12 @@ struct DwgContainer {
     DwgContainer& operator=(const DwgContainer&) = delete;
 };
 
+// The Windows code page of the file header's code page number (30: 1252, 39: 936 ...); 0 for
+// a number the format does not list.
+int WindowsCodePage(int dwgCodePage);
+// The $DWGCODEPAGE name of a Windows code page ("ANSI_936").
+std::string CodePageName(int windowsCodePage);
+
 // Reads the container of a whole DWG file held in memory; `file` must outlive `out`. False with
 // the file offset and the reason when the file is not a DWG this reader knows or is damaged;
 // `out` is then incomplete.

@@ -84,6 +84,11 @@ bool DecodesToEntityRecord(std::int32_t type) {
     }
 }
 
+bool OwnsEntities(std::int32_t type) {
+    return type == kInsert || type == kMinsert || type == kPolyline2d || type == kPolyline3d ||
+           type == kPolylinePface || type == 30;
+}
+
 bool IsEntityType(std::int32_t type, const std::vector<ClassRecord>& classes) {
     if (type == kProxyEntity) return true;
     if (type >= 500) {

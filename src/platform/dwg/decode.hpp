@@ -51,4 +51,8 @@ const EntityCommon* EntityCommonOf(const DecodedObject& decoded);
 // True for the fixed entity types and the classes marked as entities.
 bool IsEntityType(std::int32_t type, const std::vector<ClassRecord>& classes);
 
+// True for the kinds whose entities own others, which follow them: block references their
+// attributes, polylines (30: a polygon mesh) their vertices, each list closed by a SEQEND.
+bool OwnsEntities(std::int32_t type);
+
 }  // namespace dwg

@@ -12,32 +12,20 @@
 #include "platform/dwg/blocks.hpp"
 #include "platform/dwg/chunked_pass.hpp"
 #include "platform/dwg/classes.hpp"
+#include "platform/dwg/container.hpp"
 #include "platform/dwg/decode.hpp"
 #include "platform/dwg/dxf_records.hpp"
 #include "platform/dwg/entities.hpp"
 #include "platform/dwg/extended_data.hpp"
 #include "platform/dwg/header.hpp"
 #include "platform/dwg/listed_order.hpp"
+#include "platform/dwg/object_stream.hpp"
 #include "platform/dwg/plain_entities.hpp"
+#include "platform/dwg/released_pages.hpp"
 #include "platform/dwg/symbols.hpp"
 #include "platform/dwg/tables.hpp"
 
 namespace dwg {
-
-int WindowsCodePage(int dwgCodePage) {
-    static const std::map<int, int> kPages = {
-        {1, 20127}, {2, 28591}, {3, 28592}, {4, 28593}, {5, 28594}, {6, 28595}, {7, 28596},
-        {8, 28597}, {9, 28598}, {10, 28599}, {11, 437}, {12, 850}, {13, 852}, {14, 855},
-        {15, 857}, {16, 860}, {17, 861}, {18, 863}, {19, 864}, {20, 865}, {21, 869},
-        {22, 932}, {23, 10000}, {24, 950}, {25, 949}, {26, 1361}, {27, 866}, {28, 1250},
-        {29, 1251}, {30, 1252}, {31, 936}, {32, 1253}, {33, 1254}, {34, 1255}, {35, 1256},
-        {36, 1257}, {37, 874}, {38, 932}, {39, 936}, {40, 949}, {41, 950}, {42, 1361},
-        {44, 1258}};
-    const auto it = kPages.find(dwgCodePage);
-    return it == kPages.end() ? 0 : it->second;
-}
-
-std::string CodePageName(int windowsCodePage) { return "ANSI_" + std::to_string(windowsCodePage); }
 
 namespace {
 
@@ -79,7 +67,8 @@ bool IsControl(std::int32_t type) { return type >= 48 && type <= 70 && type % 2 
 bool IsTableRecord(std::int32_t type) { return type >= 49 && type <= 71 && type % 2 == 1; }
 
 struct Drawing {
-    Drawing(const DwgSections& s, DxfText to, bool plain) : sections(s), out(std::move(to)), plainEntities(plain) {}
+    Drawing(const DwgSections& s, DxfText to, bool plain, bool givesBack = false)
+        : sections(s), out(std::move(to)), plainEntities(plain), givesBackObjects(givesBack) {}
 
     const DwgSections& sections;
     HeaderVariables header;
@@ -98,6 +87,11 @@ struct Drawing {
     NameIndex names;
     DxfText out;
     bool plainEntities = true;  // plain entities handed on by their values (see dxf::PlainEntity)
+    // The object data's memory is given back as model and paper space are written: `pages`
+    // counts, by chunk of the data, the entities still to be decoded (stillDecoded).
+    bool givesBackObjects = false;
+    ReleasedPages pages;
+    std::vector<bool> stillDecoded;
     MapError failure;  // the first entity that did not decode when written
     bool failed = false;
 
@@ -159,7 +153,11 @@ struct Drawing {
     void writeRecord(DxfText& to, const Item& item, const DecodedObject& decoded, const std::string& type,
                      std::uint64_t owner, bool withOwned = true);
     void writeRefusedPlain(DxfText& to, ItemIndex index, std::uint64_t owner);
-    void writeEntitiesAlongside(const std::vector<ItemIndex>& entities, std::uint64_t owner);
+    void writeEntitiesAlongside(const std::vector<ItemIndex>& entities, std::uint64_t owner, bool givesBack);
+    bool givesBackWhileWriting(std::uint64_t owner) const;
+    void countStillDecoded(std::uint64_t owner);
+    void decodedLast(ItemIndex i);
+    void writtenLast(const std::vector<ItemIndex>& entities, std::size_t first, std::size_t last);
     void writeObjects();
     void takeKept(std::vector<KeptData>& kept);
     void takeErasedEntries(std::vector<ErasedEntries>& erased) const;
@@ -574,18 +572,23 @@ void Drawing::writeEntities(std::uint64_t owner) {
         // entities are built.
         std::vector<std::uint64_t>().swap(block->entities);
     }
+    const bool givesBack = givesBackWhileWriting(owner);
+    if (givesBack) countStillDecoded(owner);
     if (entities.size() >= 2 * kEntityBatch && out.feeds() && std::thread::hardware_concurrency() > 1) {
-        writeEntitiesAlongside(entities, owner);
+        writeEntitiesAlongside(entities, owner, givesBack);
         return;
     }
-    for (ItemIndex i : entities) writeEntity(out, i, owner);
+    for (std::size_t k = 0; k < entities.size(); ++k) {
+        writeEntity(out, entities[k], owner);
+        if (givesBack) writtenLast(entities, k, k + 1);
+    }
 }
 
 // The entities decoded and written as records a batch at a time on a helper thread, while this
 // one hands the batch before to the feed that builds the database: the feed takes the same
-// records in the same order as from writeEntity alone. Only the helper touches the items while
+// records in the same order as from writeEntity alone. Only the helper writes the items while
 // it runs.
-void Drawing::writeEntitiesAlongside(const std::vector<ItemIndex>& entities, std::uint64_t owner) {
+void Drawing::writeEntitiesAlongside(const std::vector<ItemIndex>& entities, std::uint64_t owner, bool givesBack) {
     auto batchFrom = [&](std::size_t first) {
         DxfText batch = DxfText::Kept();
         const std::size_t last = std::min(entities.size(), first + kEntityBatch);
@@ -595,9 +598,60 @@ void Drawing::writeEntitiesAlongside(const std::vector<ItemIndex>& entities, std
     std::future<DxfText> next = std::async(std::launch::async, batchFrom, 0);
     for (std::size_t first = 0; first < entities.size(); first += kEntityBatch) {
         DxfText batch = next.get();
-        if (first + kEntityBatch < entities.size())
-            next = std::async(std::launch::async, batchFrom, first + kEntityBatch);
+        const std::size_t last = std::min(entities.size(), first + kEntityBatch);
+        if (last < entities.size()) next = std::async(std::launch::async, batchFrom, last);
         batch.handTo(out, [&](DxfText& to, ItemIndex i) { writeRefusedPlain(to, i, owner); });
+        // The batch's entities are decoded no more (the refused ones were just now); the helper
+        // reads only those of the next batch, still counted.
+        if (givesBack) writtenLast(entities, first, last);
+    }
+}
+
+// Whether the object data is given back as the entities are written: in the passes over model
+// and paper space, the last passes that decode entities (a damaged file naming one block record
+// for both would write its entities twice).
+bool Drawing::givesBackWhileWriting(std::uint64_t owner) const {
+    const HeaderHandles& h = header.handles;
+    return givesBackObjects && (owner == h.modelSpace || owner == h.paperSpace) && h.modelSpace != h.paperSpace;
+}
+
+// Before the pass over model space (or paper space): the entities still to be decoded are those
+// not written yet, and those of the spaces still to be written (a damaged file may have written
+// them already as the entities another owns). The chunks none of them is in are given back.
+void Drawing::countStillDecoded(std::uint64_t owner) {
+    pages = PagesOf(sections.objects);
+    stillDecoded.assign(items.size(), false);
+    const auto count = [&](ItemIndex i) {
+        if (!items[i].entity || items[i].holdsDecoded || stillDecoded[i]) return;
+        stillDecoded[i] = true;
+        CountRead(pages, items[i].offset, StoredExtent(sections.objects, items[i].offset, sections.version));
+    };
+    for (ItemIndex i = 0; i < items.size(); ++i)
+        if (!items[i].written) count(i);
+    for (std::uint64_t space : {owner, header.handles.paperSpace}) {
+        if (const auto it = owned.find(space); it != owned.end())
+            for (ItemIndex i : it->second) count(i);
+    }
+    GiveBackUnread(pages);
+}
+
+void Drawing::decodedLast(ItemIndex i) {
+    if (!stillDecoded[i]) return;
+    stillDecoded[i] = false;
+    ReadLast(pages, items[i].offset, StoredExtent(sections.objects, items[i].offset, sections.version));
+}
+
+// The entities of a batch just handed on, and those they own (written with them), are decoded
+// no more: neither is written again, nor checked unwritten. Those owned by an entity whose
+// handle is a space's (a damaged file) are that space's, still to be written.
+void Drawing::writtenLast(const std::vector<ItemIndex>& entities, std::size_t first, std::size_t last) {
+    const HeaderHandles& h = header.handles;
+    for (std::size_t k = first; k < last; ++k) {
+        const Item& item = items[entities[k]];
+        decodedLast(entities[k]);
+        if (!OwnsEntities(item.type) || item.handle == h.modelSpace || item.handle == h.paperSpace) continue;
+        if (const auto it = owned.find(item.handle); it != owned.end())
+            for (ItemIndex i : it->second) decodedLast(i);
     }
 }
 
@@ -730,8 +784,8 @@ bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<Kep
 
 bool DwgToRecords(const DwgSections& sections, dxf::RecordFeed& feed, std::vector<KeptData>& kept,
                   std::vector<ErasedEntries>& erased, std::vector<DimensionStyleColors>& colors,
-                  MapError& error, bool plainEntities) {
-    Drawing drawing(sections, DxfText(&feed), plainEntities);
+                  MapError& error, bool plainEntities, bool givesBackObjects) {
+    Drawing drawing(sections, DxfText(&feed), plainEntities, givesBackObjects);
     if (!WriteDrawing(drawing, kept, error)) return false;
     drawing.takeErasedEntries(erased);
     drawing.takeDimensionStyleColors(colors);

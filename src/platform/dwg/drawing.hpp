@@ -22,12 +22,6 @@ struct DwgSections {
     std::span<const std::uint8_t> objects;  // the data the map's offsets count in
 };
 
-// The Windows code page of the file header's code page number (30: 1252, 39: 936 ...); 0 for
-// a number the format does not list.
-int WindowsCodePage(int dwgCodePage);
-// The $DWGCODEPAGE name of a Windows code page ("ANSI_936").
-std::string CodePageName(int windowsCodePage);
-
 // An object of a kind the database does not model: its DXF record is its head only, and its
 // bytes (after its size, before its CRC) are what a DWG writer puts back.
 struct KeptData {
@@ -61,9 +55,11 @@ bool DwgToDxfText(const DwgSections& sections, std::string& dxf, std::vector<Kep
 // entries and the dimension styles' true colours, which no record holds, go to `erased` and
 // `colors`. A large drawing's objects are decoded, and its entities written, partly on a helper
 // thread. Plain entities (see dxf::PlainEntity) go by their values, unless plainEntities is
-// false: the path they are tested against.
+// false: the path they are tested against. With givesBackObjects, the memory of sections.objects
+// (a buffer the caller gives up to this, whole pages of which read as zeros afterwards) is given
+// back to the system as the entities are decoded for the last time.
 bool DwgToRecords(const DwgSections& sections, dxf::RecordFeed& feed, std::vector<KeptData>& kept,
                   std::vector<ErasedEntries>& erased, std::vector<DimensionStyleColors>& colors,
-                  MapError& error, bool plainEntities = true);
+                  MapError& error, bool plainEntities = true, bool givesBackObjects = false);
 
 }  // namespace dwg

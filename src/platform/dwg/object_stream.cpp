@@ -16,7 +16,62 @@ void LocateStrings(ObjectStreams& o) {
     o.data.setBitEnd(stringsStart);
 }
 
+// The head of the object at `start`: its size and, 2010 on, the size of its handle references.
+struct Frame {
+    std::size_t size = 0;          // bytes of the object, after its head and before its CRC
+    std::uint64_t handleBits = 0;  // 2010 on
+    std::size_t headBytes = 0;
+};
+
+// The head's values, read a byte at a time: an object starts on a byte, and every object's head
+// is read, again when the object data is given back as the read goes. A modular short is
+// little-endian words of 15 bits, the top bit of each saying another follows (three at most); a
+// modular char the same of bytes of 7 bits (nine at most). False, and the value 0, when it runs
+// past the data or is longer.
+bool ModularShort(std::span<const std::uint8_t> bytes, std::size_t& at, std::uint32_t& value) {
+    value = 0;
+    for (unsigned shift = 0; shift < 32 && bytes.size() - at >= 2; shift += 15) {
+        const auto word = static_cast<std::uint16_t>(bytes[at] | (bytes[at + 1] << 8));
+        at += 2;
+        if (!(word & 0x8000)) {
+            value |= static_cast<std::uint32_t>(word) << shift;
+            return true;
+        }
+        value |= static_cast<std::uint32_t>(word & 0x7FFF) << shift;
+    }
+    value = 0;
+    return false;
+}
+
+bool ModularChar(std::span<const std::uint8_t> bytes, std::size_t& at, std::uint64_t& value) {
+    value = 0;
+    for (unsigned shift = 0; shift < 63 && at < bytes.size(); shift += 7) {
+        const std::uint8_t byte = bytes[at++];
+        value |= static_cast<std::uint64_t>(byte & 0x7F) << shift;
+        if (!(byte & 0x80)) return true;
+    }
+    value = 0;
+    return false;
+}
+
+// False when the head does not read or the object and its CRC run past the data.
+bool FrameAt(std::span<const std::uint8_t> objects, std::size_t start, Version version, Frame& frame) {
+    std::size_t at = start;
+    std::uint32_t size = 0;
+    bool read = ModularShort(objects, at, size);
+    frame.size = size;
+    if (read && version >= Version::kR2010) read = ModularChar(objects, at, frame.handleBits);
+    frame.headBytes = at - start;
+    return read && frame.size <= objects.size() - at && objects.size() - at - frame.size >= 2;
+}
+
 }  // namespace
+
+std::size_t StoredExtent(std::span<const std::uint8_t> objects, std::size_t offset, Version version) {
+    Frame frame;
+    if (offset >= objects.size() || !FrameAt(objects, offset, version, frame)) return 0;
+    return frame.headBytes + frame.size + 2;
+}
 
 bool OpenObject(std::span<const std::uint8_t> objects, std::int64_t offset, Version version,
                 int codePage, ObjectStreams& out, MapError& error, bool checkCrc) {
@@ -25,18 +80,17 @@ bool OpenObject(std::span<const std::uint8_t> objects, std::int64_t offset, Vers
         error = {start, "object offset outside the object data"};
         return false;
     }
-    BitReader head(objects.subspan(start), version, codePage);
-    out.size = head.MS();
-    std::uint64_t handleBits = 0;
-    // 2010 on, the size of the handle stream follows; the object's size counts after it.
-    if (version >= Version::kR2010) handleBits = head.UMC();
-    const std::size_t sizeBytes = head.bytePosition();
-    const std::size_t dataStart = start + sizeBytes;
-    if (head.failed() || out.size > objects.size() - dataStart ||
-        objects.size() - dataStart - out.size < 2) {
+    // 2010 on, the size of the handle stream follows the size; the object's size counts after it.
+    Frame frame;
+    const bool fits = FrameAt(objects, start, version, frame);
+    out.size = frame.size;
+    if (!fits) {
         error = {start, "object of " + std::to_string(out.size) + " bytes runs past the data"};
         return false;
     }
+    const std::uint64_t handleBits = frame.handleBits;
+    const std::size_t sizeBytes = frame.headBytes;
+    const std::size_t dataStart = start + sizeBytes;
     const auto bytes = objects.subspan(dataStart, out.size);
     const std::uint16_t stored = static_cast<std::uint16_t>(objects[dataStart + out.size] |
                                                             (objects[dataStart + out.size + 1] << 8));

@@ -28,6 +28,11 @@ struct ObjectStreams {
 bool OpenObject(std::span<const std::uint8_t> objects, std::int64_t offset, Version version,
                 int codePage, ObjectStreams& out, MapError& error, bool checkCrc = true);
 
+// The bytes the object at a byte offset of the object data takes there, as OpenObject frames
+// it: its size (2010 on, and the size of its handle references), its data and its CRC. 0 when it
+// runs past the data.
+std::size_t StoredExtent(std::span<const std::uint8_t> objects, std::size_t offset, Version version);
+
 // 2007 on: the string stream of values that end at endBit; stringsStart is where the values
 // give way to the strings. False when the stored size does not fit.
 bool FindStringStream(const BitReader& data, std::size_t endBit, BitReader& strings,

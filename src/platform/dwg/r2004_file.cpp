@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "platform/dwg/drawing.hpp"
+#include "platform/dwg/container.hpp"
 #include "platform/dwg/r2004_pages.hpp"
 
 namespace dwg {

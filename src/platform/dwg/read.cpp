@@ -129,6 +129,13 @@ AcDb::AcDbDwgVersion DatabaseVersion(Version version) {
     return AcDb::kDHL_1018;
 }
 
+bool GivesBackObjects(const DwgSections& sections, const DwgContainer* container,
+                      const AcDbDatabase::DwgSourceFile* file) {
+    if (container == nullptr || sections.objects.empty() || KeepsSectionsInMemory(sections, file)) return false;
+    return std::any_of(container->buffers.begin(), container->buffers.end(),
+                       [&](const std::vector<std::uint8_t>& b) { return b.data() == sections.objects.data(); });
+}
+
 namespace {
 
 // The database filled from the records the drawing is decoded into, handed to the DXF reader
@@ -143,7 +150,8 @@ Acad::ErrorStatus ReadRecords(AcDbDatabase& db, const DwgSections& sections, con
     std::vector<DimensionStyleColors> colors;
     MapError error;
     dxf::RecordFeed feed(db, name);
-    if (!DwgToRecords(sections, feed, kept, erased, colors, error, plainEntities))
+    if (!DwgToRecords(sections, feed, kept, erased, colors, error, plainEntities,
+                      GivesBackObjects(sections, container, file)))
         return Fail(db, name, error.offset, error.reason);
     if (feed.finish() != Acad::eOk) {
         // The records are made here: a refusal is a fault of this reader, said as such.

@@ -13,12 +13,21 @@
 
 namespace dwg {
 
+struct DwgContainer;
+
 // True when the bytes open with the version string of a DWG ("AC1015"), whatever the version.
 bool LooksLikeDwg(std::span<const std::uint8_t> head);
 // The version the file's first six bytes name; false for one this reader does not know.
 bool VersionFromMagic(std::span<const std::uint8_t> file, Version& out);
 // The version as the database and the DXF header name it.
 AcDb::AcDbDwgVersion DatabaseVersion(Version version);
+
+// Whether the read gives the objects section's memory back as it goes (see DwgToRecords): when
+// the section is one of the container's own buffers (2004 on; R13 to 2000 sections are ranges of
+// the caller's file) and the read does not keep it (see KeepsSectionsInMemory; `file` is the file
+// the sections were read from, if any).
+bool GivesBackObjects(const DwgSections& sections, const DwgContainer* container,
+                      const AcDbDatabase::DwgSourceFile* file = nullptr);
 
 // Reads decoded sections into an empty database. On failure the database stays empty and
 // lastError() says "name: offset N: reason".

@@ -33,75 +33,6 @@
 
 namespace {
 
-std::string Bits(double v) {
-    char text[24];
-    std::snprintf(text, sizeof text, "%016llx", static_cast<unsigned long long>(std::bit_cast<std::uint64_t>(v)));
-    return text;
-}
-
-std::string Bits(const AcGePoint3d& p) { return Bits(p.x) + "," + Bits(p.y) + "," + Bits(p.z); }
-std::string Bits(const AcGeVector3d& v) { return Bits(v.x) + "," + Bits(v.y) + "," + Bits(v.z); }
-
-// The values of the plain kinds, their numbers bit for bit.
-std::string Values(const AcDbObject& o) {
-    std::string out;
-    if (const auto* e = AcDbEntity::cast(&o)) {
-        const AcCmColor c = e->color();
-        out += Utf8FromWide(e->layer()) + " " + Utf8FromWide(e->linetype()) + " " + std::to_string(c.colorIndex()) +
-               " " + std::to_string(c.hasTrueColor()) + " " + std::to_string(static_cast<int>(e->lineWeight())) +
-               " " + Bits(e->linetypeScale()) + " " + std::to_string(e->inPaperSpace()) + " " +
-               std::to_string(e->visibility() == AcDb::kVisible);
-    }
-    if (const auto* e = AcDbLine::cast(&o))
-        out += " " + Bits(e->startPoint()) + " " + Bits(e->endPoint()) + " " + Bits(e->thickness()) + " " + Bits(e->normal());
-    if (const auto* e = AcDbCircle::cast(&o))
-        out += " " + Bits(e->center()) + " " + Bits(e->radius()) + " " + Bits(e->thickness()) + " " + Bits(e->normal());
-    if (const auto* e = AcDbArc::cast(&o))
-        out += " " + Bits(e->center()) + " " + Bits(e->radius()) + " " + Bits(e->startAngle()) + " " +
-               Bits(e->endAngle()) + " " + Bits(e->thickness()) + " " + Bits(e->normal());
-    if (const auto* e = AcDbPoint::cast(&o))
-        out += " " + Bits(e->position()) + " " + Bits(e->ecsRotation()) + " " + Bits(e->thickness()) + " " + Bits(e->normal());
-    if (const auto* e = AcDbPolyline::cast(&o)) {
-        out += " " + std::to_string(e->isClosed()) + std::to_string(e->hasPlinegen()) + std::to_string(e->hasConstantWidthTag()) +
-               " " + Bits(e->elevation()) + " " + Bits(e->thickness()) + " " + Bits(e->normal());
-        for (unsigned int k = 0; k < e->numVerts(); ++k) {
-            const AcDbPolyline::Vertex v = e->vertexAt(k);
-            out += " " + Bits(v.point.x) + "," + Bits(v.point.y) + "," + Bits(v.startWidth) + "," + Bits(v.endWidth) + "," + Bits(v.bulge);
-        }
-    }
-    return out;
-}
-
-// One line per object: handle, class, owner, links, extension data, the record kept, values.
-std::vector<std::string> Objects(const AcDbDatabase& db) {
-    std::vector<std::string> lines;
-    for (const AcDbStub& stub : db.stubs()) {
-        if (!stub.object) continue;
-        const AcDbObject& o = *stub.object;
-        std::string line = dwg_test::ObjectHead(stub);
-        for (const auto& group : o.xData()) line += " xdata " + Utf8FromWide(group.appName) + " " + std::to_string(group.tags.byteSize());
-        line += " record";
-        for (const AcDbRawTag& t : o.fileTags()) line += " " + std::to_string(t.code) + "=" + std::string(t.value);
-        lines.push_back(line + " |" + Values(o));
-    }
-    return lines;
-}
-
-std::string WrittenDxf(AcDbDatabase& db) {
-    std::string out;
-    dxf::WriteOptions options;
-    options.version = AcDb::kDHL_1018;
-    EXPECT_EQ(dxf::WriteDxfText(db, options, out), Acad::eOk);
-    return out;
-}
-
-std::vector<std::uint8_t> WrittenDwg(AcDbDatabase& db) {
-    std::vector<std::uint8_t> out;
-    dwg::DwgWriteReport report;
-    EXPECT_EQ(dwg::WriteDwgBytes(db, 936, out, report), Acad::eOk);
-    return out;
-}
-
 // Reads the file with plain entities and through records only; expects the same databases. The
 // entities that keep no record are counted in `plain`, and the polylines among them in
 // `polylines`; false when the file does not read.
@@ -111,7 +42,7 @@ bool PlainReadsAsRecords(const std::vector<std::uint8_t>& file, const std::strin
     EXPECT_EQ(dwg::ReadDwgBytes(fast, file, name, true), es);
     EXPECT_EQ(Utf8FromWide(fast.lastError()), Utf8FromWide(records.lastError()));
     if (es != Acad::eOk) return false;
-    const std::vector<std::string> got = Objects(fast), expected = Objects(records);
+    const std::vector<std::string> got = dwg_test::ObjectLines(fast), expected = dwg_test::ObjectLines(records);
     EXPECT_EQ(got.size(), expected.size());
     for (std::size_t i = 0; i < std::min(got.size(), expected.size()); ++i) {
         if (got[i] != expected[i]) {
@@ -128,8 +59,8 @@ bool PlainReadsAsRecords(const std::vector<std::uint8_t>& file, const std::strin
         }
     }
     EXPECT_EQ(fast.handseed().value(), records.handseed().value());
-    EXPECT_EQ(WrittenDxf(fast), WrittenDxf(records));
-    EXPECT_TRUE(WrittenDwg(fast) == WrittenDwg(records));
+    EXPECT_EQ(dwg_test::WrittenDxf(fast, AcDb::kDHL_1018), dwg_test::WrittenDxf(records, AcDb::kDHL_1018));
+    EXPECT_TRUE(dwg_test::WrittenDwg(fast) == dwg_test::WrittenDwg(records));
     return true;
 }
 

@@ -86,21 +86,6 @@ int DroppedRecords(const AcDbDatabase& fed, const AcDbDatabase& text) {
     return dropped;
 }
 
-std::string WrittenDxf(AcDbDatabase& db, AcDb::AcDbDwgVersion version = AcDb::kDHL_1032) {
-    std::string out;
-    dxf::WriteOptions options;
-    options.version = version;
-    EXPECT_EQ(dxf::WriteDxfText(db, options, out), Acad::eOk);
-    return out;
-}
-
-std::vector<std::uint8_t> WrittenDwg(AcDbDatabase& db) {
-    std::vector<std::uint8_t> out;
-    dwg::DwgWriteReport report;
-    EXPECT_EQ(dwg::WriteDwgBytes(db, 936, out, report), Acad::eOk);
-    return out;
-}
-
 std::vector<std::string> CorpusDrawings() {
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(SharedFile("corpus/dwg"))) {
@@ -137,9 +122,9 @@ bool FeedBuildsWhatTextBuilds(const std::vector<std::uint8_t>& file, const std::
         EXPECT_EQ(fed.kept[i].bytes, text.kept[i].bytes);
     }
     dropped += DroppedRecords(fed.db, text.db);
-    EXPECT_EQ(WrittenDxf(fed.db), WrittenDxf(text.db));
-    EXPECT_EQ(WrittenDxf(fed.db, AcDb::kDHL_1018), WrittenDxf(text.db, AcDb::kDHL_1018));
-    EXPECT_TRUE(WrittenDwg(fed.db) == WrittenDwg(text.db));
+    EXPECT_EQ(dwg_test::WrittenDxf(fed.db), dwg_test::WrittenDxf(text.db));
+    EXPECT_EQ(dwg_test::WrittenDxf(fed.db, AcDb::kDHL_1018), dwg_test::WrittenDxf(text.db, AcDb::kDHL_1018));
+    EXPECT_TRUE(dwg_test::WrittenDwg(fed.db) == dwg_test::WrittenDwg(text.db));
     return true;
 }
 
@@ -216,7 +201,7 @@ TEST(DwgRecordFeed, a_spline_of_control_points_keeps_no_record_and_one_of_fit_po
         spline->close();
     }
     model->close();
-    std::vector<std::uint8_t> file = WrittenDwg(db);
+    std::vector<std::uint8_t> file = dwg_test::WrittenDwg(db);
     AcDbDatabase back(false, true);
     ASSERT_EQ(dwg::ReadDwgBytes(back, std::move(file), "splines.dwg"), Acad::eOk);
     std::vector<const AcDbSpline*> splines;
@@ -235,7 +220,7 @@ TEST(DwgRecordFeed, a_spline_of_control_points_keeps_no_record_and_one_of_fit_po
 TEST(DwgRecordFeed, an_mtext_and_an_insert_with_attributes_keep_no_record) {
     AcDbDatabase db;
     dwg_test::BuildDrawing(db);
-    std::vector<std::uint8_t> file = WrittenDwg(db);
+    std::vector<std::uint8_t> file = dwg_test::WrittenDwg(db);
     int dropped = 0;
     EXPECT_TRUE(FeedBuildsWhatTextBuilds(file, "sample.dwg", dropped));
     AcDbDatabase back(false, true);
