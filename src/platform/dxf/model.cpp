@@ -315,7 +315,7 @@ void MTextModel(const AcDbMText& e, ModelWriter& w) {
     MTextContents(Utf8(e.contents()), w);
     // Each value below is written when the file gave it, or when it is not at its default.
     auto gave = [&e](AcDbMText::FileValue v) { return e.fileGave(v); };
-    w.own({42, 43, 7, 11, 21, 31, 73, 44});
+    w.own({7});
     w.optional(!gave(AcDbMText::kFileActualWidth) && e.actualWidth() == 0.0).real(42, e.actualWidth());
     w.optional(!gave(AcDbMText::kFileActualHeight) && e.actualHeight() == 0.0).real(43, e.actualHeight());
     w.name(7, e.textStyle());

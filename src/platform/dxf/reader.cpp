@@ -339,8 +339,7 @@ void Builder::readEntity(AcDbEntity& e) {
         auto block = m_blocks.find(Upper(blockName));
         if (block != m_blocks.end()) x->setBlockTableRecord(block->second->objectId());
         else m_insertNames.push_back({x, blockName});
-    }
-    else if (auto* x = AcDbDimension::cast(&e)) {
+    } else if (auto* x = AcDbDimension::cast(&e)) {
         if (!blockName.empty()) m_dimBlockNames.push_back({x, blockName});
         readDimStyleXData(*x);
     }

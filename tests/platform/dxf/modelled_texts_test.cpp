@@ -151,6 +151,7 @@ TEST(FedTextRecords, record_with_what_the_model_lacks_is_kept_and_written_the_sa
 TEST(FedTextRecords, mtext_reads_the_values_its_file_gives_and_a_made_one_writes_those_not_at_default) {
     std::string text = SampleOfDwgTexts();
     for (auto [from, to] : {std::pair<std::string, std::string>{" 42\n0.0\n 43\n0.0\n", " 42\n12.5\n 43\n3.0\n"},
+                            {" 11\n1.0\n 21\n0.0\n", " 11\n0.0\n 21\n1.0\n"},
                             {" 73\n1\n 44\n1.0\n", " 73\n2\n 44\n1.5\n"}})
         text.replace(text.find(from), from.size(), to);
     AcDbDatabase read(false, true);
@@ -161,6 +162,7 @@ TEST(FedTextRecords, mtext_reads_the_values_its_file_gives_and_a_made_one_writes
     EXPECT_EQ(mtext->actualHeight(), 3.0);
     EXPECT_EQ(mtext->lineSpacingStyle(), AcDb::kExactly);
     EXPECT_EQ(mtext->lineSpacingFactor(), 1.5);
+    EXPECT_EQ(mtext->direction(), AcGeVector3d(0, 1, 0));
 
     AcDbDatabase made;
     dwg_test::BuildDrawing(made);
