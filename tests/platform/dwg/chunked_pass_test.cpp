@@ -119,13 +119,15 @@ struct AheadRun {
     std::vector<std::size_t> made, used;
     std::size_t slots[2] = {};
     int held = 0, mostHeld = 0;  // parts whose make has begun and whose use has not ended
-    bool madeBeforeItsTurn = false;  // a make(k) began before use(k - 1) did
+    // A make(k) began before use(k - 2) had ended (it may begin while use(k - 1) runs, even
+    // before that use is seen here, but not earlier).
+    bool madeTooEarly = false;
 
     std::function<void(std::size_t)> make() {
         return [this](std::size_t k) {
             {
                 std::lock_guard lock(m);
-                madeBeforeItsTurn = madeBeforeItsTurn || (k > 0 && used.size() < k);
+                madeTooEarly = madeTooEarly || (k >= 2 && used.size() < k - 1);
                 mostHeld = std::max(mostHeld, ++held);
             }
             slots[k % 2] = k + 100;
@@ -158,7 +160,7 @@ TEST_P(DwgMadeAhead, every_part_is_made_and_used_once_in_order_with_at_most_two_
     EXPECT_EQ(run.made, expected);
     EXPECT_EQ(run.used, expected);  // each use found its own part in its slot
     EXPECT_LE(run.mostHeld, 2);
-    EXPECT_FALSE(run.madeBeforeItsTurn);
+    EXPECT_FALSE(run.madeTooEarly);
 }
 
 INSTANTIATE_TEST_SUITE_P(Counts, DwgMadeAhead, testing::Values(0u, 1u, 2u, 3u, 9u));
