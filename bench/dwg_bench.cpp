@@ -53,7 +53,7 @@ int main(int argc, char** argv) {
     const std::uintmax_t size = std::filesystem::file_size(argv[1]);
     const double seconds = total / repeat;
     const double peak = PeakMb();
-    std::printf("tavrik read %.4f s entities %d peak %.1f MB above-start %.1f MB file %.2f MB\n", seconds,
+    std::printf("tavrik read %.4f s entities %d peak %.2f MB above-start %.2f MB file %.2f MB\n", seconds,
                 entities, peak, peak - before, static_cast<double>(size) / (1024.0 * 1024.0));
     return 0;
 }

@@ -24,5 +24,5 @@ node "$root/bench/acad_ts_bench.mjs" "$root/build-oracle" "$dwg" "$repeat" | tee
 # T s entities E peak P MB".
 awk '{ r[FILENAME] = $3; m[FILENAME] = $8; a[FILENAME] = $11; f[FILENAME] = $14 }
      END { t = ARGV[1]; o = ARGV[2];
-           printf "acad-ts / tavrik: read %.1fx, peak memory %.1fx; tavrik peak above start %.1fx the file\n",
+           printf "acad-ts / tavrik: read %.1fx, peak memory %.1fx; tavrik peak above start %.2fx the file\n",
                   r[o] / r[t], m[o] / m[t], a[t] / f[t] }' "$work/tavrik.txt" "$work/acad.txt"
