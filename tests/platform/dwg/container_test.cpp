@@ -6,6 +6,7 @@
 
 #include "platform/db/database.hpp"
 #include "platform/dwg/corpus_files.hpp"
+#include "platform/dwg/object_map.hpp"
 #include "platform/dwg/object_stream.hpp"
 #include "platform/dwg/read.hpp"
 #include "platform/win/codepage.hpp"
@@ -56,6 +57,29 @@ TEST_P(CorpusContainer, opens_and_every_object_of_the_map_frames) {
                                     sections.codePage, object, error))
             << std::hex << "handle " << location.handle << ": " << error.reason;
         EXPECT_EQ(object.handle, location.handle);
+    }
+}
+
+// The bytes an object takes in the object data (what the read gives back once the object is
+// decoded for the last time) end with its CRC: a byte more or fewer and the CRC of what comes
+// before would not be the two bytes at the end.
+TEST_P(CorpusContainer, every_object_takes_the_bytes_up_to_its_crc) {
+    const Bytes file = dwg_test::ReadFileBytes(dwg_test::CorpusPath(GetParam().name));
+    dwg::DwgContainer container;
+    dwg::MapError error;
+    ASSERT_TRUE(dwg::ReadDwgContainer(file, container, error)) << error.reason;
+    const dwg::DwgSections sections = dwg::SectionsOf(container, file);
+    std::vector<dwg::ObjectLocation> map;
+    ASSERT_TRUE(dwg::ParseObjectMap(sections.objectMap, map, error)) << error.reason;
+    for (const dwg::ObjectLocation& location : map) {
+        const auto offset = static_cast<std::size_t>(location.offset);
+        const std::size_t extent = dwg::StoredExtent(sections.objects, offset, sections.version);
+        ASSERT_GE(extent, 4u) << std::hex << "handle " << location.handle;
+        ASSERT_LE(offset + extent, sections.objects.size());
+        const auto crc = static_cast<std::uint16_t>(sections.objects[offset + extent - 2] |
+                                                    sections.objects[offset + extent - 1] << 8);
+        EXPECT_EQ(dwg::Crc16(0xC0C1, sections.objects.subspan(offset, extent - 2)), crc)
+            << std::hex << "handle " << location.handle;
     }
 }
 
